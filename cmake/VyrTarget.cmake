@@ -1,0 +1,58 @@
+# What holds for every target of the project, and only for those.
+
+# vyr_target_defaults(<target>): language, warnings, visibility and sanitizers of own code.
+function(vyr_target_defaults target)
+    target_compile_features(${target} PRIVATE cxx_std_20)
+    set_target_properties(
+        ${target}
+        PROPERTIES
+            CXX_EXTENSIONS OFF
+            CXX_VISIBILITY_PRESET hidden
+            VISIBILITY_INLINES_HIDDEN ON
+            POSITION_INDEPENDENT_CODE ON
+    )
+    if(MSVC)
+        target_compile_options(${target} PRIVATE /W4 /permissive- /utf-8 /fp:precise)
+        target_compile_definitions(${target} PRIVATE NOMINMAX)
+    else()
+        target_compile_options(
+            ${target}
+            PRIVATE
+                -Wall
+                -Wextra
+                -Wpedantic
+                -Wcast-align
+                -Wcast-qual
+                -Wconversion
+                -Wdouble-promotion
+                -Wextra-semi
+                -Wformat=2
+                -Wnon-virtual-dtor
+                -Wold-style-cast
+                -Woverloaded-virtual
+                -Wshadow
+                -Wsign-conversion
+                -Wundef
+                # A fused multiply-add rounds differently: the same input would give different
+                # bytes on different machines.
+                -ffp-contract=off
+        )
+    endif()
+    if(VYR_WARNINGS_AS_ERRORS)
+        set_target_properties(${target} PROPERTIES COMPILE_WARNING_AS_ERROR ON)
+    endif()
+    if(VYR_SANITIZE)
+        set(sanitize -fsanitize=${VYR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        target_compile_options(${target} PRIVATE ${sanitize})
+        target_link_options(${target} PRIVATE ${sanitize})
+    endif()
+endfunction()
+
+# vyr_add_folders(<folder>...): adds those folders that have a CMakeLists.txt, in this order.
+function(vyr_add_folders)
+    foreach(folder IN LISTS ARGN)
+        if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
+            add_subdirectory(${folder})
+        endif()
+    endforeach()
+endfunction()
