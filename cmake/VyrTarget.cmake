@@ -48,6 +48,22 @@ function(vyr_target_defaults target)
     endif()
 endfunction()
 
+# vyr_install_rpath(<target> <folder>): where an installed program or library looks for libraries: in a folder
+# relative to its own, then where the dependencies were found, which may be anywhere.
+function(vyr_install_rpath target folder)
+    if(APPLE)
+        set(origin "@loader_path")
+    else()
+        set(origin "$ORIGIN")
+    endif()
+    set_target_properties(
+        ${target}
+        PROPERTIES
+            INSTALL_RPATH
+            "${origin}/${folder};$<TARGET_FILE_DIR:MaterialXCore>;$<TARGET_FILE_DIR:OpenImageIO::OpenImageIO>"
+    )
+endfunction()
+
 # vyr_add_folders(<folder>...): adds those folders that have a CMakeLists.txt, in this order.
 function(vyr_add_folders)
     foreach(folder IN LISTS ARGN)
