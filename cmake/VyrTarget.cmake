@@ -27,7 +27,6 @@ function(vyr_target_defaults target)
                 -Wdouble-promotion
                 -Wextra-semi
                 -Wformat=2
-                -Wnon-virtual-dtor
                 -Wold-style-cast
                 -Woverloaded-virtual
                 -Wshadow
@@ -60,7 +59,7 @@ function(vyr_install_rpath target folder)
         ${target}
         PROPERTIES
             INSTALL_RPATH
-            "${origin}/${folder};$<TARGET_FILE_DIR:MaterialXCore>;$<TARGET_FILE_DIR:OpenImageIO::OpenImageIO>"
+            "${origin}${folder};$<TARGET_FILE_DIR:MaterialXCore>;$<TARGET_FILE_DIR:OpenImageIO::OpenImageIO>"
     )
 endfunction()
 
