@@ -9,3 +9,29 @@ fail() {
     printf '%s: error: %s\n' "${0##*/}" "$*" >&2
     exit 1
 }
+
+# All C++ files of the project, relative to its root, each ended by a NUL.
+sources() {
+    local folder folders=()
+    for folder in include platform src assetlib cli tests benchmarks; do
+        [[ -d $root/$folder ]] && folders+=("$folder")
+    done
+    (cd "$root" && find "${folders[@]}" -type f \( -name '*.h' -o -name '*.cpp' \) -print0 | sort -z)
+}
+
+# build <preset> [target...]: configures and builds; says what the compiler says only when it fails.
+build() {
+    local preset="$1" targets=() folder="$root/build/$1" fresh=()
+    shift
+    (($#)) && targets=(--target "$@")
+    # A checkout that was moved keeps a cache that CMake refuses.
+    grep -qs "^CMAKE_HOME_DIRECTORY:INTERNAL=$root\$" "$folder/CMakeCache.txt" || fresh=(--fresh)
+    mkdir -p "$folder"
+    say "building $preset"
+    if ! (cd "$root" && cmake --preset "$preset" "${fresh[@]}") >"$folder/configure.log" 2>&1; then
+        cat "$folder/configure.log" >&2
+        fail "configuring $preset failed"
+    fi
+    (cd "$root" && cmake --build --preset "$preset" -j "$(nproc)" "${targets[@]}" -- --quiet) ||
+        fail "building $preset failed"
+}
