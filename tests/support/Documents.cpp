@@ -1,0 +1,171 @@
+#include "support/Documents.h"
+
+#include <cmath>
+#include <sstream>
+
+#include <MaterialXFormat/Util.h>
+#include <MaterialXFormat/XmlIo.h>
+
+namespace vyr::support
+{
+
+namespace mx = MaterialX;
+
+namespace
+{
+
+using ::testing::AssertionFailure;
+using ::testing::AssertionResult;
+using ::testing::AssertionSuccess;
+
+struct ExtraUnit
+{
+    const char* definition;
+    const char* unitType;
+    const char* unit;
+    const char* scale;
+};
+
+/// Scales to degrees and to candela per square metre.
+constexpr ExtraUnit extraUnits[] = {
+    {"UD_stdlib_angle", "angle", "degrees", "1.0"},
+    {"UD_stdlib_angle", "angle", "radians", "57.295779513"},
+    {"UD_test_luminance", "luminance", "candelapersquaremeter", "1.0"},
+    {"UD_test_luminance", "luminance", "footlambert", "3.4262591"},
+    {"UD_test_luminance", "luminance", "candelapersquarefoot", "10.7639104"},
+};
+
+void addExtraUnits(const mx::DocumentPtr& library)
+{
+    for (const ExtraUnit& extra : extraUnits)
+    {
+        if (!library->getUnitTypeDef(extra.unitType))
+            library->addUnitTypeDef(extra.unitType);
+        mx::UnitDefPtr definition = library->getUnitDef(extra.definition);
+        if (!definition)
+        {
+            definition = library->addUnitDef(extra.definition);
+            definition->setUnitType(extra.unitType);
+        }
+        definition->addUnit(extra.unit)->setAttribute("scale", extra.scale);
+    }
+}
+
+mx::ConstDocumentPtr loadDataLibrary()
+{
+    mx::DocumentPtr library = mx::createDocument();
+    const auto folder = mx::FilePath(VYR_MATERIALX_LIBRARIES);
+    mx::loadLibraries({folder.getBaseName()}, mx::FileSearchPath(folder.getParentPath()), library);
+    addExtraUnits(library);
+    return library;
+}
+
+/// The number that a text consists of; an empty result for any other text.
+std::optional<double> numberOf(const std::string& text)
+{
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    double number = 0;
+    stream >> number >> std::ws;
+    if (stream.fail() || !stream.eof())
+        return std::nullopt;
+    return number;
+}
+
+bool sameNumber(const std::string& actual, const std::string& expected)
+{
+    const auto a = numberOf(actual);
+    const auto e = numberOf(expected);
+    return a && e && std::abs(*a - *e) <= 1e-5 * std::abs(*e);
+}
+
+bool sameValue(const std::string& actual, const std::string& expected)
+{
+    if (actual == expected)
+        return true;
+    const mx::StringVec a = mx::splitString(actual, ",");
+    const mx::StringVec e = mx::splitString(expected, ",");
+    return a.size() == e.size() && std::equal(a.begin(), a.end(), e.begin(), sameNumber);
+}
+
+AssertionResult readsBackEqual(const mx::DocumentPtr& document)
+{
+    const mx::DocumentPtr again = mx::createDocument();
+    const std::string text = xmlOf(document);
+    mx::readFromXmlString(again, text);
+    if (!(*document == *again))
+        return AssertionFailure() << "the document reads back differently:\n" << text;
+    if (xmlOf(again) != text)
+        return AssertionFailure() << "a second writing differs:\n" << text;
+    return AssertionSuccess();
+}
+
+} // namespace
+
+mx::ConstDocumentPtr dataLibrary()
+{
+    static const mx::ConstDocumentPtr library = loadDataLibrary();
+    return library;
+}
+
+AssertionResult isSound(const mx::DocumentPtr& document)
+{
+    const mx::DocumentPtr copy = document->copy();
+    copy->setDataLibrary(dataLibrary());
+    std::string message;
+    if (!copy->validate(&message))
+        return AssertionFailure() << message << "\n" << xmlOf(document);
+    for (const mx::ElementPtr& element : copy->traverseTree())
+    {
+        const auto node = element->asA<mx::Node>();
+        if (node && !node->getNodeDef())
+            return AssertionFailure() << "no definition fits node " << node->getNamePath() << "\n"
+                                      << xmlOf(document);
+    }
+    return readsBackEqual(document);
+}
+
+std::string xmlOf(const mx::DocumentPtr& document)
+{
+    return mx::writeToXmlString(document);
+}
+
+mx::InputPtr inputOf(const mx::DocumentPtr& document, const std::string& node,
+                     const std::string& input)
+{
+    const mx::NodePtr found = document->getNode(node);
+    return found ? found->getInput(input) : nullptr;
+}
+
+bool isConnected(const mx::InputPtr& input)
+{
+    return input && (input->hasNodeName() || input->hasNodeGraphString() ||
+                     input->hasOutputString() || input->hasInterfaceName());
+}
+
+std::vector<std::string> topLevel(const mx::DocumentPtr& document)
+{
+    std::vector<std::string> lines;
+    for (const mx::ElementPtr& child : document->getChildren())
+        lines.push_back(child->getCategory() + " " + child->getName());
+    return lines;
+}
+
+AssertionResult hasInputs(const mx::DocumentPtr& document, const std::string& node,
+                          const std::vector<ExpectedInput>& expected)
+{
+    for (const ExpectedInput& one : expected)
+    {
+        const mx::InputPtr input = inputOf(document, node, one.name);
+        if (!input)
+            return AssertionFailure() << node << " has no input " << one.name;
+        if (isConnected(input))
+            return AssertionFailure() << one.name << " is connected";
+        if (!sameValue(input->getValueString(), one.value))
+            return AssertionFailure() << one.name << " is \"" << input->getValueString()
+                                      << "\" instead of \"" << one.value << "\"";
+    }
+    return AssertionSuccess();
+}
+
+} // namespace vyr::support
