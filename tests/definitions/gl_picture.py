@@ -1,0 +1,89 @@
+"""Runs generated GLSL in OpenGL without a window, and gives back what it computes."""
+
+import os
+
+os.environ.setdefault("LIBGL_ALWAYS_SOFTWARE", "1")
+os.environ.setdefault("EGL_PLATFORM", "surfaceless")
+
+import moderngl  # noqa: E402 (the driver reads the environment when it is loaded)
+import numpy as np  # noqa: E402
+
+from kvor_library import generate  # noqa: E402
+
+SIZE = 16
+_WRAPS = {"1": False, "2": True}  # the generators' numbers for "clamp" and "periodic"
+_FRAME = {"i_normal": (0, 0, 1), "i_tangent": (1, 0, 0), "i_bitangent": (0, 1, 0)}
+_CORNERS = np.array([(0, 0), (1, 0), (0, 1), (1, 1)], "f4")
+_context = None
+
+
+def context():
+    global _context
+    if _context is None:
+        _context = moderngl.create_context(standalone=True, backend="egl", require=400)
+    return _context
+
+
+def texture_coordinates(low, high):
+    """Those of the pixels' centres, as an array of SIZE x SIZE x 2, v upwards."""
+    steps = [low[i] + (np.arange(SIZE) + 0.5) / SIZE * (high[i] - low[i]) for i in (0, 1)]
+    return np.stack(np.meshgrid(*steps), axis=-1)
+
+
+def compiled(shader):
+    return context().program(vertex_shader=shader.getSourceCode("vertex"), fragment_shader=shader.getSourceCode("pixel"))
+
+
+def picture(doc, path, images=None, low=(0, 0), high=(1, 1)):
+    """What the element at a path computes on a flat square with the texture coordinates low to high.
+
+    The square lies in the xy plane, its normal is z, its tangent x. `images` are arrays of rows from
+    the bottom up, by file name. The result is SIZE x SIZE x 4 floats, from the bottom up.
+    """
+    shader = generate(doc, path)
+    program = compiled(shader)
+    _bind_values(program, shader)
+    _bind_images(program, shader, images or {})
+    for name in program:
+        member = program[name]
+        if isinstance(member, moderngl.Uniform) and member.dimension == 16:
+            member.write(np.eye(4, dtype="f4").tobytes())
+    target = context().framebuffer([context().texture((SIZE, SIZE), 4, dtype="f4")])
+    target.use()
+    _square(program, low, high).render(moderngl.TRIANGLE_STRIP)
+    return np.frombuffer(target.read(components=4, dtype="f4"), "f4").reshape(SIZE, SIZE, 4)
+
+
+def _bind_values(program, shader):
+    """Sets the uniforms as renderers do: the text of the shader rounds small numbers to nothing."""
+    for port in shader.getStage("pixel").getUniformBlock("PublicUniforms"):
+        if port.getVariable() in program and port.getType().getName() in ("float", "vector2", "vector3", "color3"):
+            data = port.getValue().getData()
+            program[port.getVariable()].value = data if isinstance(data, float) else tuple(data)
+
+
+def _bind_images(program, shader, images):
+    ports = {port.getVariable(): port for port in shader.getStage("pixel").getUniformBlock("PublicUniforms")}
+    files = [port for port in ports.values() if port.getType().getName() == "filename"]
+    for unit, port in enumerate(files):
+        pixels = np.atleast_3d(np.asarray(images[port.getValue().getValueString()], "f4"))
+        texture = context().texture(pixels.shape[1::-1], pixels.shape[2], pixels.tobytes(), dtype="f4")
+        root = port.getVariable().removesuffix("file")
+        texture.repeat_x, texture.repeat_y = (
+            _WRAPS[ports[f"{root}{axis}addressmode"].getValue().getValueString()] for axis in "uv"
+        )
+        texture.use(unit)
+        if port.getVariable() in program:
+            program[port.getVariable()].value = unit
+
+
+def _square(program, low, high):
+    attributes = {"i_position": np.pad(_CORNERS * 2 - 1, ((0, 0), (0, 1)))}
+    attributes["i_texcoord_0"] = low + _CORNERS * (np.subtract(high, low))
+    attributes |= {name: np.tile(value, (4, 1)) for name, value in _FRAME.items()}
+    present = [name for name in attributes if name in program]
+    buffers = [
+        (context().buffer(attributes[name].astype("f4").tobytes()), f"{attributes[name].shape[1]}f", name)
+        for name in present
+    ]
+    return context().vertex_array(program, buffers)
