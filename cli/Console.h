@@ -1,0 +1,68 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace vyr::cli
+{
+
+/// To be called first: a reader of the program's output that goes away must not end the program in
+/// the middle of a file.
+void prepareStandardStreams();
+
+/// The text with control characters written as escapes ("\n", "\x1b"), so that a name from a file
+/// can neither break a line in two nor talk to the terminal.
+std::string oneLine(std::string_view text);
+
+/// Writes one line to standard error, control characters escaped.
+void complain(std::string_view line);
+
+/// Writes whole lines to standard error as they stand.
+void complainAsIs(std::string_view lines);
+
+/// Standard output, where results go.
+///
+/// Not thread-safe. The first failure is told on standard error, unless it is only that the reader
+/// has seen enough, and ends the output, not the program.
+class Results
+{
+  public:
+    /// Writes the text as it stands and hands it on to the reader.
+    void write(std::string_view text);
+
+    /// Whether all that was written arrived.
+    bool delivered() const { return _delivered; }
+
+    /// Whether a person is looking at them, in the same window as at standard error.
+    static bool onTerminal();
+
+  private:
+    bool _delivered = true;
+};
+
+/// A progress bar on standard error; none when that is no terminal. Not thread-safe.
+class Progress
+{
+  public:
+    /// @param total number of steps; 0 draws nothing.
+    Progress(bool wanted, std::size_t total);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    /// Takes the bar away, for lines to be printed in its place.
+    void clear();
+
+    /// Draws the bar after `done` steps.
+    void show(std::size_t done);
+
+  private:
+    bool _enabled;
+    bool _shown = false;
+    std::size_t _total;
+    std::chrono::steady_clock::time_point _drawn;
+};
+
+} // namespace vyr::cli

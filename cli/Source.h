@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include <vyr/assetlib/Library.h>
+
+namespace vyr::cli
+{
+
+/// The loaded files.
+struct Source
+{
+    assetlib::Library library;
+    std::vector<assetlib::LoadWarning> warnings;
+};
+
+/// Loads asset library files together.
+/// @return nothing when there is an error; all of them are then on standard error.
+std::optional<Source> loadFiles(const std::vector<std::string>& files,
+                                const std::vector<std::string>& texturePaths = {});
+
+/// What an asset leads to, itself included.
+struct Reach
+{
+    /// Identifiers of the asset and of all that are connected to it, however deep.
+    std::unordered_set<std::string> ids;
+    /// Their image references, in the order of their properties, each once.
+    std::vector<std::string> images;
+};
+
+Reach reachOf(const kelvor::platform::assets::IAssetInstance& asset);
+
+} // namespace vyr::cli

@@ -1,0 +1,38 @@
+#include <exception>
+#include <string>
+#include <variant>
+
+#include "CommandLine.h"
+#include "Commands.h"
+#include "Console.h"
+#include "ExitStatus.h"
+#include "Interruption.h"
+
+namespace
+{
+
+using namespace vyr::cli;
+
+ExitStatus run(ExitStatus status)
+{
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    ExitStatus status = ExitStatus::SomeFailed;
+    try
+    {
+        prepareStandardStreams();
+        catchStopRequests();
+        const Request request = parseCommandLine(argc, argv);
+        status = std::visit([](const auto& command) { return run(command); }, request);
+    }
+    catch (const std::exception& error)
+    {
+        complain(std::string("vyr-mtlx: ") + error.what());
+    }
+    return static_cast<int>(status);
+}
