@@ -1,0 +1,109 @@
+#include "baking/NormalImage.h"
+
+#include "baking/ParallelRows.h"
+#include "baking/kernels/Kernels.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace vyr::MaterialTranslation::baking
+{
+namespace
+{
+std::array<float, 2> pairAttribute(const OIIO::ImageSpec& spec, const char* name)
+{
+    std::array<float, 2> pair{1.0F, 1.0F};
+    if (!spec.getattribute(name, OIIO::TypeDesc(OIIO::TypeDesc::FLOAT, 2), pair.data()))
+    {
+        return {1.0F, 1.0F};
+    }
+    return pair;
+}
+
+SlopeStrength slopeStrength(const OIIO::ImageSpec& parameters, int width, int height)
+{
+    const float amount = parameters.get_float_attribute("bump_amount", 0.0F);
+    if (amount == 0.0F)
+    {
+        return {1.0F, 1.0F};
+    }
+    const auto worldScale = pairAttribute(parameters, "real_world_scale");
+    const auto bumpScale = pairAttribute(parameters, "bump_scale");
+    return {static_cast<float>(width) * amount / worldScale[0] * bumpScale[0],
+            static_cast<float>(height) * amount / worldScale[1] * bumpScale[1]};
+}
+
+/// Rows of channel 0: where they are when they are plain floats, else copied, the last three at hand.
+class HeightReader
+{
+  public:
+    explicit HeightReader(const OIIO::ImageBuf& image) : m_image(image)
+    {
+        const OIIO::ImageSpec& spec = image.spec();
+        const bool plain = image.localpixels() != nullptr && spec.format == OIIO::TypeFloat &&
+                           image.pixel_stride() == static_cast<OIIO::stride_t>(sizeof(float));
+        if (!plain)
+        {
+            m_copies.resize(kCopies * static_cast<std::size_t>(spec.width));
+        }
+    }
+
+    /// The row, valid until two other rows were asked for. Rows outside of the image are its border rows.
+    const float* row(int y)
+    {
+        const OIIO::ImageSpec& spec = m_image.spec();
+        y = std::clamp(y, 0, spec.height - 1);
+        if (m_copies.empty())
+        {
+            return static_cast<const float*>(m_image.pixeladdr(spec.x, spec.y + y, spec.z));
+        }
+        const auto slot = static_cast<std::size_t>(y) % kCopies;
+        float* copy = m_copies.data() + slot * static_cast<std::size_t>(spec.width);
+        if (m_rows[slot] != y)
+        {
+            const OIIO::ROI roi(spec.x, spec.x + spec.width, spec.y + y, spec.y + y + 1, spec.z,
+                                spec.z + 1, 0, 1);
+            m_image.get_pixels(roi, OIIO::TypeFloat, copy);
+            m_rows[slot] = y;
+        }
+        return copy;
+    }
+
+  private:
+    static constexpr std::size_t kCopies = 3;
+    const OIIO::ImageBuf& m_image;
+    std::vector<float> m_copies;
+    std::array<int, kCopies> m_rows{-1, -1, -1};
+};
+} // namespace
+
+OIIO::ImageBuf bakeNormalImage(const OIIO::ImageBuf& height, const OIIO::ImageSpec& parameters,
+                               int threads)
+{
+    const OIIO::ImageSpec& source = height.spec();
+    OIIO::ImageSpec spec(source.width, source.height, 3, OIIO::TypeFloat);
+    spec.attribute("oiio:ColorSpace", "Linear");
+    OIIO::ImageBuf image = uninitializedImage("normal_image", spec);
+    if (!image.initialized())
+    {
+        image.errorfmt("The height image has no pixels");
+        return image;
+    }
+    const SlopeStrength strength = slopeStrength(parameters, spec.width, spec.height);
+    forEachRowBlock(
+        spec.width, spec.height, threads,
+        [&](int yBegin, int yEnd)
+        {
+            HeightReader reader(height);
+            for (int y = yBegin; y < yEnd; ++y)
+            {
+                const HeightRows rows{reader.row(y - 1), reader.row(y), reader.row(y + 1)};
+                kernels().normalRow(rows, static_cast<std::size_t>(spec.width), strength,
+                                    static_cast<float*>(image.pixeladdr(0, y)));
+            }
+        });
+    return image;
+}
+} // namespace vyr::MaterialTranslation::baking

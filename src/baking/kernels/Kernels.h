@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// @file
+/// The pixel kernels: plain rows of floats in, plain rows of floats out.
+///
+/// There is one set of kernels for each instruction set. All sets are instances of the same templates and
+/// give the same bits: every operation is a single IEEE operation on 32-bit floats in a fixed order, and
+/// nothing is fused. Rows need no alignment; input and output must not overlap. Kernels expect the default
+/// floating-point environment (round to nearest, denormals kept).
+namespace vyr::MaterialTranslation::baking
+{
+/// Three neighbouring rows of heights. At the border of the image the row itself stands in for the missing one.
+struct HeightRows
+{
+    const float* above;
+    const float* centre;
+    const float* below;
+};
+
+/// Factors from Sobel gradient to slope, along the columns (x) and along the rows (y).
+struct SlopeStrength
+{
+    float x;
+    float y;
+};
+
+/// Columns that the noise kernels work on at a time: small enough that the gradients stay in the nearest cache.
+inline constexpr int kNoiseColumns = 256;
+
+/// Where neighbouring pixels lie between the lattice points of one octave, on the axis along a row.
+struct alignas(64) NoiseColumns
+{
+    std::uint32_t cell[kNoiseColumns]; ///< lower lattice integer
+    float fraction[kNoiseColumns];     ///< offset from it, 0 to 1
+    float fade[kNoiseColumns];         ///< fade weight of the fraction
+};
+
+/// One lattice axis that is constant for the pixels in question.
+struct NoiseAxis
+{
+    std::uint32_t cell;
+    float fraction;
+    float fade;
+};
+
+/// The gradients at the corners around each column. The product of gradient and offset at a corner is
+/// (across * dx + along) + rest, where dx is the offset on the axis across the rows.
+struct alignas(64) NoiseGradients
+{
+    static constexpr int kCorners =
+        8; ///< bit 0: upper across the rows, bit 1: upper along, bit 2: upper phase
+    float across[kCorners][kNoiseColumns];
+    float along[kCorners][kNoiseColumns];
+    float rest[kCorners][kNoiseColumns];
+};
+
+/// How one octave of one row is added up.
+struct NoiseOctaveRow
+{
+    float fraction;  ///< offset of the row on the axis across the rows
+    float fade;      ///< its fade weight
+    NoiseAxis phase; ///< the fourth axis
+    float scale;     ///< 1 / frequency, a power of two
+    bool absolute;   ///< the absolute value is added (turbulence)
+};
+
+/// From noise to pixels.
+struct NoiseShade
+{
+    bool centred;        ///< the noise lies around 0: v = (noise + 1) * 0.5; else v = noise
+    float thresholdLow;  ///< below it v is 0
+    float thresholdHigh; ///< above it v is 1
+    int channels;        ///< 1: the pixel is v; 3: it is color1 * (1 - v) + color2 * v
+    float color1[3];
+    float color2[3];
+};
+
+/// The kernels for one instruction set.
+struct KernelSet
+{
+    const char* name;
+
+    /// Encoded normals of one row: `width` heights give `3 * width` floats, clamped at both ends.
+    void (*normalRow)(const HeightRows& heights, std::size_t width, const SlopeStrength& strength,
+                      float* rgb);
+
+    /// Gradients of all kNoiseColumns columns between the lattice rows `row` and `row + 1`.
+    void (*noiseGradients)(const NoiseColumns& columns, std::uint32_t row, const NoiseAxis& phase,
+                           NoiseGradients& gradients);
+
+    /// Adds one octave to all kNoiseColumns values of `sums`.
+    void (*addNoiseOctave)(const NoiseGradients& gradients, const NoiseColumns& columns,
+                           const NoiseOctaveRow& row, float* sums);
+
+    /// Turns kNoiseColumns noise values into pixels; the first `count` of them are stored.
+    void (*shadeNoise)(const float* noise, std::size_t count, const NoiseShade& shade,
+                       float* pixels);
+};
+
+/// The sets that this processor can run, slowest first; the first is the portable one.
+const std::vector<KernelSet>& kernelSets();
+
+/// The set that the bakes use: the last of kernelSets().
+const KernelSet& kernels();
+} // namespace vyr::MaterialTranslation::baking
