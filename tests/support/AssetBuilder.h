@@ -30,7 +30,8 @@ class AssetBuilder
     AssetBuilder& ownName(const std::string& text);
 
     AssetBuilder& scalar(const std::string& name, double value, std::uint32_t unit = 0);
-    AssetBuilder& scalars(const std::string& name, std::vector<double> values, std::uint32_t unit = 0);
+    AssetBuilder& scalars(const std::string& name, std::vector<double> values,
+                          std::uint32_t unit = 0);
     AssetBuilder& integer(const std::string& name, std::int32_t value);
     AssetBuilder& boolean(const std::string& name, bool value);
     AssetBuilder& color(const std::string& name, double red, double green, double blue,

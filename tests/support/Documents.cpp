@@ -1,6 +1,8 @@
 #include "support/Documents.h"
 
+#include <algorithm>
 #include <cmath>
+#include <locale>
 #include <sstream>
 
 #include <MaterialXFormat/Util.h>
@@ -18,45 +20,17 @@ using ::testing::AssertionFailure;
 using ::testing::AssertionResult;
 using ::testing::AssertionSuccess;
 
-struct ExtraUnit
+/// Adds all files below a folder.
+void addLibrary(const mx::DocumentPtr& library, const mx::FilePath& folder)
 {
-    const char* definition;
-    const char* unitType;
-    const char* unit;
-    const char* scale;
-};
-
-/// Scales to degrees and to candela per square metre.
-constexpr ExtraUnit extraUnits[] = {
-    {"UD_stdlib_angle", "angle", "degrees", "1.0"},
-    {"UD_stdlib_angle", "angle", "radians", "57.295779513"},
-    {"UD_test_luminance", "luminance", "candelapersquaremeter", "1.0"},
-    {"UD_test_luminance", "luminance", "footlambert", "3.4262591"},
-    {"UD_test_luminance", "luminance", "candelapersquarefoot", "10.7639104"},
-};
-
-void addExtraUnits(const mx::DocumentPtr& library)
-{
-    for (const ExtraUnit& extra : extraUnits)
-    {
-        if (!library->getUnitTypeDef(extra.unitType))
-            library->addUnitTypeDef(extra.unitType);
-        mx::UnitDefPtr definition = library->getUnitDef(extra.definition);
-        if (!definition)
-        {
-            definition = library->addUnitDef(extra.definition);
-            definition->setUnitType(extra.unitType);
-        }
-        definition->addUnit(extra.unit)->setAttribute("scale", extra.scale);
-    }
+    mx::loadLibraries({folder.getBaseName()}, mx::FileSearchPath(folder.getParentPath()), library);
 }
 
 mx::ConstDocumentPtr loadDataLibrary()
 {
     mx::DocumentPtr library = mx::createDocument();
-    const auto folder = mx::FilePath(VYR_MATERIALX_LIBRARIES);
-    mx::loadLibraries({folder.getBaseName()}, mx::FileSearchPath(folder.getParentPath()), library);
-    addExtraUnits(library);
+    addLibrary(library, mx::FilePath(VYR_MATERIALX_LIBRARIES));
+    addLibrary(library, mx::FilePath(VYR_KVOR_LIBRARY));
     return library;
 }
 
@@ -66,8 +40,8 @@ std::optional<double> numberOf(const std::string& text)
     std::istringstream stream(text);
     stream.imbue(std::locale::classic());
     double number = 0;
-    stream >> number >> std::ws;
-    if (stream.fail() || !stream.eof())
+    char further = 0;
+    if (!(stream >> number) || stream >> further)
         return std::nullopt;
     return number;
 }

@@ -14,8 +14,7 @@
 namespace vyr::support
 {
 
-/// MaterialX's data library, loaded once, with the units and unit types that documents for the host
-/// use beyond it.
+/// MaterialX's data library and the project's own definitions, loaded once.
 MaterialX::ConstDocumentPtr dataLibrary();
 
 /// Whether the document validates against the data library, every node in it has a definition, and
@@ -44,7 +43,8 @@ struct ExpectedInput
 };
 
 /// Whether a top-level node has the inputs with those plain values; others may be there too.
-::testing::AssertionResult hasInputs(const MaterialX::DocumentPtr& document, const std::string& node,
+::testing::AssertionResult hasInputs(const MaterialX::DocumentPtr& document,
+                                     const std::string& node,
                                      const std::vector<ExpectedInput>& expected);
 
 } // namespace vyr::support

@@ -21,9 +21,13 @@ class TemporaryFolder
     std::string text() const { return utf8(_path); }
 
     /// The path of an entry; nothing is created.
-    std::filesystem::path operator/(const std::filesystem::path& name) const { return _path / name; }
+    std::filesystem::path operator/(const std::filesystem::path& name) const
+    {
+        return _path / name;
+    }
     /// Writes a file, with the folders above it.
-    std::filesystem::path write(const std::filesystem::path& name, const std::string& content) const;
+    std::filesystem::path write(const std::filesystem::path& name,
+                                const std::string& content) const;
     /// Everything below the folder, relative to it, sorted; "/" between the parts.
     std::vector<std::string> entries() const;
 

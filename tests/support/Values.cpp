@@ -165,7 +165,9 @@ class Choice final : public IChoice
 class Choices final : public IChoiceTable
 {
   public:
-    explicit Choices(const std::vector<std::string>& names) : _choices(names.begin(), names.end()) {}
+    explicit Choices(const std::vector<std::string>& names) : _choices(names.begin(), names.end())
+    {
+    }
     std::size_t GetChoiceCount() const override
     {
         passOperation("IChoiceTable::GetChoiceCount");

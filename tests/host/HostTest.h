@@ -1,0 +1,64 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <MaterialXCore/Document.h>
+
+#include <gtest/gtest.h>
+
+#include <MaterialTranslation/Diagnostics.h>
+#include <MaterialTranslation/MaterialXConverter.h>
+
+#include "support/AssetBuilder.h"
+#include "support/Documents.h"
+#include "support/Host.h"
+#include "support/StringSink.h"
+#include "support/TemporaryFolder.h"
+
+namespace vyr::hosttests
+{
+
+namespace mx = MaterialX;
+
+using namespace vyr::MaterialTranslation;
+using namespace vyr::support;
+using kelvor::platform::assets::IAssetInstance;
+using kelvor::platform::core::string::UTF8String;
+
+/// What one translation into an empty document yielded.
+struct Translation
+{
+    bool succeeded = false;
+    mx::DocumentPtr document;
+    std::vector<Diagnostic> diagnostics;
+
+    /// Number of diagnostics with that code.
+    std::size_t count(DiagnosticCode code) const;
+    /// The first diagnostic with that code; the test fails when there is none.
+    Diagnostic first(DiagnosticCode code) const;
+    /// All diagnostics, a line each.
+    std::string report() const;
+};
+
+/// Every test starts with a fresh host, and ends with all references given back and no call made
+/// that the interfaces rule out.
+class HostTest : public ::testing::Test
+{
+  protected:
+    HostTest();
+    void TearDown() override;
+
+    /// The defaults, but plain colours taken as linear, so that they are seen as they are, and an
+    /// output directory of the test's own.
+    ConverterOptions plainOptions() const;
+
+    /// Translates under the name "M" with a converter of the call's own.
+    Translation translate(const AssetPtr& asset) const;
+    static Translation translate(const AssetPtr& asset, ConverterOptions options,
+                                 const std::string& name = "M");
+
+    TemporaryFolder _folder;
+};
+
+} // namespace vyr::hosttests
