@@ -32,6 +32,9 @@ function(vyr_target_defaults target)
                 -Wshadow
                 -Wsign-conversion
                 -Wundef
+                # GCC reports moved std::variant and std::optional members that cannot be reached; what is
+                # certainly uninitialised stays an error.
+                $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
                 # A fused multiply-add rounds differently: the same input would give different
                 # bytes on different machines.
                 -ffp-contract=off
