@@ -16,6 +16,7 @@
 /// - **Errors** of the files are returned, never thrown. Only running out of memory throws.
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,6 +26,9 @@
 
 namespace vyr::assetlib
 {
+
+struct LoadOptions;
+struct LoadResult;
 
 /// One material of a loaded library.
 struct Material
@@ -67,10 +71,10 @@ class Library
     std::size_t referenceCount() const;
 
   private:
-    friend class LibraryBuilder;
+    friend LoadResult load(const std::vector<std::string>& files, const LoadOptions& options);
     class Content;
-    explicit Library(Content* content);
-    Content* _content = nullptr;
+    explicit Library(std::unique_ptr<const Content> content);
+    std::unique_ptr<const Content> _content;
 };
 
 /// How load() works.

@@ -1,0 +1,141 @@
+#include "Assets.h"
+
+#include <algorithm>
+#include <numeric>
+#include <string_view>
+
+namespace vyr::assetlib
+{
+
+namespace
+{
+
+constexpr std::string_view standardLanguage = "eng";
+
+const std::string* findLanguage(const AssetContent& content, std::string_view language)
+{
+    for (const auto& [tag, text] : content.displayNames)
+    {
+        if (tag == language)
+            return &text;
+    }
+    return nullptr;
+}
+
+/// The text in the language, else in the standard one, else in any, else the asset's own name.
+std::string displayName(const AssetContent& content, std::string_view language)
+{
+    for (const std::string_view tag : {language, standardLanguage})
+    {
+        if (const std::string* text = findLanguage(content, tag))
+            return *text;
+    }
+    if (!content.displayNames.empty())
+        return content.displayNames.front().second;
+    return content.identity ? content.identity->name() : std::string();
+}
+
+} // namespace
+
+platform::IAssetInstance* Property::GetConnectedAsset(std::size_t index) const
+{
+    return index < _connections.size() ? _connections[index]->retain() : nullptr;
+}
+
+PropertyTable::PropertyTable(std::vector<Property> properties)
+    : _properties(std::move(properties)), _byName(_properties.size())
+{
+    std::iota(_byName.begin(), _byName.end(), std::uint32_t{0});
+    std::sort(_byName.begin(), _byName.end(), [this](std::uint32_t a, std::uint32_t b)
+              { return _properties[a].identifier() < _properties[b].identifier(); });
+}
+
+const platform::IProperty* PropertyTable::FindProperty(const UTF8String& name) const
+{
+    const auto found = std::lower_bound(_byName.begin(), _byName.end(), name.str(),
+                                        [this](std::uint32_t index, const std::string& text)
+                                        { return _properties[index].identifier() < text; });
+    if (found == _byName.end() || _properties[*found].identifier() != name.str())
+        return nullptr;
+    return &_properties[*found];
+}
+
+const platform::IProperty* PropertyTable::GetProperty(std::size_t index) const
+{
+    return index < _properties.size() ? &_properties[index] : nullptr;
+}
+
+void Asset::Release()
+{
+    Store& store = _store;
+    const bool isClone = !_own;
+    if (isClone)
+        delete this;
+    store.release();
+}
+
+const platform::IProperty* Asset::FindProperty(const UTF8String& name) const
+{
+    return _content->properties.FindProperty(name);
+}
+
+std::size_t Asset::GetPropertyCount() const
+{
+    return _content->properties.GetPropertyCount();
+}
+
+const platform::IProperty* Asset::GetProperty(std::size_t index) const
+{
+    return _content->properties.GetProperty(index);
+}
+
+void Asset::GetDisplayName(UTF8String& name, const char* language) const
+{
+    name = displayName(*_content, language ? std::string_view(language) : standardLanguage);
+}
+
+void Asset::GetDescription(UTF8String& description) const
+{
+    description = UTF8String(_content->description);
+}
+
+const platform::IAssetIdentity* Asset::GetIdentity() const
+{
+    return _content->identity ? &*_content->identity : nullptr;
+}
+
+const platform::IAssetDefinition* Asset::GetDefinition() const
+{
+    return &_content->definition;
+}
+
+platform::IAssetInstance* Asset::Clone() const
+{
+    auto* clone = new Asset(_store, *_content);
+    _store.retain();
+    return clone;
+}
+
+void Asset::GetIdentifier(UTF8String& identifier) const
+{
+    identifier = UTF8String(_content->id);
+}
+
+const platform::IPropertyConstTable* Asset::GetGenericPropertyTable() const
+{
+    return _content->genericProperties ? &*_content->genericProperties : nullptr;
+}
+
+Asset* Asset::retain()
+{
+    _store.retain();
+    return this;
+}
+
+void Store::release()
+{
+    if (_references.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        delete this;
+}
+
+} // namespace vyr::assetlib

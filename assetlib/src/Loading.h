@@ -1,0 +1,64 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "Assets.h"
+#include "ImageFinder.h"
+#include "Report.h"
+
+namespace vyr::assetlib
+{
+
+/// One entry of a "connected" list. Inline assets are known at once, others when all files are read.
+struct Connection
+{
+    /// The slot that gets the connected asset.
+    Asset* from = nullptr;
+    bool isGeneric = false; ///< in the generic property table, not in the asset's own
+    std::size_t property = 0;
+    std::size_t slot = 0;
+    /// The id of the connected asset; empty for an inline one.
+    std::string id;
+    Asset* to = nullptr;
+    /// Where it is written: index of the file, and JSON pointer when `id` is set.
+    std::size_t file = 0;
+    std::string pointer;
+};
+
+/// Where an asset with an id is written.
+struct AssetOrigin
+{
+    Asset* asset = nullptr;
+    std::string file;
+    std::string pointer;
+};
+
+/// What is common to the files of one load.
+struct Loading
+{
+    Store& store;
+    FolderCache folders = {};
+    /// Assets with an id, in the order of files and in the order in a file.
+    std::vector<Asset*> assets = {};
+    std::map<std::string, AssetOrigin> origins = {};
+    std::vector<Connection> connections = {};
+};
+
+/// What is common to the content of one file.
+struct FileScope
+{
+    Loading& loading;
+    std::size_t index;
+    Report& report;
+    ImageFinder& images;
+};
+
+/// Fills the slots of all connections, and reports ids that no file has and connections that lead
+/// back to where they came from.
+/// @param reports one a file.
+/// @param reportMissing false when an id may be in a file that could not be read.
+void connect(Loading& loading, std::vector<Report>& reports, bool reportMissing);
+
+} // namespace vyr::assetlib

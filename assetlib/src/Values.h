@@ -1,0 +1,150 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <kelvor/platform/assets/IChoiceListValue.h>
+#include <kelvor/platform/assets/IIntegerValue.h>
+#include <kelvor/platform/assets/IScalarValue.h>
+#include <kelvor/platform/assets/IStringValue.h>
+#include <kelvor/platform/assets/IUriValue.h>
+
+namespace vyr::assetlib
+{
+
+namespace platform = kelvor::platform::assets;
+using kelvor::platform::core::string::UTF8String;
+using kelvor::platform::core::string::WideString;
+
+/// What a value answers unless its kind says otherwise: one component, no unit.
+template <class Interface>
+class ValueOf : public Interface
+{
+  public:
+    std::size_t GetComponentCount() const override { return 1; }
+    std::uint32_t GetUnit() const override { return 0; }
+    bool GetBoolean(std::size_t) const override { return false; }
+    void GetColor(std::size_t, double&, double&, double&, double&) const override {}
+};
+
+class BooleanValue final : public ValueOf<platform::IValue>
+{
+  public:
+    explicit BooleanValue(bool value) : _value(value) {}
+    bool GetBoolean(std::size_t index) const override { return index == 0 && _value; }
+
+  private:
+    bool _value;
+};
+
+class ColorValue final : public ValueOf<platform::IValue>
+{
+  public:
+    ColorValue(double red, double green, double blue, double alpha)
+        : _red(red), _green(green), _blue(blue), _alpha(alpha)
+    {
+    }
+    void GetColor(std::size_t index, double& red, double& green, double& blue,
+                  double& alpha) const override;
+
+  private:
+    double _red;
+    double _green;
+    double _blue;
+    double _alpha;
+};
+
+class StringValue final : public ValueOf<platform::IStringValue>
+{
+  public:
+    explicit StringValue(std::string text) : _text(std::move(text)) {}
+    void GetString(UTF8String& text) const override { text = UTF8String(_text); }
+
+  private:
+    std::string _text;
+};
+
+/// Both forms are the same text: the reference was looked up when it was loaded.
+class UriValue final : public ValueOf<platform::IUriValue>
+{
+  public:
+    explicit UriValue(std::string text) : _text(std::move(text)) {}
+    void GetUri(UTF8String& text, platform::UriForm) const override { text = UTF8String(_text); }
+    void GetUri(WideString& text, platform::UriForm) const override;
+
+  private:
+    std::string _text;
+};
+
+class IntegerValue final : public ValueOf<platform::IIntegerValue>
+{
+  public:
+    explicit IntegerValue(std::vector<std::int32_t> components) : _components(std::move(components))
+    {
+    }
+    std::size_t GetComponentCount() const override { return _components.size(); }
+    std::int32_t GetInteger(std::size_t index) const override;
+
+  private:
+    std::vector<std::int32_t> _components;
+};
+
+class ScalarValue final : public ValueOf<platform::IScalarValue>
+{
+  public:
+    ScalarValue(std::vector<double> components, std::uint32_t unit)
+        : _components(std::move(components)), _unit(unit)
+    {
+    }
+    std::size_t GetComponentCount() const override { return _components.size(); }
+    std::uint32_t GetUnit() const override { return _unit; }
+    double GetScalar(std::size_t index) const override;
+
+  private:
+    std::vector<double> _components;
+    std::uint32_t _unit;
+};
+
+class Choice final : public platform::IChoice
+{
+  public:
+    explicit Choice(std::string name) : _name(std::move(name)) {}
+    void GetName(UTF8String& name) const override { name = UTF8String(_name); }
+
+  private:
+    std::string _name;
+};
+
+class ChoiceTable final : public platform::IChoiceTable
+{
+  public:
+    explicit ChoiceTable(std::vector<Choice> choices) : _choices(std::move(choices)) {}
+    std::size_t GetChoiceCount() const override { return _choices.size(); }
+    const platform::IChoice* GetChoice(std::size_t index) const override;
+
+  private:
+    std::vector<Choice> _choices;
+};
+
+class ChoiceListValue final : public ValueOf<platform::IChoiceListValue>
+{
+  public:
+    ChoiceListValue(std::vector<Choice> choices, std::vector<std::int32_t> selected)
+        : _selected(std::move(selected)), _table(std::move(choices))
+    {
+    }
+    std::size_t GetSelectedCount() const override { return _selected.size(); }
+    std::int32_t GetSelectedIndex(std::size_t position) const override;
+    const platform::IChoiceTable* GetChoiceTable() const override { return &_table; }
+
+  private:
+    std::vector<std::int32_t> _selected;
+    ChoiceTable _table;
+};
+
+/// A property's value of any kind; empty when there is none.
+using Value = std::shared_ptr<const platform::IValue>;
+
+} // namespace vyr::assetlib
