@@ -19,19 +19,23 @@ sources() {
     (cd "$root" && find "${folders[@]}" -type f \( -name '*.h' -o -name '*.cpp' \) -print0 | sort -z)
 }
 
-# build <preset> [target...]: configures and builds; says what the compiler says only when it fails.
-build() {
-    local preset="$1" targets=() folder="$root/build/$1" fresh=()
+# build <preset> [target...]: configures and builds, one run at a time; says what the compiler says only when it
+# fails.
+build() (
+    preset="$1" folder="$root/build/$1" fresh=() targets=()
     shift
     (($#)) && targets=(--target "$@")
+    cd "$root"
+    mkdir -p "$folder"
+    exec 8>"$folder/.lock"
+    flock 8
     # A checkout that was moved keeps a cache that CMake refuses.
     grep -qs "^CMAKE_HOME_DIRECTORY:INTERNAL=$root\$" "$folder/CMakeCache.txt" || fresh=(--fresh)
-    mkdir -p "$folder"
     say "building $preset"
-    if ! (cd "$root" && cmake --preset "$preset" "${fresh[@]}") >"$folder/configure.log" 2>&1; then
+    if ! cmake --preset "$preset" "${fresh[@]}" >"$folder/configure.log" 2>&1; then
         cat "$folder/configure.log" >&2
         fail "configuring $preset failed"
     fi
-    (cd "$root" && cmake --build --preset "$preset" -j "$(nproc)" "${targets[@]}" -- --quiet) ||
+    cmake --build --preset "$preset" -j "$(nproc)" "${targets[@]}" -- --quiet ||
         fail "building $preset failed"
-}
+)
