@@ -1,0 +1,102 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <MaterialTranslation/Export.h>
+
+/// @file
+/// Images that the converter bakes, for hosts that want them without a material.
+///
+/// What holds for all functions here: an existing file is replaced only by a whole one, and after a failure
+/// nothing new is left. Nothing is thrown. The pixels are the same on every machine and for every thread count.
+/// Functions may be called from several threads at once, with different destinations.
+///
+/// The extension of the destination names its format: png, tif, exr, tga, bmp, hdr, webp, sgi, or those of
+/// the pnm family. EXR and TIFF hold the 32-bit floats as they are baked, the others what they can: PNG 8 bits
+/// a channel. JPEG is refused: its loss shows in the shading, and its writer may end the process on an error.
+namespace vyr::MaterialTranslation
+{
+
+/// How large an image may be. It is checked against the file's header, before memory is taken for the pixels:
+/// a small file can unpack to many gigabytes.
+struct ImageLimits
+{
+    /// Width times height. The default, 16384 x 16384, is the largest texture that graphics processors
+    /// commonly take; as heights it needs 1 GiB, as a float normal map 3 GiB.
+    std::uint64_t pixels = std::uint64_t{1} << 28;
+    /// Only the first channel of a height image is used, but all have to be decoded.
+    int channels = 64;
+};
+
+/// What became of a bake.
+struct BakeResult
+{
+    bool success = false;
+    /// Why there is no file, in one line with the file's name; empty after a success.
+    std::string message;
+    /// What was done differently from what was asked for, one line each.
+    std::vector<std::string> warnings;
+};
+
+struct NormalBakeOptions
+{
+    /// Strength of the relief for the image as a whole: the slopes are multiplied with
+    /// width * bumpAmount / realWorldScale[0] * bumpScale[0] along x, and with height and the second
+    /// components along y. 0 leaves the slopes as they are.
+    float bumpAmount = 0.0F;
+    /// Size of the image in the world, in any unit; not 0.
+    std::array<float, 2> realWorldScale{1.0F, 1.0F};
+    /// Further factors along x and y.
+    std::array<float, 2> bumpScale{1.0F, 1.0F};
+    ImageLimits limits;
+    /// 0: as many threads as OpenImageIO uses by default; 1: only the calling thread.
+    int threads = 0;
+};
+
+struct NoiseBakeOptions
+{
+    /// Pixels; both greater than 0.
+    int width = 0;
+    int height = 0;
+    /// "noise_regular", "noise_fractal" or "noise_turbulence"; case does not count.
+    std::string type = "noise_regular";
+    /// Linear colours where the noise is 0 and where it is 1. With both the image has three channels, else one.
+    std::optional<std::array<float, 3>> color1;
+    std::optional<std::array<float, 3>> color2;
+    /// The image is 100 / size noise cells wide and high; what is not greater than 0 counts as 1.
+    float size = 0.0F;
+    /// Below the low threshold the noise is 0, above the high one 1, between them it rises evenly.
+    float thresholdLow = 0.0F;
+    float thresholdHigh = 0.0F;
+    /// Octaves of fractal and turbulence noise; a fraction counts as a whole octave, what is not greater than 0
+    /// as 1, and above 32 as 32, with a warning.
+    float levels = 0.0F;
+    /// Coordinate on the fourth axis of the noise: a slow change of it makes the image flow.
+    float phase = 0.0F;
+    ImageLimits limits;
+    /// 0: as many threads as OpenImageIO uses by default; 1: only the calling thread.
+    int threads = 0;
+};
+
+/// Bakes a height (bump) image into a tangent-space normal map: linear, x to the right, y along the rows
+/// downwards, each component n stored as n / 2 + 1 / 2.
+///
+/// \param source       png, jpeg, tiff, exr, targa, bmp, hdr, webp, sgi or pnm, whatever its name says; the
+///                     first channel counts, integers from 0 to 1. Not the destination.
+/// \param destination  In an existing folder.
+VYR_MTLX_API BakeResult bakeNormalMapFile(const std::filesystem::path& source,
+                                          const std::filesystem::path& destination,
+                                          const NormalBakeOptions& options = {});
+
+/// Bakes four-dimensional gradient noise into an image.
+///
+/// \param destination  In an existing folder.
+VYR_MTLX_API BakeResult bakeNoiseFile(const std::filesystem::path& destination,
+                                      const NoiseBakeOptions& options);
+
+} // namespace vyr::MaterialTranslation
