@@ -59,6 +59,7 @@ enum class DiagnosticCode : std::int32_t
     TextureNotGathered = 1016,
     TextureRenamed = 1017,
     TextureCaseDiffers = 1018,
+    UnitIgnored = 1019,
 };
 
 /// One thing worth telling about a conversion. All texts are UTF-8 and owned by the record.

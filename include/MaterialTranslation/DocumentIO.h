@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include <MaterialXCore/Document.h>
+
+#include <MaterialTranslation/Export.h>
+
+namespace vyr::MaterialTranslation
+{
+
+/// A document as MaterialX XML text, with MaterialX's default write options.
+/// @param document not null.
+VYR_MTLX_API std::string documentToXml(const MaterialX::DocumentPtr& document);
+
+/// Writes a document to a ".mtlx" file as writeFileAtomically does; MaterialX's own `writeToXmlFile`
+/// says nothing when it cannot write.
+/// @param document not null.
+/// @throws std::filesystem::filesystem_error
+VYR_MTLX_API void writeDocumentFile(const MaterialX::DocumentPtr& document,
+                                    const std::filesystem::path& file);
+
+/// Writes a file as a whole: to a temporary name beside it (".vyr-...tmp"), then renamed, so that
+/// nobody ever sees half of it and an existing file is only replaced by a whole one. On failure the
+/// temporary file is removed and an existing file stays as it was. The folder must exist.
+/// @throws std::filesystem::filesystem_error
+VYR_MTLX_API void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes);
+
+} // namespace vyr::MaterialTranslation

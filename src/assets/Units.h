@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "assets/AssetView.h"
+
+namespace vyr::MaterialTranslation::assets
+{
+
+/// The colour spaces that documents use, by MaterialX's names.
+inline constexpr const char* linearRec709 = "lin_rec709";
+inline constexpr const char* gamma22Rec709 = "g22_rec709";
+inline constexpr const char* displayRec709 = "rec709_display";
+inline constexpr const char* srgbTexture = "srgb_texture";
+
+/// MaterialX's name of the unit type of lengths.
+inline constexpr const char* distanceUnitType = "distance";
+
+/// A unit and its unit type, by the names that documents use. Either may be empty.
+using Unit = std::pair<std::string, std::string>;
+
+/// The unit of a unit code. An unknown code of a known family has an empty unit; any other unknown
+/// code leaves both empty. Values are never converted: a document states the asset's own unit.
+Unit UnitForCode(std::uint32_t code);
+
+/// The length unit of a TextureInfo's unit index; "centimeter" for an index outside the table.
+std::string DistanceUnitName(std::int32_t index);
+
+/// What follows a colour property's identifier in the name of the companion that declares its colour
+/// space.
+inline constexpr const char* colorSpaceSuffix = "_colorspace";
+
+/// The colour space that the asset declares for a colour property, as the name of the first choice
+/// selected in its companion property "<identifier>_colorspace"; "colorspace_not_specified" when it
+/// declares none.
+std::string GetPropertyColorSpace(const AssetView& view, const char* name);
+
+/// Whether a declared colour space is the display-referred one (Rec.709 primaries, power 2.4).
+bool declaresGamma24(const std::string& declared);
+/// Whether a declared colour space is linear Rec.709.
+bool declaresLinear(const std::string& declared);
+
+} // namespace vyr::MaterialTranslation::assets

@@ -1,0 +1,83 @@
+#include "converter/Driver.h"
+
+#include <filesystem>
+
+#include "assets/Schemas.h"
+#include "core/Text.h"
+#include "graph/Names.h"
+#include "materials/GenericTranslator.h"
+
+namespace vyr::MaterialTranslation::converter
+{
+
+namespace mx = MaterialX;
+namespace fs = std::filesystem;
+
+namespace
+{
+
+bool isDirectory(const std::string& text)
+{
+    const fs::path path = core::pathFromUtf8(text);
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (status.type() == fs::file_type::none)
+        throw fs::filesystem_error("status", path, error);
+    return fs::is_directory(status);
+}
+
+bool isUsable(const std::string& name, const mx::DocumentPtr& document,
+              const ConverterOptions& options, const core::Log& log)
+{
+    if (!isDirectory(options.outputDirectory.str()))
+        log.error(DiagnosticCode::OutputDirectory, "",
+                  "not an existing folder: " + options.outputDirectory.str());
+    else if (!graph::isIdentifier(name))
+        log.error(DiagnosticCode::NameInvalid, "",
+                  "\"" + core::xmlText(name) + "\" cannot name a material");
+    else if (!document)
+        log.error(DiagnosticCode::NoDocument, "", "no document was given");
+    else
+        return true;
+    return false;
+}
+
+bool runTranslator(const assets::IAssetInstance& asset, const std::string& name,
+                   const mx::DocumentPtr& document, const ConverterOptions& options,
+                   const core::Log& log)
+{
+    if (assets::IsLyrex(asset))
+    {
+        log.error(DiagnosticCode::UnknownSchema, "",
+                  "this version does not translate materials of the Lyrex family");
+        return false;
+    }
+    constexpr std::int32_t legacyPath = 1;
+    if (options.translationPath == legacyPath)
+    {
+        log.error(DiagnosticCode::LegacyUnavailable, "",
+                  "this version has no translator of the legacy family");
+        return false;
+    }
+    return materials::translateGeneric(name, asset, document, options, log);
+}
+
+} // namespace
+
+bool translate(const assets::IAssetInstance& asset, const std::string& name,
+               const mx::DocumentPtr& document, ConverterOptions& options, const core::Log& log)
+{
+    if (options.outputDirectory.empty())
+        options.outputDirectory = core::pathToUtf8(fs::temp_directory_path());
+    if (!isUsable(name, document, options, log))
+        return false;
+    const assets::AssetHandle clone(asset.Clone());
+    if (!clone)
+    {
+        log.error(DiagnosticCode::CloneFailed, "", "the asset cannot be cloned");
+        return false;
+    }
+    return runTranslator(*clone, name, document, options, log);
+}
+
+} // namespace vyr::MaterialTranslation::converter

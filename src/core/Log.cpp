@@ -1,0 +1,72 @@
+#include "core/Log.h"
+
+namespace vyr::MaterialTranslation::core
+{
+
+namespace
+{
+
+struct ThreadRecords
+{
+    int depth = 0;
+    std::vector<Diagnostic> records;
+};
+
+ThreadRecords& threadRecords()
+{
+    thread_local ThreadRecords records;
+    return records;
+}
+
+} // namespace
+
+Log Log::below(const std::string& property) const
+{
+    Log log = *this;
+    log._path += property + "/";
+    return log;
+}
+
+void Log::error(DiagnosticCode code, const std::string& property, std::string text) const
+{
+    add(Severity::Error, code, property, std::move(text));
+}
+
+void Log::warning(DiagnosticCode code, const std::string& property, std::string text) const
+{
+    add(Severity::Warning, code, property, std::move(text));
+}
+
+void Log::add(Severity severity, DiagnosticCode code, const std::string& property,
+              std::string text) const
+{
+    _records->push_back({severity, code, _asset, _path + property, std::move(text)});
+}
+
+LogSession::LogSession()
+{
+    if (threadRecords().depth++ == 0)
+        threadRecords().records.clear();
+}
+
+LogSession::~LogSession()
+{
+    --threadRecords().depth;
+}
+
+Log LogSession::log(std::string asset)
+{
+    return {threadRecords().records, std::move(asset)};
+}
+
+} // namespace vyr::MaterialTranslation::core
+
+namespace vyr::MaterialTranslation
+{
+
+const std::vector<Diagnostic>& lastDiagnostics()
+{
+    return core::threadRecords().records;
+}
+
+} // namespace vyr::MaterialTranslation

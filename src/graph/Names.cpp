@@ -1,0 +1,53 @@
+#include "graph/Names.h"
+
+#include <algorithm>
+
+#include "core/Text.h"
+
+namespace vyr::MaterialTranslation::graph
+{
+
+namespace mx = MaterialX;
+
+std::string shaderName(const std::string& material)
+{
+    return material + "_shader";
+}
+
+std::string nodeGraphName(const std::string& material)
+{
+    return material + "_nodegraph";
+}
+
+std::string inputGraphName(const std::string& material)
+{
+    return material + "_inputGraph";
+}
+
+bool isIdentifier(std::string_view name)
+{
+    return !name.empty() && !core::isAsciiDigit(name.front()) &&
+           std::all_of(name.begin(), name.end(),
+                       [](char c) { return c == '_' || core::isAsciiAlphanumeric(c); });
+}
+
+std::string takenName(const mx::DocumentPtr& document, const std::vector<std::string>& names,
+                      bool addLook)
+{
+    for (const std::string& name : names)
+        if (document->getChild(name) || (addLook && name == defaultLookName))
+            return name;
+    const bool lookIsTaken =
+        addLook && document->getChild(defaultLookName) && !document->getLook(defaultLookName);
+    return lookIsTaken ? defaultLookName : std::string();
+}
+
+std::string freeName(const mx::ConstElementPtr& parent, const std::string& name)
+{
+    std::string candidate = name;
+    for (int number = 2; parent->getChild(candidate); ++number)
+        candidate = name + std::to_string(number);
+    return candidate;
+}
+
+} // namespace vyr::MaterialTranslation::graph

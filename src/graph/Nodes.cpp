@@ -1,0 +1,51 @@
+#include "graph/Nodes.h"
+
+#include "graph/Names.h"
+
+namespace vyr::MaterialTranslation::graph
+{
+
+namespace mx = MaterialX;
+
+mx::NodePtr addNode(const mx::GraphElementPtr& graph, const std::string& category,
+                    const std::string& name, const std::string& type)
+{
+    return graph->addNode(category, name, type);
+}
+
+mx::OutputPtr addNodeOutput(const mx::NodeGraphPtr& graph, const mx::NodePtr& node)
+{
+    return addOutput(graph, node->getName() + "_output", node, node->getType());
+}
+
+mx::OutputPtr addOutput(const mx::NodeGraphPtr& graph, const std::string& name,
+                        const mx::NodePtr& node, const std::string& type)
+{
+    mx::OutputPtr output = graph->addOutput(name, type);
+    output->setConnectedNode(node);
+    return output;
+}
+
+mx::NodeGraphPtr addNodeGraph(const mx::DocumentPtr& document, const std::string& name)
+{
+    return document->addNodeGraph(name);
+}
+
+mx::NodePtr addSurfaceMaterial(const mx::DocumentPtr& document, const std::string& name,
+                               const mx::NodePtr& shader)
+{
+    return document->addMaterialNode(name, shader);
+}
+
+void assignInDefaultLook(const mx::DocumentPtr& document, const std::string& material)
+{
+    mx::LookPtr look = document->getLook(defaultLookName);
+    const bool first = !look;
+    if (first)
+        look = document->addLook(defaultLookName);
+    const std::string name = first ? "material_assign_default" : "material_assign_" + material;
+    mx::MaterialAssignPtr assignment = look->addMaterialAssign(freeName(look, name), material);
+    assignment->setGeom(mx::UNIVERSAL_GEOM_NAME);
+}
+
+} // namespace vyr::MaterialTranslation::graph

@@ -1,0 +1,92 @@
+#include "materials/ColorPass.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+#include "assets/Units.h"
+
+namespace vyr::MaterialTranslation::materials
+{
+
+namespace
+{
+
+using Color = StandardSurfaceParams::Color;
+
+struct ColorModeRow
+{
+    std::int32_t mode;
+    /// Power that makes an undeclared colour linear.
+    double exponent;
+    /// Whether documents state the linear colour.
+    bool decodes;
+    const char* colorSpace;
+};
+
+// The exponents are those of MaterialX's "g22_rec709" and "rec709_display".
+constexpr double displayExponent = 2.4;
+constexpr ColorModeRow colorModes[] = {
+    {1, 2.2, true, assets::linearRec709},
+    {2, displayExponent, true, assets::linearRec709},
+    {3, 2.2, false, assets::gamma22Rec709},
+    {4, displayExponent, false, assets::displayRec709},
+};
+constexpr ColorModeRow otherMode{0, 1.0, false, assets::linearRec709};
+
+const ColorModeRow& rowOf(std::int32_t mode)
+{
+    const auto* row = std::find_if(std::begin(colorModes), std::end(colorModes),
+                                   [mode](const ColorModeRow& r) { return r.mode == mode; });
+    return row == std::end(colorModes) ? otherMode : *row;
+}
+
+/// Each channel to a power. In double, so that the result does not hang on how exact the platform's
+/// power function of floats is; negative channels, which no power is defined for, stay.
+Color toPower(Color color, double exponent)
+{
+    if (exponent == 1.0)
+        return color;
+    for (std::size_t i = 0; i < Color::numElements(); ++i)
+        if (color[i] > 0.0f)
+            color[i] = static_cast<float>(std::pow(static_cast<double>(color[i]), exponent));
+    return color;
+}
+
+} // namespace
+
+const char* plainColorSpace(std::int32_t colorMode)
+{
+    return rowOf(colorMode).colorSpace;
+}
+
+Color readColor(const assets::AssetView& view, const char* property, const Color& fallback,
+                std::int32_t colorMode)
+{
+    if (!assets::HasPropertyValue(view, property))
+        return fallback;
+    const assets::Color3 value = assets::GetColor3Property(view, property);
+    const Color color(value[0], value[1], value[2]);
+    const std::string declared = assets::GetPropertyColorSpace(view, property);
+    if (assets::declaresGamma24(declared))
+        return toPower(color, displayExponent / rowOf(colorMode).exponent);
+    if (assets::declaresLinear(declared))
+        return encodeLinear(color, colorMode);
+    return color;
+}
+
+Color encodeLinear(const Color& color, std::int32_t colorMode)
+{
+    return toPower(color, 1.0 / rowOf(colorMode).exponent);
+}
+
+void applyColorPass(StandardSurfaceParams& params, std::int32_t colorMode)
+{
+    const ColorModeRow& row = rowOf(colorMode);
+    if (!row.decodes)
+        return;
+    for (Color* color : {&params.base_color, &params.transmission_color, &params.emission_color})
+        *color = toPower(*color, row.exponent);
+}
+
+} // namespace vyr::MaterialTranslation::materials

@@ -1,0 +1,128 @@
+#include "materials/StandardSurface.h"
+
+#include <variant>
+
+#include "graph/Inputs.h"
+#include "graph/Names.h"
+#include "graph/Nodes.h"
+#include "materials/ColorPass.h"
+#include "materials/Skeleton.h"
+
+namespace vyr::MaterialTranslation::materials
+{
+
+namespace mx = MaterialX;
+
+namespace
+{
+
+using Params = StandardSurfaceParams;
+using Field = std::variant<std::monostate, float Params::*, Params::Color Params::*,
+                           bool Params::*>;
+
+/// A shader input: where its plain value comes from, and its type when a texture drives it.
+struct InputRow
+{
+    const char* name;
+    /// Without a field the input is only written when a texture drives it.
+    Field field;
+    const char* type = "float";
+};
+
+// The inputs in the order in which documents have them: the four that make the material's nature,
+// then the shading model's own order.
+const InputRow inputs[] = {
+    {"base", &Params::base},
+    {"metalness", &Params::metalness},
+    {"base_color", &Params::base_color, "color3"},
+    {"specular", &Params::specular},
+    {"diffuse_roughness", &Params::diffuse_roughness},
+    {"specular_roughness", &Params::specular_roughness},
+    {"specular_IOR", &Params::specular_IOR},
+    {"transmission", &Params::transmission},
+    {"transmission_color", &Params::transmission_color, "color3"},
+    {"subsurface", &Params::subsurface},
+    {"coat", &Params::coat},
+    {"coat_roughness", &Params::coat_roughness},
+    {"coat_IOR", &Params::coat_IOR},
+    {"emission", &Params::emission},
+    {"emission_color", &Params::emission_color, "color3"},
+    {"opacity", &Params::opacity, "color3"},
+    {"thin_walled", &Params::thin_walled},
+    {"normal", std::monostate(), "vector3"},
+};
+
+/// Writes the shader inputs of one material.
+class InputWriter
+{
+  public:
+    InputWriter(const GenericMaterial& material, const mx::NodePtr& shader,
+                const mx::NodeGraphPtr& graph, const char* colorSpace)
+        : _material(material), _shader(shader), _graph(graph), _colorSpace(colorSpace)
+    {
+    }
+
+    void write(const InputRow& row) const
+    {
+        if (const mx::OutputPtr output = textureOutput(row))
+            graph::addConnectedInput(_shader, row.name, output);
+        else
+            std::visit([&](auto field) { writePlain(row.name, field); }, row.field);
+    }
+
+  private:
+    mx::OutputPtr textureOutput(const InputRow& row) const
+    {
+        const auto texture = _material.textures.find(row.name);
+        return texture == _material.textures.end()
+                   ? nullptr
+                   : textures::addConnectedTexture(texture->second, _graph, row.type);
+    }
+
+    void writePlain(const char* /*name*/, std::monostate /*none*/) const {}
+    void writePlain(const char* name, float Params::*field) const
+    {
+        graph::addTypedInput(_shader, name, _material.params.*field);
+    }
+    void writePlain(const char* name, bool Params::*field) const
+    {
+        graph::addTypedInput(_shader, name, _material.params.*field);
+    }
+    void writePlain(const char* name, Params::Color Params::*field) const
+    {
+        const mx::InputPtr input =
+            graph::addTypedInput(_shader, name, _material.params.*field);
+        if (field != &Params::opacity)
+            input->setColorSpace(_colorSpace);
+    }
+
+    const GenericMaterial& _material;
+    const mx::NodePtr& _shader;
+    const mx::NodeGraphPtr& _graph;
+    const char* _colorSpace;
+};
+
+} // namespace
+
+bool buildStandardSurface(const mx::DocumentPtr& document, const std::string& name,
+                          const std::string& assetId, const GenericMaterial& material,
+                          const ConverterOptions& options, const core::Log& log)
+{
+    const SkeletonRequest request{name, material.params.category, assetId, options.addLook,
+                                  graph::nodeGraphName(name)};
+    if (!canBuildSkeleton(document, request, log))
+        return false;
+
+    const Skeleton skeleton = buildSkeleton(document, request);
+    mx::NodeGraphPtr graph;
+    if (!material.textures.empty())
+        graph = graph::addNodeGraph(document, request.graphName);
+    const InputWriter writer(material, skeleton.shader, graph, plainColorSpace(options.colorMode));
+    for (const InputRow& row : inputs)
+        writer.write(row);
+    if (graph && graph->getChildren().empty())
+        document->removeNodeGraph(request.graphName);
+    return true;
+}
+
+} // namespace vyr::MaterialTranslation::materials

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+
+#include <MaterialXCore/Document.h>
+
+#include "assets/AssetView.h"
+#include "core/Log.h"
+#include "textures/BitmapTexture.h"
+
+namespace vyr::MaterialTranslation::textures
+{
+
+/// A texture that drives a material's property, as plain records: everything that can be wrong with
+/// the asset is found before anything is built.
+struct ConnectedTexture
+{
+    /// The material's property, which also names the texture's node.
+    std::string property;
+    std::variant<BitmapTexture> content;
+};
+
+/// What a texture is for.
+enum class TextureRole
+{
+    /// It gives the value of a colour or number.
+    Value,
+    /// It gives the height of the surface's relief.
+    Relief,
+};
+
+/// Reads the texture that drives a property. Warns about a texture that cannot be used, and
+/// about whatever it says that the document will not.
+/// @return nothing when no usable texture is connected: the property's plain value then holds.
+/// @throws assets::PropertyError, with the property's path, for a texture's property of the wrong
+///         type.
+std::optional<ConnectedTexture> readConnectedTexture(const assets::AssetView& material,
+                                                     const char* property, TextureRole role,
+                                                     const core::Log& log);
+
+/// Adds the texture's node, named after the property, and its output to a node graph.
+/// @param type MaterialX's name of the value type.
+/// @return the graph's output; null when the texture came to nothing.
+MaterialX::OutputPtr addConnectedTexture(const ConnectedTexture& texture,
+                                         const MaterialX::NodeGraphPtr& graph,
+                                         const std::string& type);
+
+} // namespace vyr::MaterialTranslation::textures

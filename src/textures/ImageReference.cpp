@@ -1,0 +1,33 @@
+#include "textures/ImageReference.h"
+
+#include <filesystem>
+
+#include "assets/PropertyReaders.h"
+#include "core/Text.h"
+
+namespace vyr::MaterialTranslation::textures
+{
+
+std::string readImageReference(const assets::AssetView& texture, const char* property,
+                               const core::Log& log)
+{
+    std::string image = assets::GetUriPathOrEmpty(texture, property);
+    if (image.empty())
+    {
+        log.warning(DiagnosticCode::TexturePathEmpty, property, "the texture names no image");
+        return {};
+    }
+    if (core::xmlText(image) != image)
+    {
+        log.warning(DiagnosticCode::TextureNameRefused, property,
+                    "a document cannot hold the image's name: " + core::xmlText(image));
+        return {};
+    }
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(core::pathFromUtf8(image), error))
+        log.warning(DiagnosticCode::TextureFileMissing, property,
+                    "there is no such image file: " + image);
+    return image;
+}
+
+} // namespace vyr::MaterialTranslation::textures

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+#include "assets/AssetView.h"
+#include "core/Log.h"
+
+namespace vyr::MaterialTranslation::textures
+{
+
+/// The image that a texture asset's property names, as the asset library resolves it. Warns when it
+/// names none, when a document cannot hold the name, and when there is no such file.
+/// @return empty when the texture has no usable image. A file that does not exist stays: the
+///         document still says which image belongs there.
+/// @throws assets::PropertyError for a property that is no URI.
+std::string readImageReference(const assets::AssetView& texture, const char* property,
+                               const core::Log& log);
+
+} // namespace vyr::MaterialTranslation::textures
