@@ -107,6 +107,20 @@ TEST_F(Diagnostics, IntegersAreNoScalars)
     EXPECT_EQ(translation.first(DiagnosticCode::PropertyType).property, "generic_glossiness");
 }
 
+/// The tint test reads a choice list of the asset's own table.
+TEST_F(Diagnostics, NameAPropertyThatIsNoChoiceList)
+{
+    const Translation translation = translate(AssetBuilder("HardwoodSchema")
+                                                  .scalar("hardwood_tint_enabled", 1)
+                                                  .generic()
+                                                  .color("generic_diffuse", 1, 1, 1)
+                                                  .build());
+    EXPECT_FALSE(translation.succeeded);
+    const Diagnostic reason = translation.first(DiagnosticCode::PropertyType);
+    EXPECT_EQ(reason.property, "hardwood_tint_enabled");
+    EXPECT_EQ(reason.text, "Invalid property specified");
+}
+
 TEST_F(Diagnostics, TellWhyThereAreNoGenericProperties)
 {
     const Translation translation = translate(AssetBuilder("CeramicSchema").id("tile").build());

@@ -102,14 +102,11 @@ struct LieCase
 TEST_F(HostileHost, AValueThatItsTypeDoesNotNameIsATypeError)
 {
     const LieCase cases[] = {
-        {"no value", "generic_glossiness", ePropertyType_Scalar, nullptr},
         {"no components", "generic_glossiness", ePropertyType_Scalar, scalarValue({})},
         {"a text", "generic_glossiness", ePropertyType_Scalar, textValue("0.5")},
         {"an integer", "generic_glossiness", ePropertyType_Scalar, integerValue({1})},
         {"another code", "generic_glossiness", ePropertyType_Integer, scalarValue({0.5})},
-        {"no value", "generic_diffuse", ePropertyType_Color, nullptr},
         {"no colours", "generic_diffuse", ePropertyType_Color, colorValue({})},
-        {"no value", "color_by_object", ePropertyType_Boolean, nullptr},
         {"no components", "color_by_object", ePropertyType_Boolean, booleanValue({})},
     };
     for (const LieCase& one : cases)
@@ -118,6 +115,17 @@ TEST_F(HostileHost, AValueThatItsTypeDoesNotNameIsATypeError)
         expectRefused(AssetBuilder().property(one.property, one.type, one.value).build(),
                       DiagnosticCode::PropertyType, one.property);
     }
+}
+
+TEST_F(HostileHost, APropertyWithoutValueCountsAsAbsent)
+{
+    AssetBuilder builder;
+    for (const std::string& property : readProperties)
+        builder.property(property, ePropertyType_Scalar, nullptr);
+    const Translation translation = translate(builder.build());
+    ASSERT_TRUE(translation.succeeded) << translation.report();
+    const Translation empty = translate(AssetBuilder().build());
+    EXPECT_EQ(xmlOf(translation.document), xmlOf(empty.document));
 }
 
 TEST_F(HostileHost, NumbersThatAreNoneAreRefused)

@@ -85,6 +85,35 @@ TEST_F(Output, ThatCannotBeWrittenIsAnException)
     EXPECT_TRUE(fs::is_directory(_temporary / "Oak.mtlx" / "inside"));
 }
 
+TEST_F(Output, WithoutATemporaryDirectoryIsAnException)
+{
+    fs::remove(_temporary);
+    StringSink message;
+    EXPECT_THROW(serialise(AssetBuilder().name("Oak").build(), message), fs::filesystem_error);
+    EXPECT_EQ(registeredAssetCount(), 0u);
+    EXPECT_FALSE(fs::exists(_temporary));
+}
+
+/// The file is whole or an exception tells that it is not, also on a device that takes nothing.
+TEST_F(Output, OnAFullDeviceIsNoticed)
+{
+    if (!fs::exists("/dev/full"))
+        GTEST_SKIP() << "the system has no device that is always full";
+    const fs::path file = _temporary / "Oak.mtlx";
+    fs::create_symlink("/dev/full", file);
+    StringSink message;
+    try
+    {
+        ASSERT_TRUE(serialise(AssetBuilder().name("Oak").build(), message));
+        ASSERT_TRUE(fs::is_regular_file(file));
+        EXPECT_EQ(readFile(file), message.text);
+    }
+    catch (const fs::filesystem_error&)
+    {
+        EXPECT_EQ(registeredAssetCount(), 0u);
+    }
+}
+
 } // namespace
 
 } // namespace vyr::hosttests

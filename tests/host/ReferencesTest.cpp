@@ -26,8 +26,10 @@ void failEverywhere(const std::function<void()>& operation,
                 return;
             ADD_FAILURE() << "the failure of operation " << operations << " was swallowed";
         }
-        catch (const HostFault&)
+        catch (const HostFault& fault)
         {
+            ASSERT_FALSE(lastDiagnostics().empty()) << fault.what() << " is not told of";
+            EXPECT_EQ(lastDiagnostics().back().code, DiagnosticCode::Exception) << fault.what();
         }
         afterFailure();
     }

@@ -136,6 +136,22 @@ TEST_F(Registration, AnExceptionWhileDrainingTakesTheEntryOff)
     EXPECT_NE(message.text.find("\"Ash\""), std::string::npos);
 }
 
+/// A text of the host's that cannot take the result.
+class FailingSink final : public MaterialXConverter::IString
+{
+  public:
+    void Assign(const UTF8String&) override { throw HostFault("IString::Assign"); }
+};
+
+TEST_F(Registration, AResultThatCannotBeHandedOverTakesTheEntryOff)
+{
+    registerAsset(named("Oak"));
+    FailingSink message;
+    EXPECT_THROW(_converter.SerializeRegisteredAssetsForConversion(message, nullptr), HostFault);
+    EXPECT_EQ(registeredAssetCount(), 0u);
+    EXPECT_EQ(liveAssets(), 0u);
+}
+
 TEST_F(Registration, AnUnusableOutputDirectoryFailsEachEntryInTurn)
 {
     ConverterOptions options = plainOptions();
