@@ -107,13 +107,15 @@ std::vector<std::string> readTexts(const JsonNode& node, const Place& place, Rep
 ObjectReader::ObjectReader(const JsonNode& node, const Place& place, Report& report)
     : _node(node), _place(place), _report(report)
 {
+    _known.reserve(8);
     if (!isObject())
         report.error(place, "expected an object");
 }
 
 const JsonNode* ObjectReader::find(std::string_view key)
 {
-    _known.push_back(key);
+    if (std::find(_known.begin(), _known.end(), key) == _known.end())
+        _known.push_back(key);
     if (!isObject())
         return nullptr;
     const auto member = std::find_if(_node.items.begin(), _node.items.end(),

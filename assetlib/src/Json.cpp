@@ -52,6 +52,20 @@ void reportBroken(Report& report, std::string_view text, std::size_t offset, std
     report.brokenJson(line, column, std::move(message));
 }
 
+/// How many bytes at the end of the text do not fit: a whole token in the wrong place, else one byte.
+/// @param tokenSize of a string or number; the parser keeps no other tokens apart.
+std::size_t offendingLength(std::string_view text, const std::string& reason, std::size_t tokenSize)
+{
+    if (reason.find("unexpected ") == reason.npos)
+        return 1;
+    if (reason.find("unexpected string") != reason.npos ||
+        reason.find("unexpected number") != reason.npos)
+        return tokenSize;
+    const auto isLetter = [](char c) { return c >= 'a' && c <= 'z'; };
+    const auto word = std::find_if_not(text.rbegin(), text.rend(), isLetter);
+    return std::max<std::size_t>(1, static_cast<std::size_t>(word - text.rbegin()));
+}
+
 /// Takes a byte-order mark off the text.
 bool isParseable(std::string& text, Report& report)
 {
@@ -185,6 +199,7 @@ bool JsonBuilder::open(Kind kind)
         _skipped = 1;
         return true;
     }
+    node.items.reserve(4); // a colour; saves most of the growing
     _open.push_back(&node);
     return true;
 }
@@ -257,13 +272,9 @@ bool JsonBuilder::parse_error(std::size_t position, const std::string& token,
         return false;
     }
     const std::string reason = reasonOf(error.what());
-    // A whole token in the wrong place is reported where it starts, else the byte that does not fit.
     // The end of the text counts as a byte behind it.
-    std::size_t length = 1;
-    if (position > end)
-        length = 0;
-    else if (reason.find("unexpected ") != reason.npos)
-        length = token.size();
+    const std::size_t length =
+        position > end ? 0 : offendingLength(_text.substr(0, end), reason, token.size());
     reportBroken(_report, _text, end - std::min(end, length), "broken JSON: " + reason);
     return false;
 }

@@ -2,30 +2,13 @@
 
 #include <algorithm>
 #include <iterator>
+#include <system_error>
 
 #include "ImageFinder.h"
 #include "Paths.h"
 
 namespace vyr::assetlib
 {
-
-namespace
-{
-
-/// Nothing for a text that cannot be put into UTF-8, such as half a surrogate pair.
-std::optional<std::string> narrow(const std::wstring& text)
-{
-    try
-    {
-        return textOf(std::filesystem::path(text));
-    }
-    catch (const std::exception&)
-    {
-        return std::nullopt;
-    }
-}
-
-} // namespace
 
 LibraryManager& LibraryManager::instance()
 {
@@ -59,12 +42,18 @@ bool LibraryManager::Resolve(const UTF8String& uri, UTF8String& path) const
 
 bool LibraryManager::Resolve(const WideString& uri, WideString& path) const
 {
-    const auto text = narrow(uri.str());
-    UTF8String found;
-    if (!text || !Resolve(UTF8String(*text), found))
-        return false;
-    path = WideString(pathOf(found.str()).wstring());
-    return true;
+    try
+    {
+        UTF8String found;
+        if (!Resolve(UTF8String(narrowOf(uri.str())), found))
+            return false;
+        path = WideString(wideOf(found.str()));
+        return true;
+    }
+    catch (const std::system_error&)
+    {
+        return false; // half a surrogate pair and the like name no file
+    }
 }
 
 } // namespace vyr::assetlib

@@ -19,6 +19,27 @@ std::string textOf(const fs::path& path)
     return std::string(text.begin(), text.end());
 }
 
+// Where wide characters are UTF-32, the path class would convert them by the rules of the locale, but
+// not those of a std::u32string.
+std::wstring wideOf(std::string_view text)
+{
+    if constexpr (sizeof(wchar_t) == sizeof(char32_t))
+    {
+        const std::u32string characters = pathOf(text).u32string();
+        return std::wstring(characters.begin(), characters.end());
+    }
+    else
+        return pathOf(text).wstring();
+}
+
+std::string narrowOf(const std::wstring& text)
+{
+    if constexpr (sizeof(wchar_t) == sizeof(char32_t))
+        return textOf(std::u32string(text.begin(), text.end()));
+    else
+        return textOf(fs::path(text));
+}
+
 fs::path tidyAbsolute(const fs::path& path)
 {
     std::error_code error;

@@ -29,7 +29,7 @@ void ColorValue::GetColor(std::size_t index, double& red, double& green, double&
 
 void UriValue::GetUri(WideString& text, platform::UriForm) const
 {
-    text = WideString(pathOf(_text).wstring());
+    text = WideString(wideOf(_text));
 }
 
 std::int32_t IntegerValue::GetInteger(std::size_t index) const

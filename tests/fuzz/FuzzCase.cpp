@@ -1,0 +1,78 @@
+#include "FuzzCase.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include <kelvor/platform/assets/IProperty.h>
+#include <vyr/assetlib/Library.h>
+
+namespace vyr::assetlib::tests
+{
+
+namespace platform = kelvor::platform::assets;
+using kelvor::platform::core::string::UTF8String;
+
+namespace
+{
+
+bool holdsAsset(const platform::IAssetInstance& asset);
+
+bool holdsTable(const platform::IPropertyConstTable& table)
+{
+    for (std::size_t i = 0; i < table.GetPropertyCount(); ++i)
+    {
+        const platform::IProperty* property = table.GetProperty(i);
+        UTF8String name;
+        property->GetIdentifier(name);
+        if (table.FindProperty(name) != property)
+            return false;
+        for (std::size_t k = 0; k < property->GetConnectionCount(); ++k)
+        {
+            platform::IAssetInstance* connected = property->GetConnectedAsset(k);
+            const bool holds = connected && holdsAsset(*connected);
+            if (connected)
+                connected->Release();
+            if (!holds)
+                return false;
+        }
+    }
+    return true;
+}
+
+bool holdsAsset(const platform::IAssetInstance& asset)
+{
+    const platform::IPropertyConstTable* generic = asset.GetGenericPropertyTable();
+    return asset.GetDefinition() && holdsTable(asset) && (!generic || holdsTable(*generic));
+}
+
+bool isOneLine(const std::string& text)
+{
+    return !text.empty() && std::none_of(text.begin(), text.end(), [](char c)
+                                         { return static_cast<unsigned char>(c) < 0x20; });
+}
+
+} // namespace
+
+std::string checkAssetFile(const std::filesystem::path& file, const std::string& bytes)
+{
+    std::ofstream(file, std::ios::binary) << bytes;
+    const LoadResult result = load({file.string()});
+    if (result.library.has_value() != result.errors.empty())
+        return "neither library nor errors";
+    const auto lines = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n')) + 1;
+    for (const LoadError& error : result.errors)
+    {
+        if (!isOneLine(error.format()) || error.line > lines || error.column > bytes.size() + 1)
+            return "error: " + error.format();
+    }
+    if (!result.library)
+        return {};
+    for (const Material& material : result.library->materials())
+    {
+        if (!holdsAsset(*material.asset) || result.library->findMaterial(material.id) != &material)
+            return "material: " + material.id;
+    }
+    return result.library->referenceCount() == 0 ? "" : "references are left";
+}
+
+} // namespace vyr::assetlib::tests
