@@ -30,13 +30,17 @@ void checkAll(const std::vector<ErrorCase>& cases)
     }
 }
 
-std::string nested(const std::string& open, const std::string& inside, const std::string& close,
-                   std::size_t depth)
+std::string repeated(const std::string& text, std::size_t count)
 {
-    std::string text = inside;
-    for (std::size_t i = 0; i < depth; ++i)
-        text = open + text + close;
-    return text;
+    std::string result;
+    for (std::size_t i = 0; i < count; ++i)
+        result += text;
+    return result;
+}
+
+std::string nestedArrays(std::size_t depth)
+{
+    return repeated("[", depth) + repeated("]", depth);
 }
 
 const std::string at = " /materials/0/properties/p";
@@ -115,15 +119,15 @@ TEST(AssetErrors, OfTheDocument)
           " /textures/0/b: unknown key; expected id, schema, name, displayName, description, "
           "properties or genericProperties"}},
         {"depth",
-         R"({"$schema": )" + nested("[", "", "]", 64) + R"(, "assetLibrary": 1})",
-         {" /$schema" + nested("", "", "/0", 63) +
+         R"({"$schema": )" + nestedArrays(64) + R"(, "assetLibrary": 1})",
+         {" /$schema" + repeated("/0", 63) +
           ": expected at most 64 arrays and objects inside one another"}},
         {"depth that is allowed",
-         R"({"$schema": )" + nested("[", "", "]", 63) + R"(, "assetLibrary": 1})",
+         R"({"$schema": )" + nestedArrays(63) + R"(, "assetLibrary": 1})",
          {}},
         {"hostile depth",
-         R"({"assetLibrary": 1, "$schema": )" + nested("[", "", "]", 200000) + "}",
-         {" /$schema" + nested("", "", "/0", 63) +
+         R"({"assetLibrary": 1, "$schema": )" + nestedArrays(200000) + "}",
+         {" /$schema" + repeated("/0", 63) +
           ": expected at most 64 arrays and objects inside one another"}},
     });
 }

@@ -166,7 +166,7 @@ TEST_F(AssetImages, TheResolverOfTheProcess)
 
     WideString wide(L"unchanged");
     EXPECT_TRUE(resolver.Resolve(WideString(L"W\u00C4NDE.png"), wide));
-    EXPECT_EQ(wide.str(), pathOf(folder + "/program/W\xC3\x84NDE.png").wstring());
+    EXPECT_TRUE(wide.str().ends_with(L"/program/W\u00C4NDE.png"));
     EXPECT_FALSE(resolver.Resolve(WideString(std::wstring(1, wchar_t(0xD800))), wide));
     setResolverFolders({});
 }

@@ -55,6 +55,8 @@ bool isOneLine(const std::string& text)
 
 std::string checkAssetFile(const std::filesystem::path& file, const std::string& bytes)
 {
+    // A new file each time: some file systems write a truncated one to the disk at once.
+    std::filesystem::remove(file);
     std::ofstream(file, std::ios::binary) << bytes;
     const LoadResult result = load({file.string()});
     if (result.library.has_value() != result.errors.empty())
