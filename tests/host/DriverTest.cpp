@@ -131,6 +131,39 @@ TEST_F(Driver, TheLegacyFamilyIsNotAvailable)
     EXPECT_TRUE(translate(AssetBuilder().build(), options).succeeded);
 }
 
+/// Whether the document was built by the translator of the "Lyrex" family, or by none.
+bool isNotGeneric(const Translation& translation)
+{
+    for (const mx::NodePtr& node : translation.document->getNodes())
+        if (node->getCategory() == "standard_surface")
+            return false;
+    return translation.succeeded || !translation.diagnostics.empty();
+}
+
+/// Neither a generic table nor the translation path takes them to another translator.
+TEST_F(Driver, TheLyrexFamilyIsTranslatedAsSuch)
+{
+    for (const int path : {0, 1})
+    {
+        ConverterOptions options = plainOptions();
+        options.translationPath = path;
+        for (const char* schema :
+             {"LyrexMetalSchema", "LyrexOpaqueSchema", "LyrexTransparentSchema",
+              "LyrexLayeredSchema", "LyrexGlazingSchema"})
+        {
+            const AssetPtr asset =
+                AssetBuilder(schema).generic().scalar("generic_glossiness", 0.5).build();
+            const Translation translation = translate(asset, options);
+            EXPECT_TRUE(isNotGeneric(translation)) << schema << "\n" << translation.report();
+            EXPECT_EQ(translation.count(DiagnosticCode::LegacyUnavailable), 0u) << schema;
+        }
+    }
+    const Translation other =
+        translate(AssetBuilder("lyrexmetalschema").generic().build(), plainOptions());
+    EXPECT_TRUE(other.succeeded) << "the names are compared exactly";
+    EXPECT_FALSE(isNotGeneric(other));
+}
+
 struct NameCase
 {
     const char* name;

@@ -203,15 +203,27 @@ TEST_F(Skeleton, ASecondTranslationUnderOneNameIsRefused)
 /// The host's own elements count as taken, whatever their kind.
 TEST_F(Skeleton, ElementsOfTheHostStayAsTheyAre)
 {
-    for (const char* name : {"M", "M_shader"})
+    for (const char* name : {"M", "M_shader", "M_nodegraph"})
     {
         ConverterOptions options = plainOptions();
         MaterialXConverter converter(options);
         const auto document = mx::createDocument();
-        document->addNodeGraph(name)->addNode("constant", "value", "float");
-        const std::string before = xmlOf(document);
-        EXPECT_FALSE(converter.TranslateToMaterialX(*AssetBuilder().build(), "M", document));
-        EXPECT_EQ(xmlOf(document), before);
+        const mx::NodeGraphPtr graph = document->addNodeGraph(name);
+        graph->addNode("constant", "value", "float")->setInputValue("value", 1.0f);
+        const mx::DocumentPtr before = document->copy();
+        const AssetPtr asset = AssetBuilder()
+                                   .color("generic_diffuse", 1, 1, 1)
+                                   .connect("generic_diffuse", bitmapAsset("wood.png"))
+                                   .build();
+        const bool succeeded = converter.TranslateToMaterialX(*asset, "M", document);
+        EXPECT_TRUE(*graph == *before->getNodeGraph(name)) << name;
+        EXPECT_TRUE(isSound(document)) << name;
+        EXPECT_EQ(succeeded, document->getNode("M") != nullptr) << name;
+        if (succeeded)
+            continue;
+        EXPECT_TRUE(*document == *before) << name;
+        ASSERT_EQ(lastDiagnostics().size(), 1u);
+        EXPECT_EQ(lastDiagnostics().front().code, DiagnosticCode::NameTaken);
     }
 }
 
