@@ -99,4 +99,19 @@ VYR_MTLX_API BakeResult bakeNormalMapFile(const std::filesystem::path& source,
 VYR_MTLX_API BakeResult bakeNoiseFile(const std::filesystem::path& destination,
                                       const NoiseBakeOptions& options);
 
+/// How the translations of a thread bake their reliefs.
+struct BakeSettings
+{
+    ImageLimits limits;
+    /// 0: as many threads as OpenImageIO uses by default; 1: only the calling thread, for hosts that
+    /// translate several materials side by side.
+    int threads = 0;
+};
+
+/// Sets how later translations on the calling thread bake. Other threads keep their own settings.
+VYR_MTLX_API void setBakeSettings(const BakeSettings& settings);
+
+/// The calling thread's settings.
+VYR_MTLX_API const BakeSettings& bakeSettings();
+
 } // namespace vyr::MaterialTranslation

@@ -22,9 +22,10 @@ VYR_MTLX_API std::string documentToXml(const MaterialX::DocumentPtr& document);
 VYR_MTLX_API void writeDocumentFile(const MaterialX::DocumentPtr& document,
                                     const std::filesystem::path& file);
 
-/// Writes a file as a whole: to a temporary name beside it (".vyr-...tmp"), then renamed, so that
-/// nobody ever sees half of it and an existing file is only replaced by a whole one. On failure the
-/// temporary file is removed and an existing file stays as it was. The folder must exist.
+/// Writes a file as a whole: to a temporary name beside it (".vyr-<hash>-<n>.tmp"), then renamed, so
+/// that nobody ever sees half of it and an existing file is only replaced by a whole one. On failure
+/// the temporary file is removed and an existing file stays as it was. The folder must exist. A
+/// temporary file that a killed process left behind is taken over by the next writing of the file.
 /// @throws std::filesystem::filesystem_error
 VYR_MTLX_API void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes);
 

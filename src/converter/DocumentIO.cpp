@@ -2,7 +2,7 @@
 
 #include <MaterialXFormat/XmlIo.h>
 
-#include "core/AtomicFile.h"
+#include "core/ReplaceFile.h"
 
 namespace vyr::MaterialTranslation
 {

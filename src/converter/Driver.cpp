@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "assets/Schemas.h"
+#include "converter/TextureGathering.h"
 #include "core/Text.h"
 #include "graph/Names.h"
 #include "materials/GenericTranslator.h"
@@ -42,24 +43,22 @@ bool isUsable(const std::string& name, const mx::DocumentPtr& document,
     return false;
 }
 
-bool runTranslator(const assets::IAssetInstance& asset, const std::string& name,
-                   const mx::DocumentPtr& document, const ConverterOptions& options,
-                   const core::Log& log)
+bool runTranslator(const materials::Translation& translation)
 {
-    if (assets::IsLyrex(asset))
+    if (assets::IsLyrex(translation.asset))
     {
-        log.error(DiagnosticCode::UnknownSchema, "",
-                  "this version does not translate materials of the Lyrex family");
+        translation.log.error(DiagnosticCode::UnknownSchema, "",
+                              "this version does not translate materials of the Lyrex family");
         return false;
     }
     constexpr std::int32_t legacyPath = 1;
-    if (options.translationPath == legacyPath)
+    if (translation.options.translationPath == legacyPath)
     {
-        log.error(DiagnosticCode::LegacyUnavailable, "",
-                  "this version has no translator of the legacy family");
+        translation.log.error(DiagnosticCode::LegacyUnavailable, "",
+                              "this version has no translator of the legacy family");
         return false;
     }
-    return materials::translateGeneric(name, asset, document, options, log);
+    return materials::translateGeneric(translation);
 }
 
 } // namespace
@@ -77,7 +76,12 @@ bool translate(const assets::IAssetInstance& asset, const std::string& name,
         log.error(DiagnosticCode::CloneFailed, "", "the asset cannot be cloned");
         return false;
     }
-    return runTranslator(*clone, name, document, options, log);
+    const std::size_t before = document->getChildren().size();
+    std::vector<fs::path> baked;
+    const bool translated = runTranslator({*clone, name, document, options, log, baked});
+    if (options.copyTextures)
+        gatherTextures({document, before, name, options.outputDirectory.str(), baked, log});
+    return translated;
 }
 
 } // namespace vyr::MaterialTranslation::converter

@@ -13,9 +13,14 @@ mx::NodePtr addNode(const mx::GraphElementPtr& graph, const std::string& categor
     return graph->addNode(category, name, type);
 }
 
+std::string outputName(const std::string& node)
+{
+    return node + "_output";
+}
+
 mx::OutputPtr addNodeOutput(const mx::NodeGraphPtr& graph, const mx::NodePtr& node)
 {
-    return addOutput(graph, node->getName() + "_output", node, node->getType());
+    return addOutput(graph, outputName(node->getName()), node, node->getType());
 }
 
 mx::OutputPtr addOutput(const mx::NodeGraphPtr& graph, const std::string& name,

@@ -11,8 +11,10 @@ namespace vyr::MaterialTranslation::graph
 MaterialX::NodePtr addNode(const MaterialX::GraphElementPtr& graph, const std::string& category,
                            const std::string& name, const std::string& type);
 
-/// Adds an output to a node graph, named after a node ("<node>_output"), connected to it and of its
-/// type.
+/// Name of the graph output of a texture's node.
+std::string outputName(const std::string& node);
+
+/// Adds an output to a node graph, named after a node (outputName), connected to it and of its type.
 MaterialX::OutputPtr addNodeOutput(const MaterialX::NodeGraphPtr& graph,
                                    const MaterialX::NodePtr& node);
 

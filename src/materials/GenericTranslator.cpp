@@ -40,50 +40,51 @@ std::optional<StandardSurfaceParams::Color> readTint(const assets::AssetView& ow
     return readColor(own, color, {}, colorMode);
 }
 
-std::optional<GenericMaterial> readMaterial(const assets::IAssetInstance& asset,
-                                            const ConverterOptions& options, const core::Log& log)
+GenericMaterial readFrom(const assets::IPropertyConstTable& table, const std::string& schema,
+                         const Translation& translation)
 {
-    const std::string schema = assets::GetAssetSchemaName(asset);
-    const assets::IPropertyConstTable* table = genericTable(asset, schema);
-    if (!table)
-    {
-        log.error(DiagnosticCode::NoGenericProperties, "",
-                  "a material of schema \"" + schema + "\" without generic properties");
-        return std::nullopt;
-    }
+    const auto& [asset, name, document, options, log, baked] = translation;
     assets::PropertyUse use;
     const assets::AssetView own(asset);
     GenericMaterial material =
-        readGenericMaterial(assets::AssetView(asset, *table, &use), options, log);
+        readGenericMaterial(assets::AssetView(asset, table, &use), options, log);
     material.tint = readTint(own, schema, options.colorMode);
     adjustForSchema(material, schema, own, options.colorMode, log);
     applyColorPass(material.params, options.colorMode);
     return material;
 }
 
-} // namespace
-
-bool translateGeneric(const std::string& name, const assets::IAssetInstance& asset,
-                      const MaterialX::DocumentPtr& document, const ConverterOptions& options,
-                      const core::Log& log)
+/// What the asset says; nothing, with the reason in the log, when it cannot be read.
+std::optional<GenericMaterial> readMaterial(const Translation& translation)
 {
-    if (options.verbose)
-        assets::WriteMaterialDescription(asset, std::cout);
-    std::optional<GenericMaterial> material;
     try
     {
-        material = readMaterial(asset, options, log);
+        const std::string schema = assets::GetAssetSchemaName(translation.asset);
+        if (const auto* table = genericTable(translation.asset, schema))
+            return readFrom(*table, schema, translation);
+        translation.log.error(DiagnosticCode::NoGenericProperties, "",
+                              "a material of schema \"" + schema +
+                                  "\" without generic properties");
     }
     catch (const assets::PropertyError& error)
     {
-        log.error(error.code(), error.property(), error.reason());
+        translation.log.error(error.code(), error.property(), error.reason());
     }
     catch (const std::invalid_argument& error)
     {
-        log.error(DiagnosticCode::PropertyInvalid, "", error.what());
+        translation.log.error(DiagnosticCode::PropertyInvalid, "", error.what());
     }
-    return material && buildStandardSurface(document, name, assets::GetAssetIdentifier(asset),
-                                            *material, options, log);
+    return std::nullopt;
+}
+
+} // namespace
+
+bool translateGeneric(const Translation& translation)
+{
+    if (translation.options.verbose)
+        assets::WriteMaterialDescription(translation.asset, std::cout);
+    const std::optional<GenericMaterial> material = readMaterial(translation);
+    return material && buildStandardSurface(*material, translation);
 }
 
 } // namespace vyr::MaterialTranslation::materials

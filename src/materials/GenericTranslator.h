@@ -1,13 +1,6 @@
 #pragma once
 
-#include <string>
-
-#include <MaterialXCore/Document.h>
-
-#include <MaterialTranslation/ConverterOptions.h>
-
-#include "assets/AssetView.h"
-#include "core/Log.h"
+#include "materials/Translation.h"
 
 namespace vyr::MaterialTranslation::materials
 {
@@ -17,8 +10,6 @@ namespace vyr::MaterialTranslation::materials
 /// @return false, with the reason in the log and nothing built, when a property cannot be read,
 ///         when there is no generic property table, or when a name is taken in the document.
 /// @throws what the asset library and MaterialX throw, `std::invalid_argument` apart.
-bool translateGeneric(const std::string& name, const assets::IAssetInstance& asset,
-                      const MaterialX::DocumentPtr& document, const ConverterOptions& options,
-                      const core::Log& log);
+bool translateGeneric(const Translation& translation);
 
 } // namespace vyr::MaterialTranslation::materials

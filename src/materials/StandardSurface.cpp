@@ -2,6 +2,7 @@
 
 #include <variant>
 
+#include "assets/PropertyReaders.h"
 #include "graph/Inputs.h"
 #include "graph/Names.h"
 #include "graph/Nodes.h"
@@ -57,8 +58,9 @@ class InputWriter
 {
   public:
     InputWriter(const GenericMaterial& material, const mx::NodePtr& shader,
-                const mx::NodeGraphPtr& graph, const char* colorSpace)
-        : _material(material), _shader(shader), _graph(graph), _colorSpace(colorSpace)
+                const textures::TextureBuild& build)
+        : _material(material), _shader(shader), _build(build),
+          _colorSpace(plainColorSpace(build.options.colorMode))
     {
     }
 
@@ -76,7 +78,7 @@ class InputWriter
         const auto texture = _material.textures.find(row.name);
         return texture == _material.textures.end()
                    ? nullptr
-                   : textures::addConnectedTexture(texture->second, _graph, row.type);
+                   : textures::addConnectedTexture(texture->second, row.type, _build);
     }
 
     void writePlain(const char* /*name*/, std::monostate /*none*/) const {}
@@ -98,29 +100,29 @@ class InputWriter
 
     const GenericMaterial& _material;
     const mx::NodePtr& _shader;
-    const mx::NodeGraphPtr& _graph;
+    const textures::TextureBuild& _build;
     const char* _colorSpace;
 };
 
 } // namespace
 
-bool buildStandardSurface(const mx::DocumentPtr& document, const std::string& name,
-                          const std::string& assetId, const GenericMaterial& material,
-                          const ConverterOptions& options, const core::Log& log)
+bool buildStandardSurface(const GenericMaterial& material, const Translation& translation)
 {
+    const auto& [asset, name, document, options, log, baked] = translation;
+    const std::string assetId = assets::GetAssetIdentifier(asset);
     const SkeletonRequest request{name, material.params.category, assetId, options.addLook,
                                   graph::nodeGraphName(name)};
     if (!canBuildSkeleton(document, request, log))
         return false;
 
     const Skeleton skeleton = buildSkeleton(document, request);
-    mx::NodeGraphPtr graph;
+    textures::TextureBuild build{name, options, {}, material.bumpAmount, log, baked};
     if (!material.textures.empty())
-        graph = graph::addNodeGraph(document, request.graphName);
-    const InputWriter writer(material, skeleton.shader, graph, plainColorSpace(options.colorMode));
+        build.graph = graph::addNodeGraph(document, request.graphName);
+    const InputWriter writer(material, skeleton.shader, build);
     for (const InputRow& row : inputs)
         writer.write(row);
-    if (graph && graph->getChildren().empty())
+    if (build.graph && build.graph->getChildren().empty())
         document->removeNodeGraph(request.graphName);
     return true;
 }

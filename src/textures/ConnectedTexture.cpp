@@ -1,8 +1,12 @@
 #include "textures/ConnectedTexture.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "assets/PropertyError.h"
 #include "assets/PropertyReaders.h"
 #include "assets/Schemas.h"
+#include "core/OutputFolder.h"
 
 namespace vyr::MaterialTranslation::textures
 {
@@ -24,17 +28,97 @@ assets::AssetHandle takeConnection(const assets::AssetView& material, const char
     return assets::GetConnectedAsset(material, property).second;
 }
 
-std::optional<ConnectedTexture> readBitmap(const assets::IAssetInstance& asset,
-                                           const char* property, const core::Log& log)
+using Content = std::optional<decltype(ConnectedTexture::content)>;
+
+/// A texture that names an image, or nothing when it does not.
+template <class Texture> Content unlessEmpty(Texture texture)
 {
-    assets::PropertyUse use;
-    const assets::AssetView view(asset, &use);
-    BitmapTexture bitmap = readBitmapTexture(view, log.below(property));
-    if (bitmap.image.empty())
-        return std::nullopt;
-    assets::reportLeftProperties(view, {}, log.below(property));
-    return ConnectedTexture{property, std::move(bitmap)};
+    return texture.image.empty() ? Content() : Content(std::move(texture));
 }
+
+Content readBitmap(const assets::AssetView& texture, const core::Log& log)
+{
+    return unlessEmpty(readBitmapTexture(texture, log));
+}
+
+Content readBump(const assets::AssetView& texture, const core::Log& log)
+{
+    return unlessEmpty(readBumpTexture(texture, log));
+}
+
+Content readNoise(const assets::AssetView& texture, const core::Log& log)
+{
+    return readNoiseTexture(texture, log);
+}
+
+struct ReaderRow
+{
+    TextureRole role;
+    const char* schema;
+    Content (*read)(const assets::AssetView&, const core::Log&);
+};
+
+constexpr ReaderRow readers[] = {
+    {TextureRole::Value, assets::bitmapSchema, readBitmap},
+    {TextureRole::Relief, assets::bitmapSchema, readBump},
+    {TextureRole::Relief, assets::noiseSchema, readNoise},
+};
+
+const ReaderRow* findReader(TextureRole role, const std::string& schema)
+{
+    const auto* row =
+        std::find_if(std::begin(readers), std::end(readers), [&](const ReaderRow& r)
+                     { return r.role == role && r.schema == schema; });
+    return row == std::end(readers) ? nullptr : row;
+}
+
+void warnNotTranslated(const char* property, TextureRole role, const std::string& schema,
+                       const core::Log& log)
+{
+    log.warning(DiagnosticCode::TextureNotTranslated, property,
+                "a texture of schema \"" + schema + "\" cannot be translated here; " +
+                    (role == TextureRole::Value ? "the plain value is used"
+                                                : "the surface stays without relief"));
+}
+
+/// Adds the node of each kind of texture.
+struct Adder
+{
+    const ConnectedTexture& texture;
+    const std::string& type;
+    const TextureBuild& build;
+
+    mx::OutputPtr operator()(const BitmapTexture& bitmap) const
+    {
+        return addBitmapTexture(bitmap, build.graph, texture.property, type);
+    }
+    mx::OutputPtr operator()(const BumpTexture& bump) const
+    {
+        return addRelief([&](ReliefBuild& relief) { return addBakedNormalMap(bump, relief); });
+    }
+    mx::OutputPtr operator()(const NoiseTexture& noise) const
+    {
+        return addRelief([&](ReliefBuild& relief) { return addNoiseNormalMap(noise, relief); });
+    }
+
+  private:
+    template <class Add> mx::OutputPtr addRelief(Add add) const
+    {
+        ReliefBuild relief{
+            build.graph,
+            texture.property,
+            type,
+            core::materialFolder(build.options.outputDirectory.str(), build.material),
+            build.bumpAmount,
+            build.options.imageSize,
+            build.log,
+            {}};
+        mx::OutputPtr output = add(relief);
+        if (output)
+            build.baked.push_back(relief.baked);
+        return output;
+    }
+};
 
 } // namespace
 
@@ -46,17 +130,21 @@ std::optional<ConnectedTexture> readConnectedTexture(const assets::AssetView& ma
     if (!asset)
         return std::nullopt;
     const std::string schema = assets::GetAssetSchemaName(*asset);
-    if (role != TextureRole::Value || schema != assets::bitmapSchema)
+    const ReaderRow* reader = findReader(role, schema);
+    if (!reader)
     {
-        log.warning(DiagnosticCode::TextureNotTranslated, property,
-                    "a texture of schema \"" + schema + "\" cannot be translated here; " +
-                        (role == TextureRole::Value ? "the plain value is used"
-                                                    : "the surface stays without relief"));
+        warnNotTranslated(property, role, schema, log);
         return std::nullopt;
     }
     try
     {
-        return readBitmap(*asset, property, log);
+        assets::PropertyUse use;
+        const assets::AssetView view(*asset, &use);
+        Content content = reader->read(view, log.below(property));
+        if (!content)
+            return std::nullopt;
+        assets::reportLeftProperties(view, {}, log.below(property));
+        return ConnectedTexture{property, std::move(*content)};
     }
     catch (const assets::PropertyError& error)
     {
@@ -64,12 +152,10 @@ std::optional<ConnectedTexture> readConnectedTexture(const assets::AssetView& ma
     }
 }
 
-mx::OutputPtr addConnectedTexture(const ConnectedTexture& texture, const mx::NodeGraphPtr& graph,
-                                  const std::string& type)
+mx::OutputPtr addConnectedTexture(const ConnectedTexture& texture, const std::string& type,
+                                  const TextureBuild& build)
 {
-    return std::visit(
-        [&](const BitmapTexture& bitmap)
-        { return addBitmapTexture(bitmap, graph, texture.property, type); }, texture.content);
+    return std::visit(Adder{texture, type, build}, texture.content);
 }
 
 } // namespace vyr::MaterialTranslation::textures

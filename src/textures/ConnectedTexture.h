@@ -1,14 +1,19 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include <MaterialXCore/Document.h>
+
+#include <MaterialTranslation/ConverterOptions.h>
 
 #include "assets/AssetView.h"
 #include "core/Log.h"
 #include "textures/BitmapTexture.h"
+#include "textures/ReliefTexture.h"
 
 namespace vyr::MaterialTranslation::textures
 {
@@ -19,7 +24,7 @@ struct ConnectedTexture
 {
     /// The material's property, which also names the texture's node.
     std::string property;
-    std::variant<BitmapTexture> content;
+    std::variant<BitmapTexture, BumpTexture, NoiseTexture> content;
 };
 
 /// What a texture is for.
@@ -40,11 +45,25 @@ std::optional<ConnectedTexture> readConnectedTexture(const assets::AssetView& ma
                                                      const char* property, TextureRole role,
                                                      const core::Log& log);
 
-/// Adds the texture's node, named after the property, and its output to a node graph.
+/// What the textures of one material are built into.
+struct TextureBuild
+{
+    /// Base of the element names and of the folder for baked images.
+    const std::string& material;
+    const ConverterOptions& options;
+    MaterialX::NodeGraphPtr graph;
+    /// Strength of the material's relief.
+    float bumpAmount = 0.0f;
+    const core::Log& log;
+    /// Receives the files that were baked.
+    std::vector<std::filesystem::path>& baked;
+};
+
+/// Adds the texture's node, named after the property, and its output to the material's node graph.
 /// @param type MaterialX's name of the value type.
 /// @return the graph's output; null when the texture came to nothing.
-MaterialX::OutputPtr addConnectedTexture(const ConnectedTexture& texture,
-                                         const MaterialX::NodeGraphPtr& graph,
-                                         const std::string& type);
+/// @throws std::filesystem::filesystem_error when a relief's folder cannot be made.
+MaterialX::OutputPtr addConnectedTexture(const ConnectedTexture& texture, const std::string& type,
+                                         const TextureBuild& build);
 
 } // namespace vyr::MaterialTranslation::textures

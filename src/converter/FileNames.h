@@ -1,0 +1,34 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace vyr::MaterialTranslation::converter
+{
+
+/// What follows the last "/" or "\" of a path.
+std::string_view lastComponent(std::string_view path);
+
+/// Whether a file name could reach something else than a file of that name in its folder on some
+/// system: empty, ".", "..", with a NUL or a drive, or the name of a device.
+bool isTreacherous(std::string_view name);
+
+/// The name as every common operating system takes it: without the characters that some refuse, no
+/// dot or space at the end, and not too long. Mostly the name itself.
+std::string portableName(std::string_view name);
+
+/// Names that were given out in one folder; upper and lower case of ASCII letters do not keep two
+/// names apart.
+class FileNames
+{
+  public:
+    /// The name, or the name with "-2", "-3"... before its extension, whichever is free; it is then
+    /// taken.
+    std::string take(const std::string& name);
+
+  private:
+    std::set<std::string> _taken;
+};
+
+} // namespace vyr::MaterialTranslation::converter

@@ -1,0 +1,229 @@
+#include "converter/TextureGathering.h"
+
+#include <algorithm>
+#include <map>
+
+#include "converter/FileNames.h"
+#include "core/OutputFolder.h"
+#include "core/ReplaceFile.h"
+#include "core/Text.h"
+
+namespace vyr::MaterialTranslation::converter
+{
+
+namespace mx = MaterialX;
+namespace fs = std::filesystem;
+
+namespace
+{
+
+enum class Rank
+{
+    InPlace,
+    Users,
+    Baked,
+};
+
+struct Reference
+{
+    mx::InputPtr input;
+    std::string path;
+};
+
+/// One file and its place in the material's folder.
+struct GatheredFile
+{
+    std::string source;
+    fs::path destination;
+    bool baked = false;
+};
+
+bool fileExists(const fs::path& path)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (status.type() == fs::file_type::none)
+        throw fs::filesystem_error("exists", path, error);
+    return fs::exists(status);
+}
+
+bool isSameFile(const fs::path& a, const fs::path& b)
+{
+    std::error_code error;
+    return fs::equivalent(a, b, error) && !error;
+}
+
+void collectReferences(const mx::ElementPtr& root, std::vector<Reference>& references)
+{
+    for (const mx::ElementPtr& element : root->traverseTree())
+    {
+        const mx::NodePtr node = element->asA<mx::Node>();
+        if (!node)
+            continue;
+        for (const mx::InputPtr& input : node->getInputs())
+            if (input->getType() == mx::FILENAME_TYPE_STRING && !input->getValueString().empty())
+                references.push_back({input, input->getValueString()});
+    }
+}
+
+class Gathering
+{
+  public:
+    explicit Gathering(const GatheringRequest& request)
+        : _request(request),
+          _folder(core::materialFolder(request.outputDirectory, request.name))
+    {
+    }
+
+    void run()
+    {
+        const auto& children = _request.document->getChildren();
+        std::vector<Reference> references;
+        for (std::size_t i = _request.firstChild; i < children.size(); ++i)
+            collectReferences(children[i], references);
+        plan(references);
+        if (_files.empty())
+            return;
+        core::makeMaterialFolder(_folder);
+        // Own files first: they make room for a user's file of the same name.
+        for (const auto& [path, file] : _files)
+            if (file.baked)
+                move(file);
+        for (const auto& [path, file] : _files)
+            if (!file.baked)
+                copy(file);
+        for (const Reference& reference : references)
+            rewrite(reference);
+    }
+
+  private:
+    /// Gives each file a place: first the users' files that are in the folder already and must not
+    /// be overwritten, then the other users' files, last the converter's own, which can be moved.
+    void plan(const std::vector<Reference>& references)
+    {
+        for (const Rank rank : {Rank::InPlace, Rank::Users, Rank::Baked})
+            for (const Reference& reference : references)
+                if (!_files.contains(reference.path) && rankOf(reference.path) == rank)
+                    planFile(reference.path, rank == Rank::Baked);
+    }
+
+    Rank rankOf(const std::string& path) const
+    {
+        if (isBaked(path))
+            return Rank::Baked;
+        return isSameFile(core::pathFromUtf8(path).parent_path(), _folder) ? Rank::InPlace
+                                                                           : Rank::Users;
+    }
+
+    bool isBaked(const std::string& path) const
+    {
+        return std::any_of(_request.baked.begin(), _request.baked.end(), [&](const fs::path& baked)
+                           { return baked == core::pathFromUtf8(path); });
+    }
+
+    void planFile(const std::string& path, bool baked)
+    {
+        const fs::path source = core::pathFromUtf8(path);
+        if (!fileExists(source))
+            return;
+        const std::string_view name = lastComponent(path);
+        if (isTreacherous(name))
+        {
+            _request.log.warning(DiagnosticCode::TextureNameRefused, "",
+                                 "not gathered, for its name: " + core::xmlText(path));
+            return;
+        }
+        if (fs::is_directory(source))
+        {
+            _request.log.warning(DiagnosticCode::TextureNotGathered, "",
+                                 "not gathered, it is a folder: " + path);
+            return;
+        }
+        if (const auto* same = findSame(source))
+            _files[path] = *same;
+        else
+            _files[path] = {path, place(std::string(name), path, baked), baked};
+    }
+
+    /// A file that was planned under another spelling of its path.
+    const GatheredFile* findSame(const fs::path& source) const
+    {
+        const auto file =
+            std::find_if(_files.begin(), _files.end(), [&](const auto& entry)
+                         { return isSameFile(core::pathFromUtf8(entry.first), source); });
+        return file == _files.end() ? nullptr : &file->second;
+    }
+
+    fs::path place(const std::string& name, const std::string& path, bool baked)
+    {
+        std::string taken;
+        fs::path destination;
+        do
+        {
+            taken = _names.take(portableName(name));
+            destination = _folder / core::pathFromUtf8(taken);
+        } while (fs::is_directory(fs::symlink_status(destination)));
+        if (taken != name && !baked)
+            _request.log.warning(DiagnosticCode::TextureRenamed, "",
+                                 "gathered under the name " + taken + ": " + path);
+        return destination;
+    }
+
+    static void move(const GatheredFile& file)
+    {
+        const fs::path source = core::pathFromUtf8(file.source);
+        if (source == file.destination)
+            return;
+        std::error_code error;
+        fs::rename(source, file.destination, error);
+        if (error)
+            throw fs::filesystem_error("rename", source, file.destination, error);
+    }
+
+    static void copy(const GatheredFile& file)
+    {
+        const fs::path source = core::pathFromUtf8(file.source);
+        if (isUpToDate(source, file.destination))
+            return;
+        if (const auto error = core::copyFileAtomically(source, file.destination))
+            throw fs::filesystem_error("copy_file", source, file.destination, error);
+    }
+
+    /// Whether the destination is the source itself or a whole copy that is not older. A symbolic
+    /// link in the destination's place is neither: it is replaced, not followed.
+    static bool isUpToDate(const fs::path& source, const fs::path& destination)
+    {
+        std::error_code error;
+        const fs::file_status status = fs::symlink_status(destination, error);
+        if (!fs::is_regular_file(status))
+            return false;
+        if (isSameFile(source, destination))
+            return true;
+        return fs::file_size(source, error) == fs::file_size(destination, error) && !error &&
+               fs::last_write_time(source, error) <= fs::last_write_time(destination, error) &&
+               !error;
+    }
+
+    void rewrite(const Reference& reference) const
+    {
+        const auto file = _files.find(reference.path);
+        if (file == _files.end() || !fileExists(file->second.destination))
+            return;
+        const std::u8string text = file->second.destination.generic_u8string();
+        reference.input->setValueString({text.begin(), text.end()});
+    }
+
+    const GatheringRequest& _request;
+    fs::path _folder;
+    FileNames _names;
+    std::map<std::string, GatheredFile> _files;
+};
+
+} // namespace
+
+void gatherTextures(const GatheringRequest& request)
+{
+    Gathering(request).run();
+}
+
+} // namespace vyr::MaterialTranslation::converter
