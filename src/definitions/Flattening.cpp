@@ -1,0 +1,132 @@
+#include "definitions/Flattening.h"
+
+#include <algorithm>
+#include <set>
+
+#include "graph/Inputs.h"
+#include "graph/Names.h"
+#include "graph/Nodes.h"
+#include "graph/Rewriting.h"
+
+namespace vyr::MaterialTranslation::definitions
+{
+
+namespace mx = MaterialX;
+
+namespace
+{
+
+bool isKvor(const mx::NodePtr& node)
+{
+    return mx::stringStartsWith(node->getCategory(), kvorPrefix);
+}
+
+/// Whether an input may differ from what it is by default.
+bool isAltered(const mx::NodePtr& node, const char* name, const std::string& unaltered)
+{
+    const mx::InputPtr input = node->getInput(name);
+    if (!input)
+        return false;
+    const mx::ValuePtr value = input->getValue();
+    const mx::ValuePtr same = mx::Value::createValueFromStrings(unaltered, input->getType());
+    return !value || !same || value->getValueString() != same->getValueString();
+}
+
+/// MaterialX transforms the colours that a node with a colour-managed file gives: the result of a
+/// kvor:bitmap but, once that is flattened, the stored colours, before amount and inversion. Where these do
+/// something, the transform becomes a node of its own behind them.
+void transformBehind(const mx::GraphElementPtr& graph, const mx::NodePtr& bitmap,
+                     const mx::InputPtr& file, const Definitions& definitions)
+{
+    const std::string space = file->getActiveColorSpace();
+    const std::string category = space + toLinear;
+    if (definitions.categories.count(category) == 0 ||
+        !(isAltered(bitmap, "invert", "false") || isAltered(bitmap, "rgbamount", "1")))
+        return;
+    const std::vector<mx::PortElementPtr> readers = bitmap->getDownstreamPorts();
+    const mx::NodePtr transform = graph::addNode(
+        graph, category, graph::freeName(graph, bitmap->getName() + "_linear"), bitmap->getType());
+    graph->setChildIndex(transform->getName(), graph->getChildIndex(bitmap->getName()) + 1);
+    for (const mx::PortElementPtr& reader : readers)
+        reader->setNodeName(transform->getName());
+    graph::connectInput(graph::addInput(transform, "in", bitmap->getType()), bitmap);
+    file->setColorSpace("none");
+}
+
+/// Sees to it that the flattened image gives the colours or numbers that the node gave.
+void prepareImage(const mx::GraphElementPtr& graph, const mx::NodePtr& node,
+                  const Definitions& definitions)
+{
+    const mx::InputPtr file = node->getInput("file");
+    if (!file)
+        return;
+    if (node->isColorType())
+        transformBehind(graph, node, file, definitions);
+    else
+        // MaterialX transforms no numbers; readers that do not know that would.
+        file->removeAttribute(mx::Element::COLOR_SPACE_ATTRIBUTE);
+}
+
+/// Replaces one node. The last of the nodes that come in its place gets its name.
+void flattenNode(const mx::GraphElementPtr& graph, const mx::NodePtr& node,
+                 const std::set<std::string>& others)
+{
+    const std::string name = node->getName();
+    // It follows the node to what replaces it.
+    const mx::OutputPtr mark = graph::addMark(graph, node);
+    graph->flattenSubgraphs(
+        mx::EMPTY_STRING, [&](const mx::NodePtr& candidate)
+        { return isKvor(candidate) && others.count(candidate->getName()) == 0; });
+    const mx::NodePtr last = mark->getConnectedNode();
+    graph->removeOutput(mark->getName());
+    last->setNameGlobal(name);
+}
+
+/// MaterialX adds the nodes that read the geometry in an order that varies from run to run.
+void sortGeometryNodes(const mx::GraphElementPtr& graph)
+{
+    std::set<std::string> names;
+    for (const mx::NodePtr& node : graph->getNodes())
+        if (mx::stringStartsWith(node->getName(), "geomNode_"))
+            names.insert(node->getName());
+    for (const std::string& name : names)
+        graph->setChildIndex(name, static_cast<int>(graph->getChildren().size()) - 1);
+}
+
+void flattenGraph(const mx::GraphElementPtr& graph, const Definitions& definitions,
+                  std::vector<ValidationMessage>& messages)
+{
+    std::vector<mx::NodePtr> nodes;
+    std::set<std::string> names;
+    for (const mx::NodePtr& node : graph->getNodes())
+    {
+        if (!isKvor(node))
+            continue;
+        names.insert(node->getName());
+        if (node->getNodeDef())
+            nodes.push_back(node);
+        else
+            messages.push_back({node->getNamePath(), ValidationCode::NodeUndefined,
+                                "no definition of \"" + node->getCategory() + "\" fits"});
+    }
+    for (const mx::NodePtr& node : nodes)
+    {
+        names.erase(node->getName());
+        prepareImage(graph, node, definitions);
+        flattenNode(graph, node, names);
+    }
+    if (!nodes.empty())
+        sortGeometryNodes(graph);
+}
+
+} // namespace
+
+void flattenNodes(const mx::DocumentPtr& document, const Definitions& definitions,
+                  std::vector<ValidationMessage>& messages)
+{
+    for (const mx::NodeGraphPtr& graph : document->getNodeGraphs())
+        flattenGraph(graph, definitions, messages);
+    flattenGraph(document, definitions, messages);
+}
+
+} // namespace vyr::MaterialTranslation::definitions

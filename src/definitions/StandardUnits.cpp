@@ -1,0 +1,118 @@
+#include "definitions/StandardUnits.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include <MaterialXCore/Unit.h>
+
+#include "graph/ValueStrings.h"
+
+namespace vyr::MaterialTranslation::definitions
+{
+
+namespace mx = MaterialX;
+
+namespace
+{
+
+struct TargetUnit
+{
+    std::string_view type;
+    const char* unit;
+    /// Whether MaterialX's standard library has the unit type.
+    bool standard;
+};
+
+constexpr TargetUnit targetUnits[] = {
+    {"distance", "meter", true},
+    {"angle", "degree", true},
+    {"luminance", "candelapersquaremeter", false},
+};
+
+template <class Value>
+bool convertAs(mx::ValueElement& element, const mx::ValuePtr& value,
+               const mx::UnitConverter& converter, const std::string& unit)
+{
+    if (!value->isA<Value>())
+        return false;
+    const Value converted = converter.convert(value->asA<Value>(), element.getUnit(), unit);
+    element.setValueString(graph::valueString(converted));
+    return true;
+}
+
+void convertValue(mx::ValueElement& element, const mx::UnitConverter& converter,
+                  const std::string& unit)
+{
+    const mx::ValuePtr value = element.getValue();
+    if (!value || element.getUnit() == unit)
+        return;
+    convertAs<float>(element, value, converter, unit) ||
+        convertAs<mx::Vector2>(element, value, converter, unit) ||
+        convertAs<mx::Vector3>(element, value, converter, unit) ||
+        convertAs<mx::Vector4>(element, value, converter, unit);
+}
+
+bool hasUnit(const mx::Document& document, const std::string& type, const std::string& unit)
+{
+    const mx::UnitTypeDefPtr definition = document.getUnitTypeDef(type);
+    if (!definition)
+        return false;
+    const std::vector<mx::UnitDefPtr> all = definition->getUnitDefs();
+    return std::any_of(all.begin(), all.end(), [&](const mx::UnitDefPtr& units)
+                       { return units->getUnit(unit) != nullptr; });
+}
+
+/// Whether only the kvor definitions have the unit.
+bool isLacking(const Definitions& definitions, const std::string& unit)
+{
+    const auto all = definitions.kvor->getUnitDefs();
+    return std::any_of(all.begin(), all.end(), [&](const mx::UnitDefPtr& units)
+                       { return units->getUnit(unit) != nullptr; });
+}
+
+void standardize(mx::ValueElement& element, const TargetUnit& target,
+                 std::vector<ValidationMessage>& messages)
+{
+    const std::string type = element.getUnitType();
+    const mx::ConstDocumentPtr document = element.getDocument();
+    if (!hasUnit(*document, type, element.getUnit()))
+    {
+        messages.push_back({element.getNamePath(), ValidationCode::UnitUnknown,
+                            "no unit \"" + element.getUnit() + "\" of type \"" + type + "\""});
+        return;
+    }
+    convertValue(element, *mx::LinearUnitConverter::create(document->getUnitTypeDef(type)),
+                 target.unit);
+    element.setUnit(target.unit);
+}
+
+void useStandardUnit(mx::ValueElement& element, UnitScope scope, const Definitions& definitions,
+                     std::vector<ValidationMessage>& messages)
+{
+    const auto* target =
+        std::find_if(std::begin(targetUnits), std::end(targetUnits),
+                     [&](const TargetUnit& t) { return t.type == element.getUnitType(); });
+    if (target == std::end(targetUnits))
+        return;
+    const bool concerned = scope == UnitScope::All || isLacking(definitions, element.getUnit());
+    if (element.hasUnit() && concerned)
+        standardize(element, *target, messages);
+    if (!target->standard && (!element.hasUnit() || element.getUnit() == target->unit))
+    {
+        element.removeAttribute(mx::ValueElement::UNIT_ATTRIBUTE);
+        element.removeAttribute(mx::ValueElement::UNITTYPE_ATTRIBUTE);
+    }
+}
+
+} // namespace
+
+void useStandardUnits(const mx::DocumentPtr& document, UnitScope scope,
+                      const Definitions& definitions, std::vector<ValidationMessage>& messages)
+{
+    for (const mx::ElementPtr& element : document->traverseTree())
+        if (const auto value = element->asA<mx::ValueElement>())
+            useStandardUnit(*value, scope, definitions, messages);
+}
+
+} // namespace vyr::MaterialTranslation::definitions
