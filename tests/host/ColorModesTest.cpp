@@ -98,8 +98,10 @@ TEST_F(ColorModes, WriteNumbersForColoursOutsideTheRange)
             EXPECT_FALSE(translation.diagnostics.empty());
             continue;
         }
-        const auto color =
-            inputOf(translation.document, "M_shader", "base_color")->getValue()->asA<mx::Color3>();
+        const mx::InputPtr input = inputOf(translation.document, "M_shader", "base_color");
+        const mx::ValuePtr value = input->getValue();
+        ASSERT_TRUE(value && value->isA<mx::Color3>()) << input->getValueString();
+        const auto color = value->asA<mx::Color3>();
         for (std::size_t channel = 0; channel < 3; ++channel)
             EXPECT_TRUE(std::isfinite(color[channel])) << one.mode;
         EXPECT_TRUE(isSound(translation.document)) << one.mode;
