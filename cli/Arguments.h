@@ -24,6 +24,8 @@ struct Range
 {
     Number lowest = std::numeric_limits<Number>::lowest();
     Number highest = std::numeric_limits<Number>::max();
+
+    bool holds(Number number) const { return number >= lowest && number <= highest; }
 };
 
 /// The number that the whole text is, in decimal notation and finite; nothing for any other text.
@@ -40,6 +42,19 @@ std::optional<Number> numberFromText(const std::string& text)
     return whole ? std::optional<Number>(number) : std::nullopt;
 }
 
+/// What was expected in place of `text`.
+template <typename Number>
+std::string numberProblem(const std::string& text, const Range<Number>& range)
+{
+    std::ostringstream problem;
+    problem.imbue(std::locale::classic());
+    problem << '"' << text << "\" is no "
+            << (std::is_integral_v<Number> ? "whole number" : "number");
+    if (std::is_integral_v<Number>)
+        problem << " from " << range.lowest << " to " << range.highest;
+    return problem.str();
+}
+
 /// Adds an option that takes `count` numbers and writes them to `numbers`.
 template <typename Number>
 CLI::Option* addNumbers(CLI::App& app, const std::string& name, Number* numbers, std::size_t count,
@@ -50,15 +65,8 @@ CLI::Option* addNumbers(CLI::App& app, const std::string& name, Number* numbers,
         for (std::size_t i = 0; i < count; ++i)
         {
             const std::optional<Number> number = numberFromText<Number>(texts.at(i));
-            if (!number || *number < range.lowest || *number > range.highest)
-            {
-                std::ostringstream message;
-                message.imbue(std::locale::classic());
-                message << '"' << texts[i] << "\" is no "
-                        << (std::is_integral_v<Number> ? "whole number" : "number") << " from "
-                        << range.lowest << " to " << range.highest;
-                throw CLI::ValidationError(name, message.str());
-            }
+            if (!number || !range.holds(*number))
+                throw CLI::ValidationError(name, numberProblem(texts[i], range));
             numbers[i] = *number;
         }
         return true;

@@ -16,7 +16,7 @@ namespace
 {
 
 /// Larger images than this are a slip of the pen: one would fill more memory than machines have.
-constexpr std::uint64_t largestImage = 16384;
+constexpr int largestImage = 16384;
 constexpr unsigned mostJobs = 1024;
 
 constexpr const char* footer = "Exit status: 0 all done, 1 some materials or images failed, 2 "
@@ -47,7 +47,8 @@ void defineConversionOptions(CLI::App& app, MaterialTranslation::ConverterOption
     addNumber(app, "--roughness-mode", options.roughnessMode,
               "2 roughness is 1 - glossiness (default), other: by the perceived highlight");
     addNumber(app, "--image-size", options.imageSize,
-              "width and height in pixels of baked images (default 1024)", {1, largestImage});
+              "width and height in pixels of baked images (default 1024)",
+              {1, static_cast<std::uint64_t>(largestImage)});
     app.add_flag_callback(
         "--legacy", [&options] { options.translationPath = 1; },
         "use the translator of the legacy schemas");
@@ -60,10 +61,11 @@ void defineConvert(CLI::App& root, ConvertCommand& command)
     CLI::App& app = *root.add_subcommand("convert", "convert materials to MaterialX documents");
     addFiles(app, command.files);
     addOutputFolder(app, command.output);
-    addRepeatable(app, "--asset", command.assets, "convert only the material of this identifier")
+    addRepeatable(app, "--asset", command.assets,
+                  "convert only the material of this identifier; repeatable")
         ->type_name("ID");
     addRepeatable(app, "--texture-path", command.texturePaths,
-                  "a further folder to look image references up in")
+                  "a further folder to look image references up in; repeatable")
         ->check(pathText())
         ->type_name("DIR");
     defineConversionOptions(app, command.options);
@@ -88,6 +90,71 @@ void defineList(CLI::App& root, ListCommand& command)
     CLI::App& app = *root.add_subcommand("list", "print what the files hold");
     addFiles(app, command.files);
     app.add_flag("--json", command.json, "print JSON");
+}
+
+void addImageFile(CLI::App& app, std::string& output)
+{
+    addPath(app, "--output,-o", output, "image to write; the extension names the format")
+        ->required()
+        ->type_name("FILE");
+}
+
+void defineBakeNormal(CLI::App& bake, BakeNormalCommand& command)
+{
+    CLI::App& app = *bake.add_subcommand("normal", "bake a height image into a normal map");
+    app.add_option("IMAGE", command.image, "height image")->required()->type_name("");
+    addImageFile(app, command.output);
+    addNumber(app, "--bump-amount", command.options.bumpAmount,
+              "strength of the relief; 0 (default) leaves the slopes as they are");
+    addNumbers(app, "--real-world-scale", command.options.realWorldScale.data(), 2,
+               "size of the image in the world (default 1 1)");
+    addNumbers(app, "--bump-scale", command.options.bumpScale.data(), 2,
+               "further factors along x and y (default 1 1)");
+}
+
+void defineBakeNoise(CLI::App& bake, BakeNoiseCommand& command)
+{
+    MaterialTranslation::NoiseBakeOptions& options = command.options;
+    options.size = 1.0F;
+    options.thresholdHigh = 1.0F;
+    options.levels = 1.0F;
+    const auto useColors = [&command](const std::string&) { command.inColor = true; };
+    const Range<int> pixels{1, largestImage};
+
+    CLI::App& app = *bake.add_subcommand("noise", "bake gradient noise into an image");
+    addImageFile(app, command.output);
+    addNumber(app, "--resolution", command.resolution, "width and height in pixels", pixels);
+    addNumber(app, "--width", options.width, "width, when it is not the resolution", pixels);
+    addNumber(app, "--height", options.height, "height, when it is not the resolution", pixels);
+    app.add_option("--type", options.type,
+                   "noise_regular (default), noise_fractal or noise_turbulence")
+        ->check(CLI::IsMember({"noise_regular", "noise_fractal", "noise_turbulence"}))
+        ->type_name("TYPE");
+    addNumbers(app, "--color1", command.color1.data(), 3, "colour where the noise is 0 (black)")
+        ->each(useColors);
+    addNumbers(app, "--color2", command.color2.data(), 3, "colour where the noise is 1 (white)")
+        ->each(useColors);
+    addNumber(app, "--size", options.size, "the image is 100 / size cells wide (default 1)");
+    addNumber(app, "--threshold-low", options.thresholdLow, "noise below is 0 (default 0)");
+    addNumber(app, "--threshold-high", options.thresholdHigh, "noise above is 1 (default 1)");
+    addNumber(app, "--levels", options.levels, "octaves of fractal and turbulence (default 1)");
+    addNumber(app, "--phase", options.phase, "place on the noise's fourth axis (default 0)");
+}
+
+/// What CLI11 does not check.
+void checkSize(const BakeNoiseCommand& command)
+{
+    if (command.resolution == 0 && (command.options.width == 0 || command.options.height == 0))
+        throw CLI::RequiredError("--resolution, or --width and --height");
+}
+
+/// A command that does not exist is told by its name, not as one that is missing.
+void checkCommandName(const CLI::App& app, int count, const char* const* arguments)
+{
+    const std::string name = count > 1 ? arguments[1] : "-";
+    if (name.front() != '-' &&
+        app.get_subcommands([&name](const CLI::App* c) { return c->check_name(name); }).empty())
+        throw CLI::ExtrasError("vyr-mtlx", {name});
 }
 
 /// CLI11 tells help, version and mistakes apart by exceptions.
@@ -120,12 +187,20 @@ Request parseCommandLine(int count, const char* const* arguments)
     ConvertCommand convert;
     OverlayCommand overlay;
     ListCommand list;
+    BakeNormalCommand normal;
+    BakeNoiseCommand noise;
     defineConvert(app, convert);
     defineOverlay(app, overlay);
     defineList(app, list);
+    CLI::App& bake = *app.add_subcommand("bake", "bake images")->require_subcommand(1);
+    defineBakeNormal(bake, normal);
+    defineBakeNoise(bake, noise);
     try
     {
+        checkCommandName(app, count, arguments);
         app.parse(count, arguments);
+        if (bake.got_subcommand("noise"))
+            checkSize(noise);
     }
     catch (const CLI::ParseError& outcome)
     {
@@ -135,7 +210,11 @@ Request parseCommandLine(int count, const char* const* arguments)
         return convert;
     if (app.got_subcommand("overlay"))
         return overlay;
-    return list;
+    if (app.got_subcommand("list"))
+        return list;
+    if (bake.got_subcommand("normal"))
+        return normal;
+    return noise;
 }
 
 } // namespace vyr::cli

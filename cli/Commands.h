@@ -1,10 +1,10 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <string>
 #include <vector>
 
+#include <MaterialTranslation/Bakes.h>
 #include <MaterialTranslation/ConverterOptions.h>
 
 #include "ExitStatus.h"
@@ -46,8 +46,31 @@ struct ListCommand
     bool json = false;
 };
 
+/// What `vyr-mtlx bake normal` was asked for.
+struct BakeNormalCommand
+{
+    std::string image;
+    std::string output;
+    MaterialTranslation::NormalBakeOptions options;
+};
+
+/// What `vyr-mtlx bake noise` was asked for.
+struct BakeNoiseCommand
+{
+    std::string output;
+    /// Width and height in pixels, where `options` has none; 0: none either.
+    int resolution = 0;
+    /// The colours count when one of them was given.
+    bool inColor = false;
+    std::array<float, 3> color1{0.0F, 0.0F, 0.0F};
+    std::array<float, 3> color2{1.0F, 1.0F, 1.0F};
+    MaterialTranslation::NoiseBakeOptions options;
+};
+
 ExitStatus run(const ConvertCommand& command);
 ExitStatus run(const OverlayCommand& command);
 ExitStatus run(const ListCommand& command);
+ExitStatus run(const BakeNormalCommand& command);
+ExitStatus run(const BakeNoiseCommand& command);
 
 } // namespace vyr::cli

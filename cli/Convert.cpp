@@ -10,6 +10,7 @@
 
 #include <MaterialXCore/Document.h>
 
+#include <MaterialTranslation/Bakes.h>
 #include <MaterialTranslation/DocumentIO.h>
 #include <MaterialTranslation/MaterialXConverter.h>
 
@@ -114,8 +115,13 @@ ExitStatus convertAll(const ConvertCommand& command, const std::vector<Task>& ta
 {
     const std::size_t workers = workersFor(command, tasks.size());
     const Converters converters = makeConverters(command, folder, workers);
+    // Side by side with other materials a bake is not to take all cores.
+    const MaterialTranslation::BakeSettings bakes{.limits = {}, .threads = workers > 1 ? 1 : 0};
     const Work work = [&](std::size_t worker, std::size_t step)
-    { return convert(*converters[worker], tasks[step], folder, command.absolutePaths); };
+    {
+        MaterialTranslation::setBakeSettings(bakes);
+        return convert(*converters[worker], tasks[step], folder, command.absolutePaths);
+    };
 
     Delivery delivery(command, tasks);
     const Deliver deliver = [&delivery](std::size_t step, const Outcome& outcome)

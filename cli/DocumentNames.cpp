@@ -50,11 +50,16 @@ std::filesystem::path documentFile(const std::string& name)
     return pathFromUtf8(name + ".mtlx");
 }
 
-bool isDocumentName(const std::string& name)
+std::string documentName(const std::string& text)
 {
-    const auto isPart = [](char c)
-    { return isDigit(c) || c == '_' || (toLower(c) >= 'a' && toLower(c) <= 'z'); };
-    return !name.empty() && !isDigit(name.front()) && std::ranges::all_of(name, isPart);
+    std::string name;
+    for (const char c : text)
+    {
+        const bool isLetter = toLower(c) >= 'a' && toLower(c) <= 'z';
+        if (isLetter || isDigit(c))
+            name += c;
+    }
+    return !name.empty() && isDigit(name.front()) ? "M" + name : name;
 }
 
 } // namespace vyr::cli

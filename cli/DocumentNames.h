@@ -25,8 +25,8 @@ class DocumentNames
 /// The file name of a document.
 std::filesystem::path documentFile(const std::string& name);
 
-/// Whether the name can be the base of a document's element names: ASCII letters, digits and "_",
-/// not starting with a digit.
-bool isDocumentName(const std::string& name);
+/// A name for a document from any text, by the rule of material names: the ASCII letters and digits
+/// of the text, with "M" before a leading digit; empty when it has none.
+std::string documentName(const std::string& text);
 
 } // namespace vyr::cli

@@ -9,7 +9,8 @@ namespace vyr::cli
 void catchStopRequests();
 
 /// To be called before the first file is written. From now on a request to stop ends nothing by
-/// itself: what is in hand is finished whole, and nothing new begun.
+/// itself: what is in hand is finished whole, and nothing new begun. Asked again a while later, the
+/// program ends at once.
 void finishBeforeStopping();
 
 /// Whether the program was asked to stop.

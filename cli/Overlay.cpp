@@ -55,22 +55,21 @@ bool convert(mt::MaterialXConverter& converter, const std::string& name, mt::Con
     return converter.Convert(info, document);
 }
 
-bool convert(mt::MaterialXConverter& converter, const assetlib::Overlay& overlay, Text& document)
+bool convert(mt::MaterialXConverter& converter, const assetlib::Overlay& overlay,
+             const std::string& name, Text& document)
 {
     if (const auto* decal = std::get_if<assetlib::Decal>(&overlay.content))
-        return convert(converter, overlay.name, mt::ConversionType::Decal, toInfo(*decal),
-                       document);
-    return convert(converter, overlay.name, mt::ConversionType::Thread,
+        return convert(converter, name, mt::ConversionType::Decal, toInfo(*decal), document);
+    return convert(converter, name, mt::ConversionType::Thread,
                    toInfo(std::get<assetlib::Thread>(overlay.content)), document);
 }
 
-/// Why an overlay cannot have the document of its name; empty when it can.
-std::string refusalOf(const assetlib::Overlay& overlay, DocumentNames& names)
+/// Why an overlay cannot have the document of that name; empty when it can.
+std::string refusalOf(const assetlib::Overlay& overlay, const std::string& name,
+                      DocumentNames& names)
 {
-    if (!isDocumentName(overlay.name))
-        return "the name must consist of ASCII letters, digits and \"_\" and not start with a "
-               "digit";
-    return names.claim(overlay.name, subjectOf(overlay) + " of " + overlay.file);
+    return name.empty() ? "the name has no ASCII letter or digit"
+                        : names.claim(name, subjectOf(overlay) + " of " + overlay.file);
 }
 
 std::vector<Warning> warningsOf(const assetlib::Overlay& overlay, const Source& source)
@@ -99,14 +98,14 @@ void write(const std::string& document, const std::filesystem::path& file, Outco
 }
 
 Outcome convert(mt::MaterialXConverter& converter, const assetlib::Overlay& overlay,
-                const std::filesystem::path& file)
+                const std::string& name, const OutputFolder& folder)
 {
     Outcome outcome;
     Text document;
     std::string reason = "the library cannot build it";
     try
     {
-        outcome.converted = convert(converter, overlay, document);
+        outcome.converted = convert(converter, overlay, name, document);
     }
     catch (const std::exception& error)
     {
@@ -114,7 +113,7 @@ Outcome convert(mt::MaterialXConverter& converter, const assetlib::Overlay& over
     }
     addDiagnostics(outcome);
     if (outcome.converted)
-        write(document.text(), file, outcome);
+        write(document.text(), folder.shown / documentFile(name), outcome);
     else if (outcome.message.empty())
         outcome.message = reason;
     return outcome;
@@ -142,9 +141,10 @@ ExitStatus run(const OverlayCommand& command)
         if (stopRequested())
             return ExitStatus::Interrupted;
         Outcome outcome;
-        outcome.message = refusalOf(overlay, names);
+        const std::string name = documentName(overlay.name);
+        outcome.message = refusalOf(overlay, name, names);
         if (outcome.message.empty())
-            outcome = convert(converter, overlay, folder->shown / documentFile(overlay.name));
+            outcome = convert(converter, overlay, name, *folder);
         for (Warning& warning : warningsOf(overlay, *source))
             outcome.warnings.push_back(std::move(warning));
         complainAsIs(messageLines(overlay.file, subjectOf(overlay), outcome));

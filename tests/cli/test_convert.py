@@ -1,0 +1,260 @@
+"""What a conversion writes, prints and reports."""
+
+import json
+import struct
+import unittest
+import xml.etree.ElementTree as ElementTree
+import zlib
+
+from support import BROKEN, GREY, MISSPELT, ToolTest, material
+
+
+def png():
+    """A picture of one grey pixel."""
+
+    def chunk(kind, data):
+        body = kind + data
+        return struct.pack(">I", len(data)) + body + struct.pack(">I", zlib.crc32(body))
+
+    header = struct.pack(">IIBBBBB", 1, 1, 8, 0, 0, 0, 0)
+    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(b"\0\x80")) + chunk(b"IEND", b"")
+
+
+def textured(identifier, name, path):
+    bitmap = {
+        "schema": "UnifiedBitmapSchema",
+        "properties": {"unifiedbitmap_Bitmap": {"type": "uri", "value": str(path)}},
+    }
+    return material(identifier, name, {"generic_diffuse": {"type": "color", "value": [1, 1, 1], "connected": bitmap}})
+
+
+class Convert(ToolTest):
+    def test_documents(self):
+        self.library(material("m-1", "Brick Wall"), material("m-2", "3D Grid"), file="a.json")
+        self.library(material("m-3", "\u58c1"), file="b.json")
+        result = self.convert("b.json", "a.json")
+        names = ["XID__m3", "BrickWall", "M3DGrid"]
+        self.assertEqual(result.stdout.splitlines(), [f"out/{name}.mtlx" for name in names])
+        self.assertEqual(result.stderr, "")
+        for name in names:
+            root = ElementTree.fromstring(self.written()[name + ".mtlx"])
+            self.assertEqual(root.get("version"), "1.39")
+            self.assertEqual([node.get("name") for node in root.iter("surfacematerial")], [name])
+
+    def test_options_reach_the_converter(self):
+        self.library(material("m-1", "Wall", {**GREY, "generic_glossiness": 0.5}))
+        plain = self.convert("lib.json") and self.written()["Wall.mtlx"]
+        for options, expected in [
+            (["--look"], b"<look "),
+            (["--color-mode", "-3"], b"0.5, 0.5, 0.5"),
+            (["--roughness-mode", "1"], b'value="0.155'),
+        ]:
+            self.convert("lib.json", *options)
+            self.assertNotIn(expected, plain)
+            self.assertIn(expected, self.written()["Wall.mtlx"])
+        self.assertEqual(self.convert("lib.json", "--id-names").stdout, "out/XID_Wall_m1.mtlx\n")
+        self.assertIn("generic_glossiness", self.convert("lib.json", "--verbose").stdout)
+        self.assertNotIn("generic_glossiness", self.convert("lib.json").stdout)
+        self.convert("lib.json", "--legacy", status=1)
+
+    def test_a_failed_material(self):
+        self.library(material("mat-1", "Good"), material("mat-3", "Bad", BROKEN), material("mat-4", "Last"))
+        (self.folder / "out").mkdir()
+        (self.folder / "out/Bad.mtlx").write_text("of an earlier run")
+        result = self.convert("lib.json", status=1)
+        self.assertEqual(
+            result.stderr, 'lib.json: material "mat-3" (GenericSchema): ePropertyType_Scalar: generic_glossiness\n'
+        )
+        self.assertEqual(result.stdout, "out/Good.mtlx\nout/Last.mtlx\n")
+        self.assertEqual(sorted(self.written()), ["Bad.mtlx", "Good.mtlx", "Last.mtlx"])
+        self.assertEqual(self.written()["Bad.mtlx"], b"of an earlier run")
+
+    def test_warnings_and_strict(self):
+        self.library(material("m", "Wall", MISSPELT))
+        for options, status in ([], 0), (["--strict"], 1):
+            result = self.convert("lib.json", *options, status=status)
+            self.assertRegex(result.stderr, r'^lib.json: warning: material "m" \(GenericSchema\): .*: generic_difuse\n$')
+            self.assertEqual(list(self.written()), ["Wall.mtlx"])
+        self.library(material("m", "Wall"))
+        self.convert("lib.json", "--strict")
+
+    def test_report(self):
+        self.library(material("a", "One", MISSPELT), material("b", "Two", BROKEN), material("c", "one"))
+        self.convert("lib.json", "--report", "report.json", status=1)
+        one, two, three = self.report()
+        warning = one["warnings"].pop()
+        self.assertEqual((warning["code"], warning["property"]), ("property-unread", "generic_difuse"))
+        self.assertTrue(warning["text"])
+        same = {"schema": "GenericSchema", "file": "lib.json", "textures": [], "warnings": []}
+        failed = {**same, "status": "failed", "document": None}
+        converted = {**same, "status": "converted", "document": "out/One.mtlx", "message": None}
+        self.assertEqual(one, {"id": "a", "name": "One", **converted})
+        self.assertEqual(two, {"id": "b", "name": "Two", **failed, "message": "ePropertyType_Scalar: generic_glossiness"})
+        for part in ('"one"', 'material "a" (GenericSchema) of lib.json', "--id-names"):
+            self.assertIn(part, three.pop("message"))
+            three["message"] = self.report()[2]["message"]
+
+    def test_names_that_cannot_be(self):
+        self.library(material("a", "Con"), material("b", "Lpt-1"), material("c", "Com0"), file="a.json")
+        self.library(material("x", "COM 0"), material("y", "Console"), file="b.json")
+        result = self.convert("a.json", "b.json", status=1)
+        self.assertEqual(sorted(self.written()), ["Com0.mtlx", "Console.mtlx"])
+        lines = result.stderr.splitlines()
+        self.assertEqual([line.split('"')[1] for line in lines], ["a", "b", "x"])
+        self.assertIn('material "c" (GenericSchema) of a.json', lines[2])
+        for line in lines:
+            self.assertIn("--id-names", line)
+        self.convert("a.json", "b.json", "--id-names")
+        # Cleaning can make one name of two identifiers.
+        self.library(material("a.b", "Wall"), material("ab", "Wall"))
+        self.assertIn("even with --id-names", self.convert("lib.json", "--id-names", status=1).stderr)
+
+    def test_selection_keeps_the_input_order(self):
+        self.library(*(material(i, "Name " + i) for i in "abcd"))
+        result = self.convert("--asset", "c", "lib.json", "--asset=a", "--asset", "c")
+        self.assertEqual(result.stdout, "out/Namea.mtlx\nout/Namec.mtlx\n")
+
+    def test_jobs_change_nothing(self):
+        kinds = [GREY, BROKEN, MISSPELT]
+        self.library(*(material(f"m{i}", f"Wall {i % 97}", kinds[i % 3]) for i in range(120)))
+        runs = []
+        for jobs in 1, 2, 7:
+            result = self.convert("lib.json", "--jobs", jobs, "--report", "report.json", status=1)
+            runs.append((result.stdout, result.stderr, self.written(), self.report()))
+        self.assertEqual(len(runs[0][2]), 65)
+        self.assertEqual(runs[0], runs[1])
+        self.assertEqual(runs[0], runs[2])
+
+    def test_nothing_to_convert(self):
+        self.library()
+        self.assertIn("0 converted", self.tool("convert", "lib.json", "-o", "out").stderr)
+
+
+class Images(ToolTest):
+    def image(self, path):
+        path = self.folder / path
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_bytes(png())
+        return path.resolve()
+
+    def test_paths_inside_the_output_folder_are_relative(self):
+        inside = self.image("out/maps/brick 50%.png")
+        outside = self.image("outer/brick.png")
+        self.library(textured("a", "Inside", inside), textured("b", "Outside", "outer/brick.png"))
+        for options, first in ([], "maps/brick 50%.png"), (["--absolute-paths"], inside.as_posix()):
+            self.convert("lib.json", "--report", "report.json", *options)
+            self.assertEqual([entry["textures"] for entry in self.report()], [[first], [outside.as_posix()]])
+            self.assertIn(f'value="{first}"'.encode(), self.written()["Inside.mtlx"])
+        # The same folder by another way: through a link, and with a step up.
+        (self.folder / "link").symlink_to("out")
+        self.tool("convert", "lib.json", "-o", "outer/../link", "--report", "report.json", "-q")
+        self.assertEqual(self.report()[0]["textures"], ["maps/brick 50%.png"])
+
+    def test_gathered_images_are_relative(self):
+        source = self.image("outer/brick.png")
+        self.library(textured("a", "Wall", source))
+        self.convert("lib.json", "--copy-textures", "--report", "report.json")
+        self.assertEqual(self.report()[0]["textures"], ["Wall/brick.png"])
+        self.assertEqual(self.written()["Wall/brick.png"], source.read_bytes())
+
+    def test_texture_folders(self):
+        found = self.image("far/brick.png")
+        self.library(textured("a", "Wall", "brick.png"))
+        self.convert("lib.json", "--texture-path", "far", "--report", "report.json")
+        self.assertEqual(self.report()[0]["textures"], [found.as_posix()])
+
+    def test_warnings_of_loading_join_the_material(self):
+        self.image("Brick.PNG")
+        if (self.folder / "brick.png").exists():
+            self.skipTest("the file system does not tell upper from lower case")
+        shared = {"schema": "UnifiedBitmapSchema", "id": "t",
+                  "properties": {"unifiedbitmap_Bitmap": {"type": "uri", "value": "brick.png"}}}
+        user = {"generic_diffuse": {"type": "color", "value": [1, 1, 1], "connected": "t"}}
+        self.library(material("a", "Plain"), material("b", "Wall", user), textures=[shared])
+        self.convert("lib.json", "--report", "report.json")
+        plain, wall = self.report()
+        self.assertEqual(plain["warnings"], [])
+        self.assertIn(("texture-case-differs", "unifiedbitmap_Bitmap"),
+                      [(warning["code"], warning["property"]) for warning in wall["warnings"]])
+
+
+class ListAndOverlay(ToolTest):
+    def setUp(self):
+        super().setUp()
+        self.library(
+            textured("m-1", "Brick Wall", "b.png"), material("w\u00e4nd\n", "Wand"), file="lib.json",
+            overlays=[{"name": "Logo", "type": "decal", "texture": {"path": "logo.png"}},
+                      {"name": "logo!", "type": "thread"}, {"name": "?", "type": "decal"}],
+        )
+
+    def test_list(self):
+        lines = self.tool("list", "lib.json").stdout.splitlines()
+        self.assertEqual([line.split() for line in lines], [
+            ["ID", "NAME", "SCHEMA", "TEXTURES"],
+            ["m-1", "BrickWall", "GenericSchema", "b.png"],
+            ["w\u00e4nd\\n", "Wand", "GenericSchema"],
+            ["-", "Logo", "(decal)", "logo.png"], ["-", "logo!", "(thread)"], ["-", "?", "(decal)"]])
+        self.assertEqual({line.index("GenericSchema") for line in lines[1:3]}, {lines[0].index("SCHEMA")})
+
+    def test_list_as_json(self):
+        content = json.loads(self.tool("list", "lib.json", "--json").stdout)
+        self.assertEqual(content["materials"][0], {
+            "id": "m-1", "name": "BrickWall", "schema": "GenericSchema", "file": "lib.json", "textures": ["b.png"]})
+        self.assertEqual(content["overlays"][0], {
+            "name": "Logo", "type": "decal", "file": "lib.json", "textures": ["logo.png"]})
+
+    def test_overlays_without_a_builder_fail_clearly(self):
+        result = self.tool("overlay", "lib.json", "--output", "out", status=1)
+        first, second, third = result.stderr.splitlines()
+        self.assertRegex(first, r'^lib.json: overlay "Logo" \(decal\): .+')
+        self.assertIn('overlay "Logo" (decal) of lib.json', second)
+        self.assertIn("no ASCII letter or digit", third)
+        self.assertEqual((result.stdout, self.written()), ("", {}))
+
+
+class Bake(ToolTest):
+    def size(self, file):
+        """Width, height and number of channels of a PNG image."""
+        width, height, _, kind = struct.unpack(">IIBB", (self.folder / file).read_bytes()[16:26])
+        return width, height, {0: 1, 2: 3}[kind]
+
+    def test_noise_and_its_normal_map(self):
+        for options, size in [
+            (["--resolution", 16], (16, 16, 1)),
+            (["--resolution", 16, "--width", 8], (8, 16, 1)),
+            (["--width", 8, "--height", 4, "--color2", 1, 0, 0], (8, 4, 3)),
+        ]:
+            self.assertEqual(self.tool("bake", "noise", "-o", "noise.png", *options).stdout, "noise.png\n")
+            self.assertEqual(self.size("noise.png"), size)
+        self.tool("bake", "noise", "-o", "noise.png", "--resolution", 32)
+        plain = (self.folder / "noise.png").read_bytes()
+        # Not black or white only, as thresholds of 0 would make it.
+        self.assertGreater(len(set(zlib.decompress(plain[plain.index(b"IDAT") + 4 :]))), 50)
+        for option, *values in [
+            ("--type", "noise_turbulence"), ("--size", 3), ("--threshold-low", 0.5), ("--threshold-high", 0.5),
+            ("--phase", "-1.5e-1"), ("--color1", 0, 0, 1),
+        ]:
+            self.tool("bake", "noise", "-o", "other.png", "--resolution", 32, option, *values)
+            self.assertNotEqual((self.folder / "other.png").read_bytes(), plain, option)
+        maps = set()
+        for amount, *options in (0.25,), (-0.25,), (0.25, "--real-world-scale", 2, 1), (0.25, "--bump-scale", 1, 0.5):
+            self.tool("bake", "normal", "noise.png", "-o", "map.png", "--bump-amount", amount, *options)
+            self.assertEqual(self.size("map.png"), (32, 32, 3))
+            maps.add((self.folder / "map.png").read_bytes())
+        self.assertEqual(len(maps), 4)
+
+    def test_failures(self):
+        (self.folder / "text.png").write_text("no picture")
+        before = self.written(".")
+        for message, *arguments in [
+            ("text.png", "normal", "text.png", "-o", "out.png"),
+            ("nowhere", "noise", "--resolution", 8, "-o", "nowhere/out.png"),
+            ("out.xyz", "noise", "--resolution", 8, "-o", "out.xyz"),
+        ]:
+            result = self.tool("bake", *arguments, status=1)
+            self.assertIn(message, result.stderr)
+            self.assertEqual((result.stdout, self.written(".")), ("", before))
+
+
+if __name__ == "__main__":
+    unittest.main()

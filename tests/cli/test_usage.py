@@ -1,0 +1,114 @@
+"""Wrong usage and unreadable input: exit status 2, a message, and nothing written."""
+
+import unittest
+
+from support import ToolTest, material
+
+
+class Usage(ToolTest):
+    def setUp(self):
+        super().setUp()
+        self.library(material("a", "Wall"))
+
+    def refused(self, message, *arguments):
+        before = self.written(".")
+        with self.subTest(arguments):
+            result = self.tool(*arguments, status=2)
+            self.assertEqual(result.stdout, "")
+            self.assertIn(message, result.stderr)
+            self.assertEqual(self.written("."), before)
+            self.assertFalse((self.folder / "out").exists())
+
+    def test_wrong_arguments(self):
+        self.refused("subcommand is required")
+        self.refused("bogus", "bogus")
+        self.refused("--output is required", "convert", "lib.json")
+        self.refused("FILE is required", "convert", "--output", "out")
+        self.refused("FILE is required", "list")
+        for message, option in [
+            ("--bogus", "--bogus"),
+            ("--output", "--output=other"),
+            ("--report", "--report="),
+            ("--asset", "--asset="),
+            ('looks like an option ("./-x"', "--report=-x"),
+            ("--texture-path", "--texture-path="),
+            ("--jobs", "--jobs=0"),
+            ("--jobs", "--jobs=1025"),
+            ("--jobs", "--jobs=nan"),
+            ("--jobs", "--jobs=1.5"),
+            ("--jobs", "--jobs=-1"),
+            ("--jobs", "--jobs="),
+            ("--image-size", "--image-size=0"),
+            ("--image-size", "--image-size=99999999999999999999"),
+            ("--color-mode", "--color-mode=2x"),
+            ("--color-mode", "--color-mode=0x2"),
+            ("--roughness-mode", "--roughness-mode=3000000000"),
+        ]:
+            self.refused(message, "convert", "lib.json", "--output", "out", option)
+        for output in ("--output=-x", "--output=", "-o-x"):
+            self.refused("--output", "convert", "lib.json", output)
+        for message, *arguments in [
+            ("subcommand is required",),
+            ("--resolution, or --width and --height", "noise", "--width", 8),
+            ("--resolution", "noise", "--resolution", 0),
+            ("--resolution", "noise", "--resolution", 16385),
+            ("--phase", "noise", "--resolution", 8, "--phase", "inf"),
+            ("--phase", "noise", "--resolution", 8, "--phase", "1e99"),
+            ("--color1", "noise", "--resolution", 8, "--color1", 1, 0),
+            ("--type", "noise", "--resolution", 8, "--type", "white"),
+            ("--bump-scale", "normal", "lib.json", "--bump-scale", 1),
+            ("IMAGE is required", "normal"),
+            ("missing.png: ", "normal", "missing.png"),
+            (".: ", "normal", "."),
+        ]:
+            self.refused(message, "bake", *arguments, "--output", "out.png")
+
+    def test_unreadable_input(self):
+        (self.folder / "truncated.json").write_text('{"assetLibrary": 1, "materials": [')
+        (self.folder / "latin.json").write_bytes(b'{"assetLibrary": 1, "$schema": "\xe9"}')
+        self.library({"schema": "GenericSchema"}, material("a", "Wall"), file="twice.json")
+        for message, files in [
+            ("missing.json: ", ["missing.json"]),
+            (".: ", ["."]),
+            ("truncated.json:1:", ["truncated.json"]),
+            ("latin.json:", ["lib.json", "latin.json"]),
+            ("twice.json: /materials/0", ["twice.json"]),
+            ("twice.json: /materials/1", ["lib.json", "twice.json"]),
+        ]:
+            for command in (["convert", "--output", "out"], ["overlay", "--output", "out"], ["list"]):
+                self.refused(message, *command, *files)
+
+    def test_all_errors_are_told(self):
+        result = self.tool("list", "missing.json", "lib.json", "lost.json", status=2)
+        self.assertEqual([line.split(":")[0] for line in result.stderr.splitlines()], ["missing.json", "lost.json"])
+
+    def test_places_that_cannot_be_written(self):
+        (self.folder / "file").touch()
+        (self.folder / "docs").mkdir()
+        self.library(material("a", "Wall"), file="docs/Wall.mtlx")
+        for message, *arguments in [
+            ("file: ", "lib.json", "--output", "file"),
+            ("file/below: ", "lib.json", "--output", "file/below"),
+            ("it is a folder", "lib.json", "--output", "out", "--report", "docs"),
+            ("no such folder", "lib.json", "--output", "out", "--report", "missing/report.json"),
+            ("it is an input file", "lib.json", "--output", "out", "--report", "docs/../lib.json"),
+            ("would replace the report", "lib.json", "--output", "out", "--report", "./out/Wall.mtlx"),
+            ("would replace an input file", "docs/Wall.mtlx", "--output", "docs"),
+            ('"nope"', "lib.json", "--output", "out", "--asset", "a", "--asset", "nope"),
+        ]:
+            self.refused(message, "convert", *arguments)
+
+    def test_help_and_version(self):
+        self.assertRegex(self.tool("--version").stdout, r"^vyr-mtlx \d+\.\d+\.\d+\n$")
+        self.assertIn("convert", self.tool("--help").stdout)
+        for command in ("convert", "overlay", "list"):
+            self.assertIn("FILE", self.tool(command, "--help").stdout)
+
+    def test_names_that_look_like_options(self):
+        self.library(material("-a", "Odd"), file="-x.json")
+        self.tool("convert", "--output", "./-out", "--asset=-a", "--", "-x.json")
+        self.assertEqual(list(self.written("./-out")), ["Odd.mtlx"])
+
+
+if __name__ == "__main__":
+    unittest.main()
