@@ -16,9 +16,8 @@
 /// nothing new is left. Nothing is thrown. The pixels are the same on every machine and for every thread count.
 /// Functions may be called from several threads at once, with different destinations.
 ///
-/// The extension of the destination names its format: png, tif, exr, tga, bmp, hdr, webp, sgi, or those of
-/// the pnm family. EXR and TIFF hold the 32-bit floats as they are baked, the others what they can: PNG 8 bits
-/// a channel. JPEG is refused: its loss shows in the shading, and its writer may end the process on an error.
+/// The extension of the destination names its format: png, tif, tiff, exr, tga, bmp, hdr, webp, sgi or pfm.
+/// EXR, TIFF and PFM hold the 32-bit floats as they are baked, the others what they can: PNG 8 bits a channel. JPEG is refused: its loss shows in the shading, and its writer may end the process on an error.
 namespace vyr::MaterialTranslation
 {
 

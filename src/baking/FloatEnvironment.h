@@ -13,14 +13,14 @@ class FloatEnvironment
   public:
     FloatEnvironment()
     {
-        std::fegetenv(&m_saved);
+        std::fegetenv(&_saved);
         std::fesetenv(FE_DFL_ENV);
     }
-    ~FloatEnvironment() { std::fesetenv(&m_saved); }
+    ~FloatEnvironment() { std::fesetenv(&_saved); }
     FloatEnvironment(const FloatEnvironment&) = delete;
     FloatEnvironment& operator=(const FloatEnvironment&) = delete;
 
   private:
-    std::fenv_t m_saved{};
+    std::fenv_t _saved{};
 };
 } // namespace vyr::MaterialTranslation::baking

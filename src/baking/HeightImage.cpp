@@ -215,9 +215,12 @@ HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits
     checkShape(path, image.source, limits);
     const OIIO::ImageSpec spec(image.source.width, image.source.height, 1, OIIO::TypeFloat);
     image.heights = uninitializedImage("heightmap_float", spec);
-    if (!input->read_image(0, 0, 0, 1, OIIO::TypeFloat, image.heights.localpixels()))
+    const bool whole = input->read_image(0, 0, 0, 1, OIIO::TypeFloat, image.heights.localpixels());
+    // The reader of TIFF returns true although strips are missing.
+    const std::string error = input->geterror();
+    if (!whole || !error.empty())
     {
-        throw BakeError(fmt::format("{}: {}", utf8(path), reason(input->geterror())));
+        throw BakeError(fmt::format("{}: {}", utf8(path), reason(error)));
     }
     return image;
 }

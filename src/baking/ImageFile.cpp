@@ -15,46 +15,23 @@
 #include <cstddef>
 #include <iterator>
 #include <memory>
-#include <string_view>
+#include <string>
 
 namespace vyr::MaterialTranslation::baking
 {
 namespace
 {
-constexpr const char* kWritableFormats[] = {"png", "tiff", "openexr", "targa", "bmp",
-                                            "hdr", "webp", "sgi",     "pnm"};
+/// Of the pnm family only pfm: the image library would write floats under the other extensions too.
+constexpr const char* kExtensions[] = {".png", ".tif", ".tiff", ".exr", ".tga",
+                                       ".bmp", ".hdr", ".webp", ".sgi", ".pfm"};
 
-/// OpenImageIO's name of the format that the extension stands for; empty when it is none.
-std::string formatOfExtension(const std::filesystem::path& destination)
-{
-    const auto output = OIIO::ImageOutput::create("image" + utf8(destination.extension()));
-    if (!output)
-    {
-        OIIO::geterror();
-        return {};
-    }
-    return output->format_name();
-}
+constexpr const char* kJpegExtensions[] = {".jpg", ".jpeg", ".jpe", ".jfif", ".jfi", ".jif"};
 
-std::string writableFormat(const std::filesystem::path& destination)
+template <std::size_t kCount> bool isOneOf(const std::string& text,
+                                           const char* const (&list)[kCount])
 {
-    std::string format = formatOfExtension(destination);
-    if (format == "jpeg")
-    {
-        throw BakeError(
-            fmt::format("{}: baked images are not written as JPEG, whose loss would show in "
-                        "the shading; write png, tif or exr",
-                        utf8(destination)));
-    }
-    if (std::find(std::begin(kWritableFormats), std::end(kWritableFormats), format) ==
-        std::end(kWritableFormats))
-    {
-        throw BakeError(
-            fmt::format("{}: the extension is none of png, tif, exr, tga, bmp, hdr, webp, "
-                        "sgi, ppm, pgm, pnm and pfm",
-                        utf8(destination)));
-    }
-    return format;
+    return std::any_of(std::begin(list), std::end(list),
+                       [&](const char* entry) { return OIIO::Strutil::iequals(text, entry); });
 }
 
 std::vector<unsigned char> encodeAsPng(const OIIO::ImageBuf& image, int threads)
@@ -79,18 +56,19 @@ std::vector<unsigned char> encodeAsPng(const OIIO::ImageBuf& image, int threads)
 }
 } // namespace
 
-std::vector<unsigned char> encodeImage(const char* format, const OIIO::ImageSpec& spec,
+std::vector<unsigned char> encodeImage(const std::string& name, OIIO::ImageSpec spec,
                                        OIIO::TypeDesc type, const void* pixels, int threads)
 {
+    // Without it some writers put in the time, and no two files were the same.
+    spec.attribute("DateTime", "");
     std::vector<unsigned char> bytes;
     OIIO::Filesystem::IOVecOutput memory(bytes);
-    const auto output = OIIO::ImageOutput::create(format);
+    const auto output = OIIO::ImageOutput::create(name);
     if (!output)
     {
         throw BakeError(OIIO::geterror());
     }
     output->threads(threads);
-    const std::string name = std::string("image.") + format;
     if (!output->set_ioproxy(&memory) || !output->open(name, spec) ||
         !output->write_image(type, pixels) || !output->close())
     {
@@ -101,18 +79,34 @@ std::vector<unsigned char> encodeImage(const char* format, const OIIO::ImageSpec
 
 void checkWritable(const std::filesystem::path& destination)
 {
-    writableFormat(destination);
+    const std::string extension = utf8(destination.extension());
+    if (isOneOf(extension, kJpegExtensions))
+    {
+        throw BakeError(
+            fmt::format("{}: baked images are not written as JPEG, whose loss would show "
+                        "in the shading; write png, tif or exr",
+                        utf8(destination)));
+    }
+    if (!isOneOf(extension, kExtensions))
+    {
+        throw BakeError(
+            fmt::format("{}: the extension is none of png, tif, tiff, exr, tga, bmp, hdr, "
+                        "webp, sgi and pfm",
+                        utf8(destination)));
+    }
 }
 
 void writeImage(const OIIO::ImageBuf& image, const std::filesystem::path& destination, int threads)
 {
-    const std::string format = writableFormat(destination);
+    checkWritable(destination);
+    const std::string extension = utf8(destination.extension());
     std::vector<unsigned char> bytes;
     try
     {
-        bytes = format == "png" ? encodeAsPng(image, threads)
-                                : encodeImage(format.c_str(), image.spec(), image.spec().format,
-                                              image.localpixels(), threads);
+        bytes = OIIO::Strutil::iequals(extension, ".png")
+                    ? encodeAsPng(image, threads)
+                    : encodeImage("image" + extension, image.spec(), image.spec().format,
+                                  image.localpixels(), threads);
     }
     catch (const BakeError& error)
     {

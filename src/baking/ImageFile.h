@@ -3,6 +3,7 @@
 #include <OpenImageIO/imagebuf.h>
 
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace vyr::MaterialTranslation::baking
@@ -11,11 +12,11 @@ namespace vyr::MaterialTranslation::baking
 ///
 /// OpenImageIO's writers do not report every failure to write, and one ends the process; in memory nothing fails.
 ///
-/// \param format  OpenImageIO's name of the format.
+/// \param name    Any name of a file; its extension says the format.
 /// \param type    Type of the pixels in memory; that in the file is the nearest to spec.format that it can hold.
 /// \param pixels  Rows without gaps.
 /// \throws BakeError with OpenImageIO's reason.
-std::vector<unsigned char> encodeImage(const char* format, const OIIO::ImageSpec& spec,
+std::vector<unsigned char> encodeImage(const std::string& name, OIIO::ImageSpec spec,
                                        OIIO::TypeDesc type, const void* pixels, int threads = 0);
 
 /// Writes a float image to the format that the extension names, at 32-bit float where the format has it, and

@@ -39,8 +39,8 @@ class NoiseStrip
 {
   public:
     NoiseStrip(const NoiseField& field, const KernelSet& kernels)
-        : m_field(field), m_kernels(kernels), m_phase(latticeAxis(field.phase)),
-          m_columns(static_cast<std::size_t>(field.octaves)), m_sums(kBandRows * kNoiseColumns)
+        : _field(field), _kernels(kernels), _phase(latticeAxis(field.phase)),
+          _columns(static_cast<std::size_t>(field.octaves)), _sums(kBandRows * kNoiseColumns)
     {
     }
 
@@ -48,9 +48,9 @@ class NoiseStrip
     {
         for (int i = 0; i < kNoiseColumns; ++i)
         {
-            const float along = noiseCoordinate(column + i, m_field.width, m_field.size);
+            const float along = noiseCoordinate(column + i, _field.width, _field.size);
             float frequency = 1.0F;
-            for (NoiseColumns& columns : m_columns)
+            for (NoiseColumns& columns : _columns)
             {
                 const NoiseAxis axis = latticeAxis(along * frequency);
                 columns.cell[i] = axis.cell;
@@ -64,43 +64,43 @@ class NoiseStrip
     /// Adds up at most kBandRows rows; row i of the result starts at i * kNoiseColumns.
     const float* sumRows(int yBegin, int yEnd)
     {
-        std::fill(m_sums.begin(), m_sums.end(), 0.0F);
+        std::fill(_sums.begin(), _sums.end(), 0.0F);
         float frequency = 1.0F;
-        for (const NoiseColumns& columns : m_columns)
+        for (const NoiseColumns& columns : _columns)
         {
             addOctave(columns, frequency, yBegin, yEnd);
             frequency *= 2.0F;
         }
-        return m_sums.data();
+        return _sums.data();
     }
 
   private:
     void addOctave(const NoiseColumns& columns, float frequency, int yBegin, int yEnd)
     {
-        NoiseOctaveRow row{0.0F, 0.0F, m_phase, 1.0F / frequency, m_field.absolute};
+        NoiseOctaveRow row{0.0F, 0.0F, _phase, 1.0F / frequency, _field.absolute};
         std::uint32_t cell = 0;
         for (int y = yBegin; y < yEnd; ++y)
         {
             const NoiseAxis axis =
-                latticeAxis(noiseCoordinate(y, m_field.height, m_field.size) * frequency);
+                latticeAxis(noiseCoordinate(y, _field.height, _field.size) * frequency);
             if (y == yBegin || axis.cell != cell)
             {
                 cell = axis.cell;
-                m_kernels.noiseGradients(columns, cell, m_phase, m_gradients);
+                _kernels.noiseGradients(columns, cell, _phase, _gradients);
             }
             row.fraction = axis.fraction;
             row.fade = axis.fade;
-            float* sums = m_sums.data() + static_cast<std::ptrdiff_t>(y - yBegin) * kNoiseColumns;
-            m_kernels.addNoiseOctave(m_gradients, columns, row, sums);
+            float* sums = _sums.data() + static_cast<std::ptrdiff_t>(y - yBegin) * kNoiseColumns;
+            _kernels.addNoiseOctave(_gradients, columns, row, sums);
         }
     }
 
-    const NoiseField& m_field;
-    const KernelSet& m_kernels;
-    NoiseAxis m_phase;
-    std::vector<NoiseColumns> m_columns;
-    NoiseGradients m_gradients;
-    std::vector<float> m_sums;
+    const NoiseField& _field;
+    const KernelSet& _kernels;
+    NoiseAxis _phase;
+    std::vector<NoiseColumns> _columns;
+    NoiseGradients _gradients;
+    std::vector<float> _sums;
 };
 } // namespace
 

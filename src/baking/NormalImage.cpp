@@ -39,43 +39,43 @@ SlopeStrength slopeStrength(const OIIO::ImageSpec& parameters, int width, int he
 class HeightReader
 {
   public:
-    explicit HeightReader(const OIIO::ImageBuf& image) : m_image(image)
+    explicit HeightReader(const OIIO::ImageBuf& image) : _image(image)
     {
         const OIIO::ImageSpec& spec = image.spec();
         const bool plain = image.localpixels() != nullptr && spec.format == OIIO::TypeFloat &&
                            image.pixel_stride() == static_cast<OIIO::stride_t>(sizeof(float));
         if (!plain)
         {
-            m_copies.resize(kCopies * static_cast<std::size_t>(spec.width));
+            _copies.resize(kCopies * static_cast<std::size_t>(spec.width));
         }
     }
 
     /// The row, valid until two other rows were asked for. Rows outside of the image are its border rows.
     const float* row(int y)
     {
-        const OIIO::ImageSpec& spec = m_image.spec();
+        const OIIO::ImageSpec& spec = _image.spec();
         y = std::clamp(y, 0, spec.height - 1);
-        if (m_copies.empty())
+        if (_copies.empty())
         {
-            return static_cast<const float*>(m_image.pixeladdr(spec.x, spec.y + y, spec.z));
+            return static_cast<const float*>(_image.pixeladdr(spec.x, spec.y + y, spec.z));
         }
         const auto slot = static_cast<std::size_t>(y) % kCopies;
-        float* copy = m_copies.data() + slot * static_cast<std::size_t>(spec.width);
-        if (m_rows[slot] != y)
+        float* copy = _copies.data() + slot * static_cast<std::size_t>(spec.width);
+        if (_rows[slot] != y)
         {
             const OIIO::ROI roi(spec.x, spec.x + spec.width, spec.y + y, spec.y + y + 1, spec.z,
                                 spec.z + 1, 0, 1);
-            m_image.get_pixels(roi, OIIO::TypeFloat, copy);
-            m_rows[slot] = y;
+            _image.get_pixels(roi, OIIO::TypeFloat, copy);
+            _rows[slot] = y;
         }
         return copy;
     }
 
   private:
     static constexpr std::size_t kCopies = 3;
-    const OIIO::ImageBuf& m_image;
-    std::vector<float> m_copies;
-    std::array<int, kCopies> m_rows{-1, -1, -1};
+    const OIIO::ImageBuf& _image;
+    std::vector<float> _copies;
+    std::array<int, kCopies> _rows{-1, -1, -1};
 };
 } // namespace
 

@@ -16,6 +16,7 @@ enum Filter : int
     kNone = 0x08,
     kUp = 0x20,
     kAverage = 0x40,
+    kPaeth = 0x80,
 };
 
 struct PngSetting
@@ -25,21 +26,22 @@ struct PngSetting
     int filter;
 };
 
-/// Fastest first. The first two are for photographs and noise, the third for smooth and flat pictures, the last
-/// two for patterns, where only a search for repetitions packs well.
+/// Fastest first: for photographs and noise, for smooth and flat pictures, and for patterns, where only a
+/// search for repetitions packs well.
 constexpr PngSetting kFastSettings[] = {
-    {"huffman", 6, kAverage}, {"rle", 6, kAverage}, {"rle", 6, kUp},
-    {nullptr, 4, kUp},        {nullptr, 4, kNone},
+    {"huffman", 6, kAverage}, {"huffman", 6, kPaeth}, {"rle", 6, kPaeth},
+    {nullptr, 4, kUp},        {nullptr, 5, kUp},      {nullptr, 6, kNone},
 };
 
-/// Strips of rows spread over the picture: long enough for what filters and packing look back at, and in all
-/// at most a 32nd of the rows.
-constexpr int kStrips = 4;
+/// The sample: strips of rows spread over the picture, each long enough for what filters and packing look
+/// back at, together few enough to cost little beside the whole.
+constexpr std::ptrdiff_t kMostStrips = 8;
+constexpr std::ptrdiff_t kStripRows = 4;
+constexpr std::ptrdiff_t kSampleShare = 16;
 constexpr std::ptrdiff_t kSamplePixels = 1 << 17;
-constexpr int kSampleShare = 32;
 
-/// How much larger than with the default setting the sample may be. What the default cannot pack well is large, so
-/// little is given away there; what it packs well is small either way.
+/// How much larger than with the default setting the sample may be. What the default cannot pack well is
+/// large, so little is given away there; what it packs well is small either way.
 constexpr std::size_t kWellPacked = 8; ///< to less than one in so many bytes
 constexpr std::size_t kPercentOfLarge = 103;
 constexpr std::size_t kPercentOfSmall = 120;
@@ -57,7 +59,7 @@ std::vector<unsigned char> encodeWith(const unsigned char* pixels, OIIO::ImageSp
             spec.attribute("compression", setting->strategy);
         }
     }
-    return encodeImage("png", spec, OIIO::TypeUInt8, pixels);
+    return encodeImage("image.png", spec, OIIO::TypeUInt8, pixels);
 }
 
 struct Sample
@@ -66,20 +68,23 @@ struct Sample
     std::vector<unsigned char> pixels;
 };
 
+/// Empty when the picture is so small that choosing is not worth it.
 Sample sampleOf(const unsigned char* pixels, const OIIO::ImageSpec& spec)
 {
-    const std::ptrdiff_t rows =
-        std::min<std::ptrdiff_t>(kSamplePixels / spec.width, spec.height / kSampleShare) / kStrips;
-    if (rows == 0)
+    const std::ptrdiff_t sampled =
+        std::min<std::ptrdiff_t>(kSamplePixels / spec.width, spec.height / kSampleShare);
+    const std::ptrdiff_t strips = std::min(sampled / kStripRows, kMostStrips);
+    if (strips == 0)
     {
         return {};
     }
+    const std::ptrdiff_t rows = sampled / strips;
     Sample sample{spec, {}};
-    sample.spec.height = sample.spec.full_height = static_cast<int>(rows * kStrips);
+    sample.spec.height = sample.spec.full_height = static_cast<int>(rows * strips);
     const std::ptrdiff_t rowBytes = static_cast<std::ptrdiff_t>(spec.width) * spec.nchannels;
-    for (std::ptrdiff_t strip = 0; strip < kStrips; ++strip)
+    for (std::ptrdiff_t strip = 0; strip < strips; ++strip)
     {
-        const std::ptrdiff_t y = (spec.height - rows) * (2 * strip + 1) / (2 * kStrips);
+        const std::ptrdiff_t y = (spec.height - rows) * (2 * strip + 1) / (2 * strips);
         const unsigned char* begin = pixels + y * rowBytes;
         sample.pixels.insert(sample.pixels.end(), begin, begin + rows * rowBytes);
     }

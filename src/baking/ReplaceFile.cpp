@@ -19,12 +19,12 @@ std::error_code lastError()
 class MachineFile : public NewFile
 {
   public:
-    explicit MachineFile(std::FILE* file) : m_file(file) {}
+    explicit MachineFile(std::FILE* file) : _file(file) {}
     ~MachineFile() override
     {
-        if (m_file != nullptr)
+        if (_file != nullptr)
         {
-            std::fclose(m_file);
+            std::fclose(_file);
         }
     }
     MachineFile(const MachineFile&) = delete;
@@ -33,22 +33,22 @@ class MachineFile : public NewFile
     std::error_code write(std::span<const unsigned char> bytes) override
     {
         errno = 0;
-        const bool whole = std::fwrite(bytes.data(), 1, bytes.size(), m_file) == bytes.size();
+        const bool whole = std::fwrite(bytes.data(), 1, bytes.size(), _file) == bytes.size();
         return whole ? std::error_code() : lastError();
     }
 
     std::error_code close() override
     {
         errno = 0;
-        const std::error_code flushed = std::fflush(m_file) == 0 ? std::error_code() : lastError();
+        const std::error_code flushed = std::fflush(_file) == 0 ? std::error_code() : lastError();
         errno = 0;
-        const bool closed = std::fclose(m_file) == 0;
-        m_file = nullptr;
+        const bool closed = std::fclose(_file) == 0;
+        _file = nullptr;
         return flushed || closed ? flushed : lastError();
     }
 
   private:
-    std::FILE* m_file;
+    std::FILE* _file;
 };
 
 class MachineFileSystem : public FileSystem

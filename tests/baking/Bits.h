@@ -44,13 +44,13 @@ class FlushedDenormals
 {
   public:
 #if defined(__x86_64__) || defined(_M_X64)
-    FlushedDenormals() : m_saved(_mm_getcsr()) { _mm_setcsr(m_saved | 0x8040U); }
-    ~FlushedDenormals() { _mm_setcsr(m_saved); }
+    FlushedDenormals() : _saved(_mm_getcsr()) { _mm_setcsr(_saved | 0x8040U); }
+    ~FlushedDenormals() { _mm_setcsr(_saved); }
     FlushedDenormals(const FlushedDenormals&) = delete;
     FlushedDenormals& operator=(const FlushedDenormals&) = delete;
 
   private:
-    unsigned m_saved;
+    unsigned _saved;
 #else
     FlushedDenormals() {}
 #endif

@@ -161,21 +161,34 @@ TEST(NoiseKernel, EqualsTheReferenceForAllSizesAndThresholds)
     }
 }
 
-/// Values worked out by hand from the formulas, against a fault that reference and kernel share.
+/// Against a fault that reference and kernels share: values of a separate program in double precision, written
+/// from the formulas as weighted sums over the corners.
 TEST(NoiseImage, HasTheKnownValues)
 {
-    // At lattice points and odd integers all offsets are 0 or 1: the pixel (0, 0) is always v = 0.5.
-    Noise noise = noiseOf("noise_regular", 4.0F, 0.0F);
-    noise.thresholdLow = 0.0F;
-    noise.thresholdHigh = 1.0F;
-    const OIIO::ImageBuf image = bakeNoiseImage(parameters(noise, 50, 50, 1));
-    EXPECT_EQ(image.getchannel(0, 0, 0, 0), 0.5F);
-    EXPECT_EQ(image.getchannel(4, 8, 0, 0), 0.5F);
-
-    // Half-way between (0,0) and (0,1), (1,0), (1,1) the fade weights are 1/2: a mean of four gradients.
-    // The hashes of the four corners (x, y, 0, 0), in hexadecimal, by an independent calculation.
-    EXPECT_FLOAT_EQ(image.getchannel(1, 1, 0, 0),
-                    (reference::noise4(0.5F, 0.5F, 0.0F, 0.0F) + 1.0F) * 0.5F);
+    struct Point
+    {
+        float at[4];
+        float value;
+    };
+    constexpr Point kPoints[] = {
+        {{0.5F, 0.5F, 0.0F, 0.0F}, 0.2175F},       {{0.25F, 2.75F, 0.0F, 0.0F}, 0.262529297F},
+        {{7.3F, 1.6F, 0.0F, 0.4F}, -0.039818127F}, {{-4.2F, 3.1F, 2.7F, -1.3F}, 0.363948230F},
+        {{3.0F, 5.0F, 0.0F, 1.0F}, 0.0F},
+    };
+    for (const Point& point : kPoints)
+    {
+        const float(&p)[4] = point.at;
+        EXPECT_NEAR(reference::noise4(p[0], p[1], p[2], p[3]), point.value, 2e-6F) << p[0];
+    }
+    constexpr float kPixel[] = {0.379771562F, 0.255091386F, 0.489817228F};
+    for (std::size_t type = 0; type < std::size(kTypes); ++type)
+    {
+        Noise noise = noiseOf(kTypes[type], 10.0F, 0.25F, 3.0F);
+        noise.thresholdLow = 0.0F;
+        noise.thresholdHigh = 1.0F;
+        const OIIO::ImageBuf image = bakeNoiseImage(parameters(noise, 40, 20, 1));
+        EXPECT_NEAR(image.getchannel(7, 3, 0, 0), kPixel[type], 2e-6F) << kTypes[type];
+    }
 }
 
 TEST(NoiseImage, TakesItsParametersWithinTheirRanges)

@@ -1,0 +1,193 @@
+#include "baking/BakedFiles.h"
+
+#include "baking/Bits.h"
+#include "baking/ImageFile.h"
+#include "baking/NoiseImage.h"
+#include "baking/NormalImage.h"
+#include "baking/PngCompression.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace vyr::MaterialTranslation::baking
+{
+namespace
+{
+using support::TemporaryFolder;
+
+OIIO::ImageBuf readFloats(const std::filesystem::path& path)
+{
+    OIIO::ImageBuf image(TemporaryFolder::utf8(path));
+    image.read(0, 0, true, OIIO::TypeFloat);
+    return image;
+}
+
+OIIO::ImageBuf heights(int size)
+{
+    OIIO::ImageBuf image(OIIO::ImageSpec(size, size, 1, OIIO::TypeFloat));
+    std::mt19937 random(1);
+    for (OIIO::ImageBuf::Iterator<float> i(image); !i.done(); ++i)
+    {
+        i[0] = static_cast<float>(random() % 256) / 255.0F;
+    }
+    return image;
+}
+
+NoiseBakeOptions noiseOptions(int size)
+{
+    NoiseBakeOptions options;
+    options.width = options.height = size;
+    options.type = "noise_fractal";
+    options.size = 10.0F;
+    options.levels = 3.0F;
+    options.thresholdLow = 0.1F;
+    options.thresholdHigh = 0.9F;
+    return options;
+}
+} // namespace
+
+TEST(BakedFiles, BumpImagesBecomeNormalMaps)
+{
+    const TemporaryFolder folder;
+    const OIIO::ImageBuf height = heights(32);
+    writeImage(height, folder / "bröck.v2.exr");
+    BumpImage bump;
+    bump.image = folder / "bröck.v2.exr";
+    bump.folder = folder / "out" / "wall";
+    bump.realWorldScaleX = 3.0F;
+    const BakedFile baked = bakeBumpImage(bump);
+    ASSERT_TRUE(baked.result.success) << baked.result.message;
+    EXPECT_EQ(baked.path, folder / "out" / "wall" / "bröck.v2_normalmap.png");
+
+    writeImage(bakeNormalImage(height, {}), folder / "expected.png");
+    EXPECT_EQ(support::readFile(baked.path), support::readFile(folder / "expected.png"));
+
+    bump.image = folder / "missing.png";
+    bump.folder = folder / "other";
+    const BakedFile missing = bakeBumpImage(bump);
+    EXPECT_FALSE(missing.result.success);
+    EXPECT_TRUE(missing.path.empty());
+    EXPECT_FALSE(std::filesystem::exists(bump.folder));
+}
+
+TEST(BakedFiles, NoiseBecomesANormalMapOfItsSizeAndAmount)
+{
+    const TemporaryFolder folder;
+    NoiseBump bump;
+    bump.noise = noiseOptions(64);
+    bump.noise.levels = 40.0F;
+    bump.bumpAmount = 0.25F;
+    bump.folder = folder / "wall";
+    bump.nodeName = "noise";
+    const BakedFile baked = bakeNoiseBump(bump);
+    ASSERT_TRUE(baked.result.success) << baked.result.message;
+    EXPECT_EQ(baked.path, folder / "wall" / "noise_64normal_map.png");
+    EXPECT_EQ(baked.result.warnings.size(), 1U);
+
+    ASSERT_TRUE(bakeNoiseFile(folder / "noise.exr", bump.noise).success);
+    NormalBakeOptions options;
+    options.bumpAmount = 0.25F;
+    ASSERT_TRUE(bakeNormalMapFile(folder / "noise.exr", folder / "expected.png", options).success);
+    EXPECT_EQ(support::readFile(baked.path), support::readFile(folder / "expected.png"));
+}
+
+TEST(BakedFiles, HoldTheBakesFloats)
+{
+    const TemporaryFolder folder;
+    const OIIO::ImageBuf height = heights(50);
+    writeImage(height, folder / "height.tif");
+    NormalBakeOptions options;
+    options.bumpAmount = 0.5F;
+    options.realWorldScale = {2.0F, 4.0F};
+    options.bumpScale = {1.0F, 3.0F};
+    ASSERT_TRUE(bakeNormalMapFile(folder / "height.tif", folder / "normal.exr", options).success);
+    OIIO::ImageSpec parameters;
+    const OIIO::TypeDesc pair(OIIO::TypeDesc::FLOAT, 2);
+    parameters.attribute("bump_amount", 0.5F);
+    parameters.attribute("real_world_scale", pair, options.realWorldScale.data());
+    parameters.attribute("bump_scale", pair, options.bumpScale.data());
+    EXPECT_EQ(
+        differentFloats(readFloats(folder / "normal.exr"), bakeNormalImage(height, parameters)),
+        0U);
+
+    NoiseBakeOptions noise = noiseOptions(33);
+    noise.width = 45;
+    noise.color1 = {0.1F, 0.2F, 0.3F};
+    noise.color2 = {1.0F, 2.0F, -3.0F};
+    ASSERT_TRUE(bakeNoiseFile(folder / "noise.tif", noise).success);
+    const OIIO::ImageBuf image = readFloats(folder / "noise.tif");
+    EXPECT_EQ(image.spec().width, 45);
+    EXPECT_EQ(image.nchannels(), 3);
+}
+
+TEST(BakedFiles, AreNotMadeFromNonsense)
+{
+    const TemporaryFolder folder;
+    writeImage(heights(8), folder / "height.png");
+    NormalBakeOptions noScale;
+    noScale.bumpAmount = 1.0F;
+    noScale.realWorldScale = {0.0F, 1.0F};
+    NoiseBakeOptions unknown = noiseOptions(8);
+    unknown.type = "noise_plaid";
+    NoiseBakeOptions large = noiseOptions(8);
+    large.width = large.height = 1 << 20;
+    ::testing::internal::CaptureStderr();
+    const BakeResult results[] = {
+        bakeNormalMapFile(folder / "height.png", folder / "height.png"),
+        bakeNormalMapFile(folder / "height.png", folder / "a.jpg"),
+        bakeNormalMapFile(folder / "height.png", folder / "a.png", noScale),
+        bakeNoiseFile(folder / "a.png", unknown),
+        bakeNoiseFile(folder / "a.png", large),
+        bakeNoiseFile(folder / "a.png", NoiseBakeOptions()),
+    };
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Unsupported Noise type:noise_plaid\n");
+    for (const BakeResult& result : results)
+    {
+        EXPECT_FALSE(result.success);
+        EXPECT_NE(result.message, "");
+    }
+    EXPECT_EQ(folder.entries().size(), 1U);
+}
+
+TEST(EncodePng, IsFasterThanByDefaultAndNotMuchLarger)
+{
+    constexpr int kSize = 512;
+    struct Case
+    {
+        const char* name;
+        float (*height)(float x, float y);
+        double most;
+    };
+    const Case cases[] = {
+        {"grain", [](float x, float y)
+         { return std::fmod(std::fabs(std::sin(x * 12.9F + y * 78.2F)) * 437.5F, 0.2F); }, 1.05},
+        {"flat", [](float, float) { return 0.5F; }, 1.3},
+        {"checker", [](float x, float y)
+         { return std::fmod(std::floor(x / 32.0F) + std::floor(y / 32.0F), 2.0F); }, 1.3},
+        {"wood", [](float x, float y) { return std::fmod(x * 0.05F + std::sin(y * 0.02F), 1.0F); },
+         1.3},
+        {"waves",
+         [](float x, float y) { return 0.25F * std::sin(x * 0.04F) * std::cos(y * 0.03F); }, 1.3},
+    };
+    for (const Case& c : cases)
+    {
+        OIIO::ImageBuf height(OIIO::ImageSpec(kSize, kSize, 1, OIIO::TypeFloat));
+        for (OIIO::ImageBuf::Iterator<float> i(height); !i.done(); ++i)
+        {
+            i[0] = c.height(static_cast<float>(i.x()), static_cast<float>(i.y()));
+        }
+        const OIIO::ImageBuf image = bakeNormalImage(height, {}).copy(OIIO::TypeUInt8);
+        const auto* pixels = static_cast<const unsigned char*>(image.localpixels());
+        const auto byDefault =
+            encodeImage("image.png", image.spec(), OIIO::TypeUInt8, pixels).size();
+        const auto chosen = encodePng(pixels, image.spec()).size();
+        EXPECT_LE(static_cast<double>(chosen), c.most * static_cast<double>(byDefault)) << c.name;
+        EXPECT_NE(chosen, byDefault) << c.name << ": the default is the slowest";
+    }
+}
+} // namespace vyr::MaterialTranslation::baking
