@@ -71,7 +71,7 @@ class Files(ToolTest):
 class Process(ToolTest):
     def setUp(self):
         super().setUp()
-        self.count = 1000
+        self.count = 500
         self.library(*(material(f"m{i}", f"Wall {i}") for i in range(self.count)))
         # Names so long that the pipe is full long before the end: the tool waits for its reader.
         self.out = "out" + "t" * 200
