@@ -1,5 +1,7 @@
 #include "definitions/ElementChecks.h"
 
+#include <utility>
+
 #include "definitions/FileCheck.h"
 #include "definitions/RuleMessages.h"
 
@@ -23,8 +25,9 @@ void checkColorSpace(const mx::Element& element, CheckContext& context)
     if (name.empty() || context.definitions.knowsColorSpace(name))
         return;
     std::string text = "unknown colour space \"" + name + "\"; known are";
+    const char* separator = " ";
     for (const std::string& known : context.definitions.colorSpaces)
-        text += (text.back() == 'e' ? " " : ", ") + known;
+        text += std::exchange(separator, ", ") + known;
     report(element, ValidationCode::ColorSpaceUnknown, std::move(text), context);
 }
 

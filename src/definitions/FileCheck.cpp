@@ -21,9 +21,14 @@ bool isFile(const std::string& path)
 /// An absolute name has no prefix: MaterialX leaves it out, too.
 std::string resolvedName(const mx::ValueElement& value)
 {
+    const std::string& name = value.getValueString();
+    const std::string& prefix =
+        mx::FilePath(name).isAbsolute() ? mx::EMPTY_STRING : value.getActiveFilePrefix();
+    // Looking tokens up costs more than all other checks of a document.
+    if (name.find('[') == std::string::npos)
+        return prefix + name;
     const mx::StringResolverPtr resolver = value.createStringResolver();
-    if (mx::FilePath(value.getValueString()).isAbsolute())
-        resolver->setFilePrefix(mx::EMPTY_STRING);
+    resolver->setFilePrefix(prefix);
     return value.getResolvedValueString(resolver);
 }
 

@@ -16,6 +16,9 @@ namespace mx = MaterialX;
 namespace
 {
 
+/// How MaterialX calls the nodes that read the geometry, one for each property.
+constexpr const char* geometryPrefix = "geomNode_";
+
 bool isKvor(const mx::NodePtr& node)
 {
     return mx::stringStartsWith(node->getCategory(), kvorPrefix);
@@ -87,7 +90,7 @@ void sortGeometryNodes(const mx::GraphElementPtr& graph)
 {
     std::set<std::string> names;
     for (const mx::NodePtr& node : graph->getNodes())
-        if (mx::stringStartsWith(node->getName(), "geomNode_"))
+        if (mx::stringStartsWith(node->getName(), geometryPrefix))
             names.insert(node->getName());
     for (const std::string& name : names)
         graph->setChildIndex(name, static_cast<int>(graph->getChildren().size()) - 1);
@@ -102,6 +105,9 @@ void flattenGraph(const mx::GraphElementPtr& graph, const Definitions& definitio
     {
         if (!isKvor(node))
             continue;
+        // Under such a name MaterialX would take the node for one that reads the geometry.
+        if (mx::stringStartsWith(node->getName(), geometryPrefix))
+            node->setNameGlobal(graph::freeName(graph, "kvor_" + node->getName()));
         names.insert(node->getName());
         if (node->getNodeDef())
             nodes.push_back(node);
@@ -124,8 +130,10 @@ void flattenGraph(const mx::GraphElementPtr& graph, const Definitions& definitio
 void flattenNodes(const mx::DocumentPtr& document, const Definitions& definitions,
                   std::vector<ValidationMessage>& messages)
 {
-    for (const mx::NodeGraphPtr& graph : document->getNodeGraphs())
-        flattenGraph(graph, definitions, messages);
+    // Not getNodeGraphs(), which gives those of the shared data library too.
+    for (const mx::ElementPtr& child : document->getChildren())
+        if (const auto graph = child->asA<mx::NodeGraph>())
+            flattenGraph(graph, definitions, messages);
     flattenGraph(document, definitions, messages);
 }
 
