@@ -1,6 +1,7 @@
 #include "support/Values.h"
 
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 #include <kelvor/platform/assets/IChoiceListValue.h>
@@ -53,11 +54,15 @@ template <class Interface> class Value : public Interface
     }
     bool GetBoolean(std::size_t index) const override
     {
-        return elementAt(booleans, index, "IValue::GetBoolean");
+        return isOtherPlainKind(booleans.empty(), index)
+                   ? false
+                   : elementAt(booleans, index, "IValue::GetBoolean");
     }
     void GetColor(std::size_t index, double& red, double& green, double& blue,
                   double& alpha) const override
     {
+        if (isOtherPlainKind(colors.empty(), index))
+            return;
         const Rgba color = elementAt(colors, index, "IValue::GetColor");
         red = color[0];
         green = color[1];
@@ -69,6 +74,12 @@ template <class Interface> class Value : public Interface
     std::vector<Rgba> colors;
 
   private:
+    /// A colour under the type of a Boolean, or the other way round: nobody can tell from the value.
+    bool isOtherPlainKind(bool lacksElements, std::size_t index) const
+    {
+        return std::is_same_v<Interface, IValue> && lacksElements && index < _count;
+    }
+
     std::size_t _count = 1;
     std::uint32_t _unit = 0;
 };
