@@ -60,6 +60,7 @@ enum class DiagnosticCode : std::int32_t
     TextureRenamed = 1017,
     TextureCaseDiffers = 1018,
     UnitIgnored = 1019,
+    TintIgnored = 1020,
 };
 
 /// One thing worth telling about a conversion. All texts are UTF-8 and owned by the record.

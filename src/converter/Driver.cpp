@@ -7,6 +7,7 @@
 #include "core/Text.h"
 #include "graph/Names.h"
 #include "materials/GenericTranslator.h"
+#include "materials/LyrexTranslator.h"
 
 namespace vyr::MaterialTranslation::converter
 {
@@ -46,11 +47,7 @@ bool isUsable(const std::string& name, const mx::DocumentPtr& document,
 bool runTranslator(const materials::Translation& translation)
 {
     if (assets::IsLyrex(translation.asset))
-    {
-        translation.log.error(DiagnosticCode::UnknownSchema, "",
-                              "this version does not translate materials of the Lyrex family");
-        return false;
-    }
+        return materials::translateLyrex(translation);
     constexpr std::int32_t legacyPath = 1;
     if (translation.options.translationPath == legacyPath)
     {

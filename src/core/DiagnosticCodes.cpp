@@ -52,6 +52,7 @@ constexpr CodeRow codeTable[] = {
     {DiagnosticCode::TextureRenamed, "texture-renamed"},
     {DiagnosticCode::TextureCaseDiffers, "texture-case-differs"},
     {DiagnosticCode::UnitIgnored, "unit-ignored"},
+    {DiagnosticCode::TintIgnored, "tint-ignored"},
 };
 
 } // namespace

@@ -80,13 +80,16 @@ Color encodeLinear(const Color& color, std::int32_t colorMode)
     return toPower(color, 1.0 / rowOf(colorMode).exponent);
 }
 
-void applyColorPass(StandardSurfaceParams& params, std::int32_t colorMode)
+void applyColorPass(GenericMaterial& material, std::int32_t colorMode)
 {
     const ColorModeRow& row = rowOf(colorMode);
     if (!row.decodes)
         return;
+    StandardSurfaceParams& params = material.params;
     for (Color* color : {&params.base_color, &params.transmission_color, &params.emission_color})
         *color = toPower(*color, row.exponent);
+    if (material.tint)
+        material.tint = toPower(*material.tint, row.exponent);
 }
 
 } // namespace vyr::MaterialTranslation::materials

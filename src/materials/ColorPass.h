@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "assets/PropertyReaders.h"
-#include "materials/StandardSurfaceParams.h"
+#include "materials/GenericMaterial.h"
 
 namespace vyr::MaterialTranslation::materials
 {
@@ -22,8 +22,8 @@ StandardSurfaceParams::Color readColor(const assets::AssetView& view, const char
 StandardSurfaceParams::Color encodeLinear(const StandardSurfaceParams::Color& color,
                                           std::int32_t colorMode);
 
-/// Makes the record's plain colours linear, in the modes whose documents state linear colours: the
-/// base, transmission and emission colour. Does nothing in the other modes.
-void applyColorPass(StandardSurfaceParams& params, std::int32_t colorMode);
+/// Makes the plain colours linear, in the modes whose documents state linear colours: the base,
+/// transmission and emission colour, and the tint. Does nothing in the other modes.
+void applyColorPass(GenericMaterial& material, std::int32_t colorMode);
 
 } // namespace vyr::MaterialTranslation::materials

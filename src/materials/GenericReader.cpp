@@ -46,6 +46,9 @@ constexpr const char* all[] = {
 /// Candela per square metre that count as an emission of 1.
 constexpr float luminanceOfEmissionOne = 1000.0f;
 
+/// The roughness mode without a curve.
+constexpr std::int32_t linearRoughness = 2;
+
 /// Applies the rules, one function each, to one material.
 class GenericReader
 {
@@ -80,7 +83,7 @@ class GenericReader
     bool takeTexture(const char* name, const char* input,
                      textures::TextureRole role = textures::TextureRole::Value)
     {
-        auto texture = textures::readConnectedTexture(_view, name, role, _log);
+        auto texture = textures::readConnectedTexture({_view, name, role, "", _log});
         if (texture)
             _material.textures.insert_or_assign(input, std::move(*texture));
         return texture.has_value();
@@ -135,12 +138,29 @@ class GenericReader
 
     void readGlossiness()
     {
-        if (!has(property::glossiness) || takeTexture(property::glossiness, "specular_roughness"))
+        if (!has(property::glossiness))
             return;
+        if (takeTexture(property::glossiness, "specular_roughness"))
+        {
+            turnGlossinessImage();
+            return;
+        }
         const float roughness =
             roughnessOf(number(property::glossiness, 0.0f), _options.roughnessMode);
         _params.diffuse_roughness = roughness;
         _params.specular_roughness = roughness;
+    }
+
+    /// An image of glossiness is the inverse of one of roughness.
+    void turnGlossinessImage()
+    {
+        auto& texture = _material.textures.at("specular_roughness");
+        auto& bitmap = std::get<textures::BitmapTexture>(texture.content);
+        bitmap.invert = !bitmap.invert;
+        if (_options.roughnessMode != linearRoughness || bitmap.amount != 1.0f)
+            _log.warning(DiagnosticCode::ValueAdjusted, property::glossiness,
+                         "the image is inverted; the roughness curve is not applied to it, and an "
+                         "amount other than 1 scales the roughness");
     }
 
     void readTransparency()
@@ -224,7 +244,7 @@ float roughnessOf(float glossiness, std::int32_t roughnessMode)
     if (glossiness >= 1.0f)
         return 0.0f;
     const float x = 1.0f - glossiness;
-    if (roughnessMode == 2)
+    if (roughnessMode == linearRoughness)
         return x;
     // A glossiness just above 0 rounds to x = 1, which would start at the table's last row.
     const std::size_t i = std::min(static_cast<std::size_t>(x * 20.0f), roughnessTable.size() - 2);

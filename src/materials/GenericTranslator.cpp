@@ -50,7 +50,10 @@ GenericMaterial readFrom(const assets::IPropertyConstTable& table, const std::st
         readGenericMaterial(assets::AssetView(asset, table, &use), options, log);
     material.tint = readTint(own, schema, options.colorMode);
     adjustForSchema(material, schema, own, options.colorMode, log);
-    applyColorPass(material.params, options.colorMode);
+    applyColorPass(material, options.colorMode);
+    if (material.tint && !material.textures.contains("base_color"))
+        log.warning(DiagnosticCode::TintIgnored, "hardwood_tint_color",
+                    "only an image is tinted; the plain colour stays as it is");
     return material;
 }
 

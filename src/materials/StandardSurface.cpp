@@ -8,6 +8,7 @@
 #include "graph/Nodes.h"
 #include "materials/ColorPass.h"
 #include "materials/Skeleton.h"
+#include "materials/TintGraph.h"
 
 namespace vyr::MaterialTranslation::materials
 {
@@ -66,7 +67,7 @@ class InputWriter
 
     void write(const InputRow& row) const
     {
-        if (const mx::OutputPtr output = textureOutput(row))
+        if (const mx::OutputPtr output = tinted(row, textureOutput(row)))
             graph::addConnectedInput(_shader, row.name, output);
         else
             std::visit([&](auto field) { writePlain(row.name, field); }, row.field);
@@ -79,6 +80,15 @@ class InputWriter
         return texture == _material.textures.end()
                    ? nullptr
                    : textures::addConnectedTexture(texture->second, row.type, _build);
+    }
+
+    /// The texture of a tinted wood's base colour goes through the tint; any other stays.
+    mx::OutputPtr tinted(const InputRow& row, const mx::OutputPtr& texture) const
+    {
+        if (!texture || !_material.tint ||
+            row.field != Field(&Params::base_color))
+            return texture;
+        return addTintGraph(_shader->getDocument(), texture, *_material.tint, _colorSpace);
     }
 
     void writePlain(const char* /*name*/, std::monostate /*none*/) const {}

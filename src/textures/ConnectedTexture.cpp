@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "assets/InputColorSpace.h"
 #include "assets/PropertyError.h"
 #include "assets/PropertyReaders.h"
 #include "assets/Schemas.h"
@@ -16,16 +17,18 @@ namespace mx = MaterialX;
 namespace
 {
 
+constexpr const char* bumpImageProperty = "bumpmap_Bitmap";
+
 /// The first asset connected to the property; a warning when there are more.
-assets::AssetHandle takeConnection(const assets::AssetView& material, const char* property,
-                                   const core::Log& log)
+assets::AssetHandle takeConnection(const TexturedProperty& property)
 {
-    const std::size_t count = assets::GetConnectionCount(material, property);
-    assets::dismissConnection(material, property);
+    const std::size_t count = assets::GetConnectionCount(property.material, property.name);
+    assets::dismissConnection(property.material, property.name);
     if (count > 1)
-        log.warning(DiagnosticCode::ConnectionsIgnored, property,
-                    "only the first of " + std::to_string(count) + " connected assets is used");
-    return assets::GetConnectedAsset(material, property).second;
+        property.log.warning(DiagnosticCode::ConnectionsIgnored, property.name,
+                             "only the first of " + std::to_string(count) +
+                                 " connected assets is used");
+    return assets::GetConnectedAsset(property.material, property.name).second;
 }
 
 using Content = std::optional<decltype(ConnectedTexture::content)>;
@@ -36,32 +39,81 @@ template <class Texture> Content unlessEmpty(Texture texture)
     return texture.image.empty() ? Content() : Content(std::move(texture));
 }
 
-Content readBitmap(const assets::AssetView& texture, const core::Log& log)
+Content readBitmap(const assets::AssetView& texture, const TexturedProperty& /*property*/,
+                   const core::Log& log)
 {
     return unlessEmpty(readBitmapTexture(texture, log));
 }
 
-Content readBump(const assets::AssetView& texture, const core::Log& log)
+Content readBump(const assets::AssetView& texture, const TexturedProperty& /*property*/,
+                 const core::Log& log)
 {
     return unlessEmpty(readBumpTexture(texture, log));
 }
 
-Content readNoise(const assets::AssetView& texture, const core::Log& log)
+Content readNoise(const assets::AssetView& texture, const TexturedProperty& /*property*/,
+                  const core::Log& log)
 {
     return readNoiseTexture(texture, log);
+}
+
+/// The colour space that the "Lyrex" family gives an image.
+std::string imageColorSpace(const assets::AssetView& texture, const TexturedProperty& property,
+                            const char* imageProperty)
+{
+    return assets::inputColorSpace(
+        {texture, property.material, imageProperty, true, property.type});
+}
+
+Content readLyrexBitmap(const assets::AssetView& texture, const TexturedProperty& property,
+                        const core::Log& log)
+{
+    BitmapTexture bitmap = readBitmapTexture(texture, log);
+    if (!bitmap.image.empty())
+        bitmap.colorSpace = imageColorSpace(texture, property, assets::bitmapImageProperty);
+    return unlessEmpty(std::move(bitmap));
+}
+
+MapTexture readBumpMap(const assets::AssetView& texture, const core::Log& log)
+{
+    constexpr const char* typeProperty = "bumpmap_Type";
+    const std::string type = assets::GetFirstChoiceOr(texture, typeProperty, "");
+    if (type == "bumpmap_normal_map")
+        return readNormalMapTexture(texture, bumpImageProperty, std::nullopt, log);
+    if (type.empty())
+        log.warning(DiagnosticCode::ValueAdjusted, typeProperty,
+                    "the bump map states no type; taken as a height map");
+    else if (type != "bumpmap_height_map")
+    {
+        log.warning(DiagnosticCode::ChoiceUnknown, typeProperty,
+                    "\"" + type + "\" is no type of bump map that is known; it is left out");
+        return {};
+    }
+    return readHeightMapTexture(texture, bumpImageProperty, std::nullopt, log);
+}
+
+Content readLyrexMap(const assets::AssetView& texture, const TexturedProperty& property,
+                     const core::Log& log)
+{
+    MapTexture map = readBumpMap(texture, log);
+    if (!map.image.empty())
+        map.colorSpace = imageColorSpace(texture, property, bumpImageProperty);
+    return unlessEmpty(std::move(map));
 }
 
 struct ReaderRow
 {
     TextureRole role;
     const char* schema;
-    Content (*read)(const assets::AssetView&, const core::Log&);
+    Content (*read)(const assets::AssetView&, const TexturedProperty&, const core::Log&);
 };
 
 constexpr ReaderRow readers[] = {
     {TextureRole::Value, assets::bitmapSchema, readBitmap},
     {TextureRole::Relief, assets::bitmapSchema, readBump},
     {TextureRole::Relief, assets::noiseSchema, readNoise},
+    {TextureRole::Lyrex, assets::bitmapSchema, readLyrexBitmap},
+    {TextureRole::Lyrex, assets::bumpMapSchema, readLyrexMap},
 };
 
 const ReaderRow* findReader(TextureRole role, const std::string& schema)
@@ -72,13 +124,17 @@ const ReaderRow* findReader(TextureRole role, const std::string& schema)
     return row == std::end(readers) ? nullptr : row;
 }
 
-void warnNotTranslated(const char* property, TextureRole role, const std::string& schema,
-                       const core::Log& log)
+/// The "Lyrex" family refuses a texture that it does not know; elsewhere it is left out.
+void rejectTexture(const TexturedProperty& property, const std::string& schema)
 {
-    log.warning(DiagnosticCode::TextureNotTranslated, property,
-                "a texture of schema \"" + schema + "\" cannot be translated here; " +
-                    (role == TextureRole::Value ? "the plain value is used"
-                                                : "the surface stays without relief"));
+    if (property.role == TextureRole::Lyrex)
+        throw assets::PropertyError(("Unhandled Schema " + schema).c_str(), property.name,
+                                    DiagnosticCode::UnhandledTextureSchema);
+    property.log.warning(DiagnosticCode::TextureNotTranslated, property.name,
+                         "a texture of schema \"" + schema + "\" cannot be translated here; " +
+                             (property.role == TextureRole::Value
+                                  ? "the plain value is used"
+                                  : "the surface stays without relief"));
 }
 
 /// Adds the node of each kind of texture.
@@ -91,6 +147,10 @@ struct Adder
     mx::OutputPtr operator()(const BitmapTexture& bitmap) const
     {
         return addBitmapTexture(bitmap, build.graph, texture.property, type);
+    }
+    mx::OutputPtr operator()(const MapTexture& map) const
+    {
+        return addMapTexture(map, build.graph, texture.property, type);
     }
     mx::OutputPtr operator()(const BumpTexture& bump) const
     {
@@ -122,33 +182,32 @@ struct Adder
 
 } // namespace
 
-std::optional<ConnectedTexture> readConnectedTexture(const assets::AssetView& material,
-                                                     const char* property, TextureRole role,
-                                                     const core::Log& log)
+std::optional<ConnectedTexture> readConnectedTexture(const TexturedProperty& property)
 {
-    const assets::AssetHandle asset = takeConnection(material, property, log);
+    const assets::AssetHandle asset = takeConnection(property);
     if (!asset)
         return std::nullopt;
     const std::string schema = assets::GetAssetSchemaName(*asset);
-    const ReaderRow* reader = findReader(role, schema);
+    const ReaderRow* reader = findReader(property.role, schema);
     if (!reader)
     {
-        warnNotTranslated(property, role, schema, log);
+        rejectTexture(property, schema);
         return std::nullopt;
     }
     try
     {
+        const core::Log log = property.log.below(property.name);
         assets::PropertyUse use;
         const assets::AssetView view(*asset, &use);
-        Content content = reader->read(view, log.below(property));
+        Content content = reader->read(view, property, log);
         if (!content)
             return std::nullopt;
-        assets::reportLeftProperties(view, {}, log.below(property));
-        return ConnectedTexture{property, std::move(*content)};
+        assets::reportLeftProperties(view, {}, log);
+        return ConnectedTexture{property.name, std::move(*content)};
     }
     catch (const assets::PropertyError& error)
     {
-        throw error.below(property);
+        throw error.below(property.name);
     }
 }
 

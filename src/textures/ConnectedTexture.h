@@ -13,6 +13,7 @@
 #include "assets/AssetView.h"
 #include "core/Log.h"
 #include "textures/BitmapTexture.h"
+#include "textures/MapTexture.h"
 #include "textures/ReliefTexture.h"
 
 namespace vyr::MaterialTranslation::textures
@@ -24,7 +25,7 @@ struct ConnectedTexture
 {
     /// The material's property, which also names the texture's node.
     std::string property;
-    std::variant<BitmapTexture, BumpTexture, NoiseTexture> content;
+    std::variant<BitmapTexture, BumpTexture, NoiseTexture, MapTexture> content;
 };
 
 /// What a texture is for.
@@ -34,16 +35,27 @@ enum class TextureRole
     Value,
     /// It gives the height of the surface's relief.
     Relief,
+    /// It drives a property of the "Lyrex" family: a bitmap for its value, or a height or normal map.
+    Lyrex,
+};
+
+/// A property that a texture may drive.
+struct TexturedProperty
+{
+    const assets::AssetView& material;
+    const char* name;
+    TextureRole role;
+    /// MaterialX's name of the property's value type.
+    const char* type;
+    const core::Log& log;
 };
 
 /// Reads the texture that drives a property. Warns about a texture that cannot be used, and
 /// about whatever it says that the document will not.
 /// @return nothing when no usable texture is connected: the property's plain value then holds.
 /// @throws assets::PropertyError, with the property's path, for a texture's property of the wrong
-///         type.
-std::optional<ConnectedTexture> readConnectedTexture(const assets::AssetView& material,
-                                                     const char* property, TextureRole role,
-                                                     const core::Log& log);
+///         type; "Unhandled Schema <schema>" for a schema that the "Lyrex" family does not know.
+std::optional<ConnectedTexture> readConnectedTexture(const TexturedProperty& property);
 
 /// What the textures of one material are built into.
 struct TextureBuild

@@ -1,0 +1,68 @@
+#include "textures/MapTexture.h"
+
+#include "assets/Units.h"
+#include "graph/Inputs.h"
+#include "graph/Nodes.h"
+#include "textures/ImageReference.h"
+
+namespace vyr::MaterialTranslation::textures
+{
+
+namespace mx = MaterialX;
+
+namespace
+{
+
+MapTexture readMap(MapTexture::Kind kind, const assets::AssetView& texture,
+                   const char* imageProperty, const core::Log& log)
+{
+    MapTexture map;
+    map.kind = kind;
+    map.image = readImageReference(texture, imageProperty, log);
+    if (map.image.empty())
+        return map;
+    map.colorSpace = assets::srgbTexture;
+    map.placement = readTexturePlacement(texture, log);
+    return map;
+}
+
+} // namespace
+
+MapTexture readHeightMapTexture(const assets::AssetView& texture, const char* imageProperty,
+                                const std::optional<float>& givenDepth, const core::Log& log)
+{
+    MapTexture map = readMap(MapTexture::Kind::Height, texture, imageProperty, log);
+    if (givenDepth)
+        map.strength = {*givenDepth, map.placement.realWorldScale.unit};
+    else if (!map.image.empty())
+        map.strength = readMeasured(texture, "bumpmap_Depth", 0.0f, log);
+    return map;
+}
+
+MapTexture readNormalMapTexture(const assets::AssetView& texture, const char* imageProperty,
+                                const std::optional<float>& givenScale, const core::Log& log)
+{
+    MapTexture map = readMap(MapTexture::Kind::Normal, texture, imageProperty, log);
+    if (givenScale)
+        map.strength = {*givenScale, {}};
+    else if (!map.image.empty())
+        map.strength = readMeasured(texture, "bumpmap_NormalScale", 1.0f, log);
+    return map;
+}
+
+mx::OutputPtr addMapTexture(const MapTexture& map, const mx::NodeGraphPtr& graph,
+                            const std::string& name, const std::string& type)
+{
+    if (map.image.empty())
+        return nullptr;
+    const bool height = map.kind == MapTexture::Kind::Height;
+    const mx::NodePtr node =
+        graph::addNode(graph, height ? "kvor:height_map" : "kvor:normal_map", name, type);
+    mx::OutputPtr output = graph::addNodeOutput(graph, node);
+    graph::addFileInput(node, map.image, map.colorSpace);
+    addPlacementInputs(node, map.placement);
+    addMeasuredInput(node, height ? "depth" : "normal_scale", map.strength);
+    return output;
+}
+
+} // namespace vyr::MaterialTranslation::textures
