@@ -19,9 +19,11 @@ function(vyr_add_test name)
     target_link_libraries(test_${name} PRIVATE ${arg_LIBRARIES} GTest::gtest_main)
     if(NOT MSVC)
         # It is the tested code that has to be fast; optimising the tests is a third to half of their build.
-        target_compile_options(
-            test_${name} PRIVATE $<IF:$<BOOL:${VYR_SANITIZE}>,-O0,$<$<CONFIG:Release>:-O1>>
-        )
+        if(VYR_SANITIZE)
+            target_compile_options(test_${name} PRIVATE -O0)
+        else()
+            target_compile_options(test_${name} PRIVATE $<$<CONFIG:Release>:-O1>)
+        endif()
     endif()
 
     if(NOT arg_TIMEOUT)
