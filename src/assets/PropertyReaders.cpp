@@ -7,6 +7,7 @@
 #include <kelvor/platform/assets/IProperty.h>
 #include <kelvor/platform/assets/IScalarValue.h>
 #include <kelvor/platform/assets/IStringValue.h>
+#include <kelvor/platform/assets/IUriValue.h>
 #include <kelvor/platform/assets/PropertyType.h>
 #include <kelvor/platform/assets/UnitCode.h>
 
@@ -44,6 +45,20 @@ const platform::IScalarValue& requireScalar(const AssetView& view, const char* n
 {
     return require<platform::IScalarValue>(view, name, platform::ePropertyType_Scalar,
                                            "ePropertyType_Scalar", components);
+}
+
+/// The value of a Boolean or a colour, which have no interface of their own: every other kind has.
+const platform::IValue& requirePlain(const AssetView& view, const char* name,
+                                     platform::PropertyType type, const char* message)
+{
+    const auto& value = require<platform::IValue>(view, name, type, message);
+    if (dynamic_cast<const platform::IScalarValue*>(&value) ||
+        dynamic_cast<const platform::IIntegerValue*>(&value) ||
+        dynamic_cast<const platform::IStringValue*>(&value) ||
+        dynamic_cast<const platform::IUriValue*>(&value) ||
+        dynamic_cast<const platform::IChoiceListValue*>(&value))
+        throw PropertyError(message, name);
+    return value;
 }
 
 float narrow(double value, const char* message, const char* name)
@@ -133,8 +148,7 @@ bool HasPropertyUnit(const AssetView& view, const char* name)
 
 bool GetBooleanProperty(const AssetView& view, const char* name)
 {
-    return require<platform::IValue>(view, name, platform::ePropertyType_Boolean,
-                                     "ePropertyType_Boolean")
+    return requirePlain(view, name, platform::ePropertyType_Boolean, "ePropertyType_Boolean")
         .GetBoolean(0);
 }
 
@@ -172,7 +186,7 @@ Color4 GetColor4Property(const AssetView& view, const char* name)
 {
     constexpr const char* message = "ePropertyType_Color";
     std::array<double, 4> c{};
-    require<platform::IValue>(view, name, platform::ePropertyType_Color, message)
+    requirePlain(view, name, platform::ePropertyType_Color, message)
         .GetColor(0, c[0], c[1], c[2], c[3]);
     Color4 color{};
     for (std::size_t i = 0; i < color.size(); ++i)

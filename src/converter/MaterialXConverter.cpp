@@ -36,7 +36,7 @@ class FrontRelease
 };
 
 /// Notes what leaves an operation as an exception, and lets it pass.
-template <class Operation> bool reporting(const core::Log& log, Operation operation)
+template <class Operation> bool reporting(Operation operation)
 {
     try
     {
@@ -44,9 +44,27 @@ template <class Operation> bool reporting(const core::Log& log, Operation operat
     }
     catch (const std::exception& error)
     {
-        log.error(DiagnosticCode::Exception, "", error.what());
+        core::LogSession::log().error(DiagnosticCode::Exception, "", error.what());
         throw;
     }
+}
+
+/// Registers a clone of the asset unless its name is registered already.
+bool registerAsset(const assets::IAssetInstance& asset, std::string name)
+{
+    const core::Log log = core::LogSession::log(assets::GetAssetIdentifier(asset));
+    RegisteredAssets& registered = sharedState().registered;
+    if (name.empty())
+        log.error(DiagnosticCode::NameEmpty, "", "the asset has neither a name nor an identifier");
+    else if (registered.contains(name))
+        log.warning(DiagnosticCode::NameDuplicate, "",
+                    "an asset with the material name \"" + name +
+                        "\" is registered already; this one is left out");
+    else if (assets::AssetHandle clone{asset.Clone()})
+        registered.append(name, std::move(clone));
+    else
+        log.error(DiagnosticCode::CloneFailed, "", "the asset cannot be cloned");
+    return registered.contains(name);
 }
 
 std::filesystem::path temporaryDocumentPath(const std::string& name)
@@ -94,31 +112,12 @@ bool MaterialXConverter::RegisterAssetForConversion(const IAssetInstance& asset,
                                                     IString& /*message*/)
 {
     const core::LogSession session;
-    if (!SupportsConversion(asset))
-        return false;
-    const core::Log log = core::LogSession::log(assets::GetAssetIdentifier(asset));
-    std::string name = getMaterialName(asset).str();
-    if (name.empty())
-    {
-        log.error(DiagnosticCode::NameEmpty, "", "the asset has neither a name nor an identifier");
-        return false;
-    }
-    RegisteredAssets& registered = sharedState().registered;
-    if (registered.contains(name))
-    {
-        log.warning(DiagnosticCode::NameDuplicate, "",
-                    "an asset with the material name \"" + name +
-                        "\" is registered already; this one is left out");
-        return true;
-    }
-    assets::AssetHandle clone(asset.Clone());
-    if (!clone)
-    {
-        log.error(DiagnosticCode::CloneFailed, "", "the asset cannot be cloned");
-        return false;
-    }
-    registered.append(std::move(name), std::move(clone));
-    return true;
+    return reporting(
+        [&]
+        {
+            return SupportsConversion(asset) &&
+                   registerAsset(asset, getMaterialName(asset).str());
+        });
 }
 
 bool MaterialXConverter::SerializeRegisteredAssetsForConversion(
@@ -163,9 +162,12 @@ bool MaterialXConverter::TranslateToMaterialX(const IAssetInstance& asset,
                                               std::shared_ptr<mx::Document> document)
 {
     const core::LogSession session;
-    const core::Log log = core::LogSession::log(assets::GetAssetIdentifier(asset));
-    return reporting(log, [&]
-                     { return converter::translate(asset, materialName.str(), document, options, log); });
+    return reporting(
+        [&]
+        {
+            const core::Log log = core::LogSession::log(assets::GetAssetIdentifier(asset));
+            return converter::translate(asset, materialName.str(), document, options, log);
+        });
 }
 
 kelvor::platform::core::string::UTF8String
@@ -186,7 +188,7 @@ bool MaterialXConverter::Convert(MaterialInfo& info, IString& result)
         return false;
     }
     const OverlayConverter converter = entry->second;
-    return reporting(core::LogSession::log(), [&] { return converter(info, result); });
+    return reporting([&] { return converter(info, result); });
 }
 
 bool MaterialXConverter::IsLyrex(

@@ -48,9 +48,10 @@ void assignInDefaultLook(const mx::DocumentPtr& document, const std::string& mat
     const bool first = !look;
     if (first)
         look = document->addLook(defaultLookName);
+    constexpr const char* everything = "*";
     const std::string name = first ? "material_assign_default" : "material_assign_" + material;
     mx::MaterialAssignPtr assignment = look->addMaterialAssign(freeName(look, name), material);
-    assignment->setGeom(mx::UNIVERSAL_GEOM_NAME);
+    assignment->setGeom(everything);
 }
 
 } // namespace vyr::MaterialTranslation::graph

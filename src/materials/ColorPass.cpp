@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "assets/PropertyError.h"
 #include "assets/Units.h"
 
 namespace vyr::MaterialTranslation::materials
@@ -43,13 +44,18 @@ const ColorModeRow& rowOf(std::int32_t mode)
 
 /// Each channel to a power. In double, so that the result does not hang on how exact the platform's
 /// power function of floats is; negative channels, which no power is defined for, stay.
-Color toPower(Color color, double exponent)
+/// @param property named in the error when a channel becomes too large for a float.
+Color toPower(Color color, double exponent, const char* property)
 {
     if (exponent == 1.0)
         return color;
     for (std::size_t i = 0; i < Color::numElements(); ++i)
         if (color[i] > 0.0f)
             color[i] = static_cast<float>(std::pow(static_cast<double>(color[i]), exponent));
+    const auto isFinite = [](float channel) { return std::isfinite(channel); };
+    if (!std::all_of(color.begin(), color.end(), isFinite))
+        throw assets::PropertyError("ePropertyType_Color", property, DiagnosticCode::ValueNotFinite,
+                                    "the colour is too bright for a 32-bit float");
     return color;
 }
 
@@ -69,7 +75,7 @@ Color readColor(const assets::AssetView& view, const char* property, const Color
     const Color color(value[0], value[1], value[2]);
     const std::string declared = assets::GetPropertyColorSpace(view, property);
     if (assets::declaresGamma24(declared))
-        return toPower(color, displayExponent / rowOf(colorMode).exponent);
+        return toPower(color, displayExponent / rowOf(colorMode).exponent, property);
     if (assets::declaresLinear(declared))
         return encodeLinear(color, colorMode);
     return color;
@@ -77,7 +83,7 @@ Color readColor(const assets::AssetView& view, const char* property, const Color
 
 Color encodeLinear(const Color& color, std::int32_t colorMode)
 {
-    return toPower(color, 1.0 / rowOf(colorMode).exponent);
+    return toPower(color, 1.0 / rowOf(colorMode).exponent, "");
 }
 
 void applyColorPass(GenericMaterial& material, std::int32_t colorMode)
@@ -86,10 +92,13 @@ void applyColorPass(GenericMaterial& material, std::int32_t colorMode)
     if (!row.decodes)
         return;
     StandardSurfaceParams& params = material.params;
-    for (Color* color : {&params.base_color, &params.transmission_color, &params.emission_color})
-        *color = toPower(*color, row.exponent);
+    const auto decode = [&](Color& color, const char* property)
+    { color = toPower(color, row.exponent, property); };
+    decode(params.base_color, "generic_diffuse");
+    decode(params.transmission_color, "generic_diffuse");
+    decode(params.emission_color, "generic_self_illum_filter_map");
     if (material.tint)
-        material.tint = toPower(*material.tint, row.exponent);
+        decode(*material.tint, "hardwood_tint_color");
 }
 
 } // namespace vyr::MaterialTranslation::materials

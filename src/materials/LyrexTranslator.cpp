@@ -243,7 +243,7 @@ bool buildMaterial(const LyrexFamily& family, const std::vector<LyrexValue>& val
     if (!canBuildSkeleton(document, request, log))
         return false;
 
-    const Skeleton skeleton = buildSkeleton(document, request);
+    const Skeleton skeleton = buildSkeleton(document, request, log);
     if (const std::string label = userInterfaceName(asset); !label.empty())
         skeleton.material->setAttribute(mx::ValueElement::UI_NAME_ATTRIBUTE, label);
     textures::TextureBuild build{name, options, {}, 0.0f, log, baked};

@@ -16,11 +16,16 @@ namespace
 {
 
 /// Tells who made a material from what, so that a document can be traced back.
-void addProvenance(const mx::NodePtr& material, const std::string& assetId)
+void addProvenance(const mx::NodePtr& material, const std::string& assetId, const core::Log& log)
 {
     material->setAttribute("vyr_converter", libraryVersion());
-    if (!assetId.empty())
-        material->setAttribute("vyr_asset", core::xmlText(assetId));
+    if (assetId.empty())
+        return;
+    const std::string text = core::xmlText(assetId);
+    material->setAttribute("vyr_asset", text);
+    if (text != assetId)
+        log.warning(DiagnosticCode::TextChanged, "",
+                    "the identifier has characters that a document cannot hold");
 }
 
 } // namespace
@@ -42,14 +47,15 @@ bool canBuildSkeleton(const mx::DocumentPtr& document, const SkeletonRequest& re
     return taken.empty();
 }
 
-Skeleton buildSkeleton(const mx::DocumentPtr& document, const SkeletonRequest& request)
+Skeleton buildSkeleton(const mx::DocumentPtr& document, const SkeletonRequest& request,
+                       const core::Log& log)
 {
     document->setColorSpace(assets::linearRec709);
     Skeleton skeleton;
     skeleton.shader = graph::addNode(document, request.category, graph::shaderName(request.name),
                                      mx::SURFACE_SHADER_TYPE_STRING);
     skeleton.material = graph::addSurfaceMaterial(document, request.name, skeleton.shader);
-    addProvenance(skeleton.material, request.assetId);
+    addProvenance(skeleton.material, request.assetId, log);
     if (request.addLook)
         graph::assignInDefaultLook(document, request.name);
     return skeleton;

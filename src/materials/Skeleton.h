@@ -38,6 +38,7 @@ bool canBuildSkeleton(const MaterialX::DocumentPtr& document, const SkeletonRequ
 
 /// Builds shader node, material node and look, and sets the document's colour space, linear
 /// Rec.709.
-Skeleton buildSkeleton(const MaterialX::DocumentPtr& document, const SkeletonRequest& request);
+Skeleton buildSkeleton(const MaterialX::DocumentPtr& document, const SkeletonRequest& request,
+                       const core::Log& log);
 
 } // namespace vyr::MaterialTranslation::materials

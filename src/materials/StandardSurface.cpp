@@ -125,7 +125,7 @@ bool buildStandardSurface(const GenericMaterial& material, const Translation& tr
     if (!canBuildSkeleton(document, request, log))
         return false;
 
-    const Skeleton skeleton = buildSkeleton(document, request);
+    const Skeleton skeleton = buildSkeleton(document, request, log);
     textures::TextureBuild build{name, options, {}, material.bumpAmount, log, baked};
     if (!material.textures.empty())
         build.graph = graph::addNodeGraph(document, request.graphName);
