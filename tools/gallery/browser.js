@@ -1,0 +1,44 @@
+// The Chromium of the machine, without a window, a graphics card or a network.
+
+import { chromium } from "playwright-core";
+
+const FLAGS = [
+    "--no-sandbox", "--disable-gpu", "--use-gl=angle", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
+    "--disable-quic", "--no-first-run", "--disable-background-networking", "--disable-component-update", "--disable-sync",
+];
+/** Longest wait for one picture. */
+const PATIENCE = 180_000;
+
+/**
+ * Opens a page from the file system in a fresh profile and waits until it has set `ready`, a property of its
+ * window. What goes wrong there, a request to anywhere else included, is added to `problems`.
+ */
+export async function withPage(url, ready, problems, action) {
+    const browser = await chromium.launch({ executablePath: "/usr/bin/chromium", args: FLAGS });
+    try {
+        const page = await browser.newPage({ viewport: { width: 1560, height: 1000 } });
+        page.on("console", (message) => {
+            if (message.type() === "error") problems.push(`console: ${message.text()}`);
+        });
+        page.on("pageerror", (error) => problems.push(`page: ${error.message}`));
+        page.on("request", (request) => {
+            if (!/^(file|data|blob):/.test(request.url())) problems.push(`request: ${request.url()}`);
+        });
+        await page.goto(url);
+        await untilReady(page, ready);
+        return await action(page);
+    } finally {
+        await browser.close();
+    }
+}
+
+async function untilReady(page, ready) {
+    for (let drawn = -1; ; ) {
+        const state = await page.evaluate((name) => [name in window, document.querySelectorAll(".drawn").length], ready);
+        if (state[0]) return;
+        if (state[1] === drawn) throw new Error(`no picture within ${PATIENCE / 1000} s after the first ${drawn}`);
+        drawn = state[1];
+        const next = ([name, count]) => name in window || document.querySelectorAll(".drawn").length > count;
+        await page.waitForFunction(next, [ready, drawn], { timeout: PATIENCE, polling: 500 }).catch(() => {});
+    }
+}

@@ -1,0 +1,166 @@
+// The scene of every picture: a sphere and a tile on the floor of a small studio.
+
+import {
+    Cache, DoubleSide, FrontSide, Mesh, NeutralToneMapping, PerspectiveCamera, PlaneGeometry, RepeatWrapping, Scene,
+    ShaderMaterial, SRGBColorSpace, TextureLoader, Vector3, WebGLRenderer,
+} from "three";
+import { MaterialXEnvironment, MaterialXMaterial } from "@needle-tools/materialx";
+import { BACKDROP, createEnvironment } from "./environment.js";
+import { createSphere, createTile, RADIUS, setSize } from "./shapes.js";
+import floorVertex from "./floor.vert?text";
+import floorFragment from "./floor.frag?text";
+
+export const FALLBACK = [255, 0, 255];
+
+/** Luminance of the studio's white: that of paper beside a window, in which a display still looks lit. */
+const WHITE_LUMINANCE = 500;
+const REFLECTION_SAMPLES = 24;
+const KEPT_MATERIALS = 24;
+/** Share of the shade on the floor that things with holes cast. */
+const THIN_SHADE = 0.4;
+
+// What is in the picture, where the camera looks from side to side, and its field of view in degrees.
+const VIEWS = {
+    both: { shown: ["sphere", "tile"], at: 0.03, field: 17.5 },
+    sphere: { shown: ["sphere"], at: -0.6, field: 13.5 },
+    tile: { shown: ["tile"], at: 0.6, field: 13.5 },
+};
+
+export class Studio {
+    /** @param images data URLs by the names that documents use */
+    constructor(images) {
+        this.images = images;
+        this.textures = new Map();
+        this.errors = [];
+        this.kept = [];
+        this.renderer = new WebGLRenderer({ antialias: true, alpha: false, preserveDrawingBuffer: true });
+        this.renderer.toneMapping = NeutralToneMapping;
+        this.renderer.outputColorSpace = SRGBColorSpace;
+        this.renderer.debug.onShaderError = (gl, program, vertex, fragment) => {
+            this.errors.push(gl.getShaderInfoLog(fragment) || gl.getShaderInfoLog(vertex) || gl.getProgramInfoLog(program));
+        };
+        this.#buildScene();
+    }
+
+    #buildScene() {
+        this.sphere = new Mesh(createSphere());
+        this.sphere.position.set(-0.6, RADIUS, 0.1);
+        this.tile = new Mesh(createTile());
+        this.tile.position.set(0.6, 0.004, 0.12);
+        this.tile.rotation.set(-0.16, -0.24, 0, "YXZ");
+        this.floor = new Mesh(new PlaneGeometry(60, 60), this.#floorMaterial());
+        this.floor.rotation.x = -Math.PI / 2;
+        this.shapes = [this.sphere, this.tile];
+        this.scene = new Scene();
+        this.wall = new Mesh(new PlaneGeometry(60, 30), this.floor.material);
+        this.wall.position.z = -12;
+        this.scene.add(this.floor, this.wall, this.sphere, this.tile);
+
+        const environment = createEnvironment();
+        const lighting = MaterialXEnvironment.get(this.scene);
+        lighting.update = () => {};
+        lighting.getTextures = () => environment;
+    }
+
+    #floorMaterial() {
+        this.tile.updateMatrixWorld();
+        const corners = [[-0.5, 0], [0.5, 0], [0.5, 1], [-0.5, 1]];
+        return new ShaderMaterial({
+            vertexShader: floorVertex,
+            fragmentShader: floorFragment,
+            uniforms: {
+                backdrop: { value: BACKDROP },
+                sphere: { value: this.sphere.position },
+                radius: { value: RADIUS },
+                tile: { value: corners.map(([x, y]) => this.tile.localToWorld(new Vector3(x, y, 0))) },
+                sphereShade: { value: 1 },
+                tileShade: { value: 1 },
+            },
+        });
+    }
+
+    /**
+     * Draws a material into a canvas, at the size of the canvas.
+     *
+     * @param material of `Generator.material`
+     * @param metres width of the tile
+     * @param radianceUnit candela per square metre of one unit of radiance in the shader
+     * @param view "both", "sphere" or "tile"
+     */
+    async draw(material, { metres, radianceUnit, view = "both" }, canvas) {
+        const shading = await this.#shading(material);
+        const intensity = WHITE_LUMINANCE / radianceUnit;
+        shading.envMapIntensity = intensity;
+        for (const shape of this.shapes) {
+            setSize(shape.geometry, metres);
+            shape.material = shading;
+        }
+        this.#show(VIEWS[view], intensity, material.transparent ? THIN_SHADE : 1, canvas);
+        this.#keep(shading);
+        Cache.clear(); // It would give a texture the address modes of the material that had it first.
+        if (this.errors.length) throw new Error(this.errors.splice(0).join("\n"));
+    }
+
+    /** Draws the studio without anything in it. */
+    drawEmpty(canvas) {
+        this.#show({ ...VIEWS.both, shown: [] }, 1, 1, canvas);
+    }
+
+    #show({ shown, at, field }, intensity, shade, canvas) {
+        const { backdrop, sphereShade, tileShade } = this.floor.material.uniforms;
+        this.sphere.visible = shown.includes("sphere");
+        this.tile.visible = shown.includes("tile");
+        sphereShade.value = this.sphere.visible ? shade : 0;
+        tileShade.value = this.tile.visible ? shade : 0;
+        backdrop.value = BACKDROP * intensity;
+        this.renderer.toneMappingExposure = 1 / intensity;
+        this.renderer.setSize(canvas.width, canvas.height, false);
+        const camera = new PerspectiveCamera(field, canvas.width / canvas.height, 0.1, 100);
+        camera.position.set(at, 1.15, 5.2);
+        camera.lookAt(at, 0.47, 0);
+        this.renderer.render(this.scene, camera);
+        canvas.getContext("2d").drawImage(this.renderer.domElement, 0, 0);
+    }
+
+    async #shading({ shader, transparent }) {
+        const loading = [];
+        const shading = new MaterialXMaterial({
+            name: "material",
+            shader,
+            context: {},
+            parameters: { transparent, premultipliedAlpha: true, side: transparent ? DoubleSide : FrontSide },
+            loaders: {
+                getTexture: (path) => {
+                    const texture = this.#texture(path.slice(1));
+                    loading.push(texture);
+                    return texture;
+                },
+            },
+        });
+        shading.forceSinglePass = false;
+        shading.uniforms.u_envRadianceSamples.value = REFLECTION_SAMPLES;
+        shading.uniforms.u_lightData.value = [{ type: 0 }];
+        await Promise.all(loading);
+        await new Promise((resolve) => setTimeout(resolve)); // The material takes the textures after us.
+        return shading;
+    }
+
+    // A compiled shader lives as long as a material that uses it.
+    #keep(shading) {
+        this.kept.push(shading);
+        if (this.kept.length > KEPT_MATERIALS) this.kept.shift().dispose();
+    }
+
+    #texture(name) {
+        if (!this.textures.has(name)) this.textures.set(name, this.#loadTexture(name));
+        return this.textures.get(name);
+    }
+
+    async #loadTexture(name) {
+        if (!(name in this.images)) throw new Error(`no image ${name}`);
+        const texture = await new TextureLoader().loadAsync(this.images[name]);
+        texture.anisotropy = this.renderer.capabilities.getMaxAnisotropy();
+        texture.wrapS = texture.wrapT = RepeatWrapping;
+        return texture;
+    }
+}
