@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <iostream>
 #include <limits>
+#include <map>
 #include <memory>
 
 #include <MaterialTranslation/Diagnostics.h>
@@ -19,9 +20,10 @@ namespace
 constexpr int largestImage = 16384;
 constexpr unsigned mostJobs = 1024;
 
-constexpr const char* footer = "Exit status: 0 all done, 1 some materials or images failed, 2 "
-                               "wrong usage or unreadable input\n"
-                               "(nothing was written), 130 interrupted.";
+constexpr const char* footer =
+    "Exit status: 0 all done, 1 some materials, documents or images failed, 2 "
+    "wrong usage or unreadable input\n"
+    "(nothing was written), 130 interrupted.";
 
 void addFiles(CLI::App& app, std::vector<std::string>& files)
 {
@@ -56,6 +58,25 @@ void defineConversionOptions(CLI::App& app, MaterialTranslation::ConverterOption
                  "print every property read to standard output; implies --jobs 1");
 }
 
+void defineDocumentOptions(CLI::App& app, ConvertCommand& command)
+{
+    using MaterialTranslation::NodeForm;
+    static const std::map<std::string, NodeForm> forms = {{"reference", NodeForm::Reference},
+                                                          {"embed", NodeForm::Embed},
+                                                          {"standard", NodeForm::Standard}};
+    const auto choose = [&command](const std::string& name) { command.nodes = forms.at(name); };
+    app.add_option_function<std::string>("--nodes", choose,
+                                         "how documents use the kvor nodes: by reference "
+                                         "(default), with their definitions embedded, "
+                                         "or replaced by standard nodes")
+        ->check(CLI::IsMember({"reference", "embed", "standard"}))
+        ->type_name("FORM");
+    app.add_flag("--validate", command.validate,
+                 "check every document before it is written; an invalid one counts as failed");
+    app.add_flag("--absolute-paths", command.absolutePaths,
+                 "keep absolute image paths in the documents");
+}
+
 void defineConvert(CLI::App& root, ConvertCommand& command)
 {
     CLI::App& app = *root.add_subcommand("convert", "convert materials to MaterialX documents");
@@ -69,8 +90,7 @@ void defineConvert(CLI::App& root, ConvertCommand& command)
         ->check(pathText())
         ->type_name("DIR");
     defineConversionOptions(app, command.options);
-    app.add_flag("--absolute-paths", command.absolutePaths,
-                 "keep absolute image paths in the documents");
+    defineDocumentOptions(app, command);
     addNumber(app, "--jobs,-j", command.jobs,
               "materials translated side by side (default: the number of cores)", {1, mostJobs});
     addPath(app, "--report", command.report, "write a JSON report")->type_name("FILE");
@@ -90,6 +110,13 @@ void defineList(CLI::App& root, ListCommand& command)
     CLI::App& app = *root.add_subcommand("list", "print what the files hold");
     addFiles(app, command.files);
     app.add_flag("--json", command.json, "print JSON");
+}
+
+void defineValidate(CLI::App& root, ValidateCommand& command)
+{
+    CLI::App& app = *root.add_subcommand(
+        "validate", "check documents against the standard and the kvor definitions");
+    app.add_option("FILE", command.files, "MaterialX documents")->required()->type_name("");
 }
 
 void addImageFile(CLI::App& app, std::string& output)
@@ -187,11 +214,13 @@ Request parseCommandLine(int count, const char* const* arguments)
     ConvertCommand convert;
     OverlayCommand overlay;
     ListCommand list;
+    ValidateCommand validate;
     BakeNormalCommand normal;
     BakeNoiseCommand noise;
     defineConvert(app, convert);
     defineOverlay(app, overlay);
     defineList(app, list);
+    defineValidate(app, validate);
     CLI::App& bake = *app.add_subcommand("bake", "bake images")->require_subcommand(1);
     defineBakeNormal(bake, normal);
     defineBakeNoise(bake, noise);
@@ -212,6 +241,8 @@ Request parseCommandLine(int count, const char* const* arguments)
         return overlay;
     if (app.got_subcommand("list"))
         return list;
+    if (app.got_subcommand("validate"))
+        return validate;
     if (bake.got_subcommand("normal"))
         return normal;
     return noise;

@@ -11,7 +11,7 @@ namespace vyr::cli
 /// What the program has to do: a command, or nothing but to end, because help was printed or the
 /// arguments are wrong.
 using Request = std::variant<ExitStatus, ConvertCommand, OverlayCommand, ListCommand,
-                             BakeNormalCommand, BakeNoiseCommand>;
+                             ValidateCommand, BakeNormalCommand, BakeNoiseCommand>;
 
 /// Reads the arguments; prints the help and the version to standard output, and what is wrong to
 /// standard error.

@@ -6,6 +6,7 @@
 
 #include <MaterialTranslation/Bakes.h>
 #include <MaterialTranslation/ConverterOptions.h>
+#include <MaterialTranslation/NodeForms.h>
 
 #include "ExitStatus.h"
 
@@ -24,6 +25,9 @@ struct ConvertCommand
     /// `outputDirectory` is filled when the folder is known to exist.
     MaterialTranslation::ConverterOptions options;
     bool absolutePaths = false;
+    /// How the documents use the kvor nodes.
+    MaterialTranslation::NodeForm nodes = MaterialTranslation::NodeForm::Reference;
+    bool validate = false;
     /// Materials translated side by side; 0: as many as there are cores.
     unsigned jobs = 0;
     /// JSON report; empty: none.
@@ -44,6 +48,12 @@ struct ListCommand
 {
     std::vector<std::string> files;
     bool json = false;
+};
+
+/// What `vyr-mtlx validate` was asked for.
+struct ValidateCommand
+{
+    std::vector<std::string> files;
 };
 
 /// What `vyr-mtlx bake normal` was asked for.
@@ -70,6 +80,7 @@ struct BakeNoiseCommand
 ExitStatus run(const ConvertCommand& command);
 ExitStatus run(const OverlayCommand& command);
 ExitStatus run(const ListCommand& command);
+ExitStatus run(const ValidateCommand& command);
 ExitStatus run(const BakeNormalCommand& command);
 ExitStatus run(const BakeNoiseCommand& command);
 

@@ -16,6 +16,7 @@
 
 #include "Commands.h"
 #include "Delivery.h"
+#include "DocumentForm.h"
 #include "DocumentNames.h"
 #include "ImagePaths.h"
 #include "Interruption.h"
@@ -77,14 +78,16 @@ MaterialX::DocumentPtr translate(MaterialXConverter& converter, const Task& task
 }
 
 void write(const MaterialX::DocumentPtr& document, const Task& task, const OutputFolder& folder,
-           bool absolutePaths, Outcome& outcome)
+           const ConvertCommand& command, Outcome& outcome)
 {
     const std::filesystem::path file = folder.shown / documentFile(task.name);
     const std::string shown = utf8FromPath(file);
     try
     {
-        if (!absolutePaths)
+        if (!command.absolutePaths)
             makeImagePathsRelative(*document, folder);
+        if (!bringIntoForm(document, command, folder, outcome))
+            return;
         std::vector<std::string> textures = imagePaths(*document);
         MaterialTranslation::writeDocumentFile(document, file);
         outcome.converted = true;
@@ -98,7 +101,7 @@ void write(const MaterialX::DocumentPtr& document, const Task& task, const Outpu
 }
 
 Outcome convert(MaterialXConverter& converter, const Task& task, const OutputFolder& folder,
-                bool absolutePaths)
+                const ConvertCommand& command)
 {
     Outcome outcome;
     outcome.warnings = task.warnings;
@@ -106,7 +109,7 @@ Outcome convert(MaterialXConverter& converter, const Task& task, const OutputFol
     if (!task.refusal.empty())
         return outcome;
     if (const MaterialX::DocumentPtr document = translate(converter, task, outcome))
-        write(document, task, folder, absolutePaths, outcome);
+        write(document, task, folder, command, outcome);
     return outcome;
 }
 
@@ -120,7 +123,7 @@ ExitStatus convertAll(const ConvertCommand& command, const std::vector<Task>& ta
     const Work work = [&](std::size_t worker, std::size_t step)
     {
         MaterialTranslation::setBakeSettings(bakes);
-        return convert(*converters[worker], tasks[step], folder, command.absolutePaths);
+        return convert(*converters[worker], tasks[step], folder, command);
     };
 
     Delivery delivery(command, tasks);
@@ -140,6 +143,8 @@ ExitStatus run(const ConvertCommand& command)
     MaterialXConverter namer(options);
     const std::optional<std::vector<Task>> tasks = makeTasks(command, *source, namer);
     if (!tasks || !filesAreApart(command, *tasks))
+        return ExitStatus::WrongUse;
+    if (!definitionsAreThere(command))
         return ExitStatus::WrongUse;
 
     finishBeforeStopping();
