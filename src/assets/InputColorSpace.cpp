@@ -26,13 +26,13 @@ struct PresetRange
 
 // In ascending order, without overlap. Numbers outside are of neither class.
 constexpr PresetRange presetRanges[] = {
-    {1, 133, Display},      {134, 136, Linear},   {137, 141, Display},   {142, 143, Linear},
-    {144, 180, Display},    {181, 201, Linear},   {202, 202, Display},   {203, 203, Linear},
-    {204, 208, Display},    {209, 212, Linear},   {213, 237, Display},   {238, 239, Linear},
-    {240, 253, Display},    {254, 254, Linear},   {255, 256, Display},   {257, 262, Linear},
-    {318, 323, Display},    {334, 338, Display},  {344, 344, Display},   {350, 350, Display},
-    {352, 422, Display},    {624, 624, Display},  {625, 626, Linear},    {800, 898, Linear},
-    {1100, 1169, Linear},   {1170, 1172, Display}, {1173, 1188, Linear}, {2000, 2023, Display},
+    {1, 133, Display},    {134, 136, Linear},    {137, 141, Display},  {142, 143, Linear},
+    {144, 180, Display},  {181, 201, Linear},    {202, 202, Display},  {203, 203, Linear},
+    {204, 208, Display},  {209, 212, Linear},    {213, 237, Display},  {238, 239, Linear},
+    {240, 253, Display},  {254, 254, Linear},    {255, 256, Display},  {257, 262, Linear},
+    {318, 323, Display},  {334, 338, Display},   {344, 344, Display},  {350, 350, Display},
+    {352, 422, Display},  {624, 624, Display},   {625, 626, Linear},   {800, 898, Linear},
+    {1100, 1169, Linear}, {1170, 1172, Display}, {1173, 1188, Linear}, {2000, 2023, Display},
     {2024, 2064, Linear},
 };
 
@@ -126,8 +126,8 @@ NamedMeaning namedMeaning(const ColorSpaceQuestion& question, bool sourceIsTextu
 ColorMeaning presetMeaning(long long number)
 {
     const auto* range =
-        std::find_if(std::begin(presetRanges), std::end(presetRanges), [number](const auto& r)
-                     { return number >= r.first && number <= r.last; });
+        std::find_if(std::begin(presetRanges), std::end(presetRanges),
+                     [number](const auto& r) { return number >= r.first && number <= r.last; });
     return range == std::end(presetRanges) ? Unknown : range->meaning;
 }
 

@@ -127,7 +127,7 @@ class MachineFile : public NewFile
     {
         errno = 0;
         return std::fwrite(bytes.data(), 1, bytes.size(), _file) == bytes.size() ? std::error_code()
-                                                                                : lastError();
+                                                                                 : lastError();
     }
 
     std::error_code close() override

@@ -23,9 +23,9 @@ template <class Value> TypeTable::value_type row(const char* name)
 const TypeTable& typeTable()
 {
     static const TypeTable table{
-        row<mx::Color3>("color3"),     row<mx::Color4>("color4"),     row<mx::Vector2>("vector2"),
-        row<mx::Vector3>("vector3"),   row<mx::Vector4>("vector4"),   row<mx::Matrix33>("matrix33"),
-        row<mx::Matrix44>("matrix44"), row<float>("float"),           row<int>("integer"),
+        row<mx::Color3>("color3"),     row<mx::Color4>("color4"),   row<mx::Vector2>("vector2"),
+        row<mx::Vector3>("vector3"),   row<mx::Vector4>("vector4"), row<mx::Matrix33>("matrix33"),
+        row<mx::Matrix44>("matrix44"), row<float>("float"),         row<int>("integer"),
         row<bool>("boolean"),          row<std::string>("string"),
     };
     return table;

@@ -37,9 +37,9 @@ constexpr const char* bumpMap = "generic_bump_map";
 
 /// All of them, in the order in which the rules read them.
 constexpr const char* all[] = {
-    colorByObject, diffuse,      diffuseFade,     reflectivity, isMetal,
+    colorByObject, diffuse,      diffuseFade,      reflectivity, isMetal,
     glossiness,    transparency, transparencyFade, translucency, refractionIndex,
-    cutout,        luminance,    filterMap,       bumpAmount,   bumpMap,
+    cutout,        luminance,    filterMap,        bumpAmount,   bumpMap,
 };
 } // namespace property
 
@@ -202,8 +202,8 @@ class GenericReader
         if (luminance > 0.0f)
             _params.emission = luminance / luminanceOfEmissionOne;
         if (has(property::filterMap) && !takeTexture(property::filterMap, "emission_color"))
-            _params.emission_color = readColor(_view, property::filterMap, _params.emission_color,
-                                               _options.colorMode);
+            _params.emission_color =
+                readColor(_view, property::filterMap, _params.emission_color, _options.colorMode);
     }
 
     void readBump()

@@ -66,8 +66,7 @@ std::optional<GenericMaterial> readMaterial(const Translation& translation)
         if (const auto* table = genericTable(translation.asset, schema))
             return readFrom(*table, schema, translation);
         translation.log.error(DiagnosticCode::NoGenericProperties, "",
-                              "a material of schema \"" + schema +
-                                  "\" without generic properties");
+                              "a material of schema \"" + schema + "\" without generic properties");
     }
     catch (const assets::PropertyError& error)
     {

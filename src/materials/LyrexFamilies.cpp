@@ -20,13 +20,20 @@ constexpr LyrexInput metal[] = {
 };
 
 constexpr LyrexInput opaque[] = {
-    {"surface_normal", Vector},      {"surface_cutout", Color},
-    {"surface_albedo", Color},       {"opaque_albedo", Color},
-    {"surface_roughness", Float},    {"surface_anisotropy", Float},
-    {"surface_rotation", Float},     {"opaque_f0", Float},
-    {"opaque_translucency", Boolean}, {"opaque_mfp_modifier", Color},
-    {"opaque_mfp", Float},           {"opaque_emission", Boolean},
-    {"opaque_luminance", Float},     {"opaque_luminance_modifier", Color},
+    {"surface_normal", Vector},
+    {"surface_cutout", Color},
+    {"surface_albedo", Color},
+    {"opaque_albedo", Color},
+    {"surface_roughness", Float},
+    {"surface_anisotropy", Float},
+    {"surface_rotation", Float},
+    {"opaque_f0", Float},
+    {"opaque_translucency", Boolean},
+    {"opaque_mfp_modifier", Color},
+    {"opaque_mfp", Float},
+    {"opaque_emission", Boolean},
+    {"opaque_luminance", Float},
+    {"opaque_luminance_modifier", Color},
 };
 
 constexpr LyrexInput transparent[] = {

@@ -85,8 +85,8 @@ class LyrexReader
     std::optional<textures::ConnectedTexture> readTexture(const LyrexInput& input) const
     {
         if (input.type != LyrexType::Boolean)
-            return textures::readConnectedTexture({_view, input.name, textures::TextureRole::Lyrex,
-                                                   typeName(input.type), _log});
+            return textures::readConnectedTexture(
+                {_view, input.name, textures::TextureRole::Lyrex, typeName(input.type), _log});
         assets::dismissConnection(_view, input.name);
         _log.warning(DiagnosticCode::TextureNotTranslated, input.name,
                      "no texture can drive a Boolean; the plain value is used");
@@ -154,7 +154,8 @@ class LyrexWriter
     void write(const LyrexValue& value)
     {
         // The fraction has decided already which way round it counts.
-        if (value.input.name == std::string_view(fractionInvertInput) && _shader->getInput(fractionInvertInput))
+        if (value.input.name == std::string_view(fractionInvertInput) &&
+            _shader->getInput(fractionInvertInput))
         {
             warnIfOverruled(value);
             return;
@@ -181,8 +182,8 @@ class LyrexWriter
     void writePlain(const LyrexValue& value)
     {
         const mx::InputPtr input = std::visit(
-            [&](const auto& plain) { return graph::addTypedInput(_shader, value.input.name, plain); },
-            *value.plain);
+            [&](const auto& plain)
+            { return graph::addTypedInput(_shader, value.input.name, plain); }, *value.plain);
         if (!value.colorSpace.empty())
             input->setColorSpace(value.colorSpace);
         graph::setInputUnit(input, value.unit);

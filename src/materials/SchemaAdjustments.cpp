@@ -56,7 +56,8 @@ void adjustMetallicPaint(GenericMaterial& material, const Sources& from)
     if (flake == std::end(flakes))
     {
         from.log.warning(DiagnosticCode::ChoiceUnknown, property,
-                    "\"" + metal + "\" is no metal that is known; the paint keeps its own colour");
+                         "\"" + metal +
+                             "\" is no metal that is known; the paint keeps its own colour");
         return;
     }
     params.base_color = encodeLinear(flake->color, from.colorMode);
@@ -78,7 +79,8 @@ void adjustSolidGlass(GenericMaterial& material, const Sources& from)
     const float reflectance = assets::GetFloatProperty(from.own, property);
     const float used = std::clamp(reflectance, 0.0f, highest);
     if (used != reflectance)
-        from.log.warning(DiagnosticCode::ValueAdjusted, property, "taken as the nearest of 0 to 0.9");
+        from.log.warning(DiagnosticCode::ValueAdjusted, property,
+                         "taken as the nearest of 0 to 0.9");
     const float root = std::sqrt(used);
     params.specular_IOR = (1.0f + root) / (1.0f - root);
 }
@@ -116,7 +118,8 @@ void adjustWater(GenericMaterial& material, const Sources& from)
     params.transmission_color = params.base_color;
     if (!type.empty())
         from.log.warning(DiagnosticCode::ChoiceUnknown, property,
-                    "\"" + type + "\" is no kind of water that is known; it keeps its own colour");
+                         "\"" + type +
+                             "\" is no kind of water that is known; it keeps its own colour");
 }
 
 using Adjustment = void (*)(GenericMaterial&, const Sources&);

@@ -19,8 +19,8 @@ namespace
 {
 
 using Params = StandardSurfaceParams;
-using Field = std::variant<std::monostate, float Params::*, Params::Color Params::*,
-                           bool Params::*>;
+using Field =
+    std::variant<std::monostate, float Params::*, Params::Color Params::*, bool Params::*>;
 
 /// A shader input: where its plain value comes from, and its type when a texture drives it.
 struct InputRow
@@ -85,25 +85,23 @@ class InputWriter
     /// The texture of a tinted wood's base colour goes through the tint; any other stays.
     mx::OutputPtr tinted(const InputRow& row, const mx::OutputPtr& texture) const
     {
-        if (!texture || !_material.tint ||
-            row.field != Field(&Params::base_color))
+        if (!texture || !_material.tint || row.field != Field(&Params::base_color))
             return texture;
         return addTintGraph(_shader->getDocument(), texture, *_material.tint, _colorSpace);
     }
 
     void writePlain(const char* /*name*/, std::monostate /*none*/) const {}
-    void writePlain(const char* name, float Params::*field) const
+    void writePlain(const char* name, float Params::* field) const
     {
         graph::addTypedInput(_shader, name, _material.params.*field);
     }
-    void writePlain(const char* name, bool Params::*field) const
+    void writePlain(const char* name, bool Params::* field) const
     {
         graph::addTypedInput(_shader, name, _material.params.*field);
     }
-    void writePlain(const char* name, Params::Color Params::*field) const
+    void writePlain(const char* name, Params::Color Params::* field) const
     {
-        const mx::InputPtr input =
-            graph::addTypedInput(_shader, name, _material.params.*field);
+        const mx::InputPtr input = graph::addTypedInput(_shader, name, _material.params.*field);
         if (field != &Params::opacity)
             input->setColorSpace(_colorSpace);
     }

@@ -16,9 +16,11 @@ class KELVOR_PLATFORM_INTERFACE IPathResolver
     /// @param path receives the file's path, absolute where the host can; unchanged when nothing was
     ///        found.
     /// @return true when a file was found.
-    virtual bool Resolve(const core::string::UTF8String& uri, core::string::UTF8String& path) const = 0;
+    virtual bool Resolve(const core::string::UTF8String& uri,
+                         core::string::UTF8String& path) const = 0;
     /// The same in the platform's wide form.
-    virtual bool Resolve(const core::string::WideString& uri, core::string::WideString& path) const = 0;
+    virtual bool Resolve(const core::string::WideString& uri,
+                         core::string::WideString& path) const = 0;
 
   protected:
     IPathResolver() = default;
