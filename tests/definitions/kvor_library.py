@@ -1,5 +1,9 @@
 """The kvor definitions as a MaterialX program sees them, and the forms that a document can take."""
 
+import atexit
+import os
+import subprocess
+import tempfile
 from importlib import import_module
 from pathlib import Path
 
@@ -32,7 +36,6 @@ def load(*folders_and_paths):
 _STANDARD = (mx.getDefaultDataLibraryFolders(), STANDARD_SEARCH_PATH)
 _KVOR = (["kvor"], mx.FileSearchPath(str(LIBRARIES)))
 standard = load(_STANDARD)
-kvor = load(_KVOR)
 both = load(_STANDARD, _KVOR)
 
 
@@ -70,55 +73,31 @@ def generate(doc, path, generator="glsl"):
     return gen.generate("shader", doc.getDescendant(path), context)
 
 
-def embedded(doc):
-    """The document with the definitions inside, for programs with the standard library only."""
-    copy = mx.createDocument()
-    copy.copyContentFrom(doc)
-    copy.importLibrary(kvor)
-    _use_standard_units(copy)
-    text = mx.writeToXmlString(copy)
-    result = mx.createDocument()
-    mx.readFromXmlString(result, text)
-    result.setDataLibrary(standard)
-    return result
+class NodeForms:
+    """The program that brings documents into one of their forms, running as long as the tests do."""
+
+    def __init__(self, form, library):
+        self._library = library
+        self._command = [os.environ["VYR_NODE_FORMS"], form]
+        self._process = None
+
+    def __call__(self, doc):
+        """The document in that form, as a reader with only `library` gets it."""
+        if self._process is None:
+            self._process = subprocess.Popen(self._command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+            atexit.register(self._process.communicate)
+        with tempfile.TemporaryDirectory() as folder:
+            source, target = f"{folder}/source.mtlx", f"{folder}/target.mtlx"
+            mx.writeToXmlFile(doc, source)
+            self._process.stdin.write(f"{source}\t{target}\n")
+            self._process.stdin.flush()
+            if self._process.stdout.readline() != "done\n":
+                raise RuntimeError(f"no result from {self._command}")
+            result = mx.createDocument()
+            mx.readFromXmlString(result, Path(target).read_text(encoding="utf-8"))
+        result.setDataLibrary(self._library)
+        return result
 
 
-def flattened(doc):
-    """The document in standard nodes only."""
-    copy = mx.createDocument()
-    copy.copyContentFrom(doc)
-    copy.setDataLibrary(both)
-    for graph in (*copy.getNodeGraphs(), copy):
-        for node in graph.getNodes("kvor:bitmap"):
-            _transform_after(graph, node)
-        graph.flattenSubgraphs("", lambda node: node.getCategory().startswith("kvor:"))
-    _use_standard_units(copy)
-    copy.setDataLibrary(standard)
-    return copy
-
-
-def _use_standard_units(doc):
-    names = {"degrees": "degree", "radians": "radian"}
-    for element in doc.traverseTree():
-        if element.hasAttribute("unit"):
-            element.setAttribute("unit", names.get(element.getAttribute("unit"), element.getAttribute("unit")))
-
-
-def _transform_after(graph, bitmap):
-    """Makes the colour transform of an altered image a node of its own, behind amount and inversion.
-
-    MaterialX transforms what a node with a colour-managed file gives: the result of a kvor:bitmap,
-    but, once that is flattened, the stored colour, before amount and inversion.
-    """
-    space = bitmap.getInput("file").getColorSpace()
-    inverted = bitmap.getInputValue("invert")
-    amount = bitmap.getInputValue("rgbamount")
-    altered = inverted or (amount is not None and amount != 1)
-    if not altered or not bitmap.isColorType() or space in ("", "none", "lin_rec709"):
-        return
-    readers = bitmap.getDownstreamPorts()
-    transform = graph.addNode(f"{space}_to_lin_rec709", bitmap.getName() + "_linear", bitmap.getType())
-    for reader in readers:
-        reader.setNodeName(transform.getName())
-    transform.addInput("in", bitmap.getType()).setNodeName(bitmap.getName())
-    bitmap.getInput("file").setColorSpace("none")
+flattened = NodeForms("standard", standard)
+FORMS = {"reference": NodeForms("reference", both), "embed": NodeForms("embed", standard), "standard": flattened}

@@ -82,13 +82,15 @@ class Placement(unittest.TestCase):
                   "foot": 0.3048, "yard": 0.9144, "meter": 1, "kilometer": 1e3, "mile": 1609.344}  # fmt: skip
         reference = None
         for unit, size in meters.items():
-            with self.subTest(unit):
-                scale = length(8 * INCH / size, 4 * INCH / size, unit)
-                doc = texture("bitmap", "color3", realworld_scale=scale)
-                result = picture(doc, OUTPUT, {"image": CHECKER}, (0.01, 0.02), (0.4, 0.41))
-                reference = result if reference is None else reference
-                self.assertGreater(np.ptp(result), 0.5)
-                np.testing.assert_allclose(result, reference, atol=1e-3)
+            for form, change in kv.FORMS.items():
+                with self.subTest(unit, form=form):
+                    scale = length(8 * INCH / size, 4 * INCH / size, unit)
+                    turn = angle(0.25, "radians")
+                    doc = texture("bitmap", "color3", form=change, realworld_scale=scale, rotation_angle=turn)
+                    result = picture(doc, OUTPUT, {"image": CHECKER}, (0.01, 0.02), (0.4, 0.41))
+                    reference = result if reference is None else reference
+                    self.assertGreater(np.ptp(result), 0.5)
+                    np.testing.assert_allclose(result, reference, atol=1e-3)
 
 
 class Bitmap(unittest.TestCase):
@@ -118,7 +120,6 @@ class Bitmap(unittest.TestCase):
             "g22_rec709": lambda x: x**2.2,
             "rec709_display": lambda x: x**2.4,
         }
-        forms = {"reference": lambda doc: doc, "embedded": kv.embedded, "flattened": kv.flattened}
         settings = [(False, 1), (True, 1), (False, 0.5), (True, 0.5)]
         for type, channels in (("float", 1), ("vector3", 3), ("color3", 3), ("color4", 4)):
             for space, decode in decoders.items():
@@ -128,7 +129,7 @@ class Bitmap(unittest.TestCase):
                     if type == "color4":
                         expected = np.append(expected[:3], stored[3])
                     values = dict(rgbamount=("float", amount), invert=("boolean", str(invert).lower()))
-                    for form, change in forms.items():
+                    for form, change in kv.FORMS.items():
                         with self.subTest(type=type, space=space, invert=invert, amount=amount, form=form):
                             doc = texture("bitmap", type, space, change, **values)
                             image = np.tile(stored[:channels], (2, 2, 1))
@@ -137,13 +138,13 @@ class Bitmap(unittest.TestCase):
 
 
 class Relief(unittest.TestCase):
-    def normal(self, node, image, **values):
+    def normals(self, node, image, **values):
         clamp = dict(uaddressmode=("string", "clamp"), vaddressmode=("string", "clamp"))
         return [
             picture(
                 texture(node, "vector3", "srgb_texture", form, **clamp, **values), OUTPUT, {"image": image}, (-0.02, 0.01), (0.02, 0.02)
             )[8, 2, :3]
-            for form in (lambda doc: doc, kv.flattened)
+            for form in kv.FORMS.values()
         ]
 
     def check(self, found, direction):
@@ -155,19 +156,19 @@ class Relief(unittest.TestCase):
         across = dict(realworld_scale=length(10, 5, "centimeter"), realworld_offset=length(-5, -2, "centimeter"))
         depth = ("float", 25, "millimeter", "distance")
         slope = 0.025 / 0.1
-        self.check(self.normal("height_map", ramp, depth=depth, **across), (-slope, 0, 1))
-        self.check(self.normal("height_map", ramp, depth=depth, uv_scale=numbers(0.5, 1), **across), (-slope / 2, 0, 1))
-        self.check(self.normal("height_map", ramp, depth=("float", -1, "inch", "distance"), **across), (INCH / 0.1, 0, 1))
+        self.check(self.normals("height_map", ramp, depth=depth, **across), (-slope, 0, 1))
+        self.check(self.normals("height_map", ramp, depth=depth, uv_scale=numbers(0.5, 1), **across), (-slope / 2, 0, 1))
+        self.check(self.normals("height_map", ramp, depth=("float", -1, "inch", "distance"), **across), (INCH / 0.1, 0, 1))
         upwards = dict(across, realworld_offset=length(5, -2, "centimeter"), rotation_angle=angle(90))
-        self.check(self.normal("height_map", ramp, depth=depth, **upwards), (0, -slope, 1))
+        self.check(self.normals("height_map", ramp, depth=depth, **upwards), (0, -slope, 1))
 
     def test_normal_map_scales_and_turns(self):
         tilted = np.tile([0.8, 0.6, 0.9], (2, 2, 1))
         x, y, z = 0.6, 0.2, 0.8
-        self.check(self.normal("normal_map", tilted), (x, y, z))
-        self.check(self.normal("normal_map", tilted, normal_scale=("float", 2)), (2 * x, 2 * y, z))
-        self.check(self.normal("normal_map", tilted, normal_scale=("float", 0)), (0, 0, 1))
-        self.check(self.normal("normal_map", tilted, rotation_angle=angle(90)), (-y, x, z))
+        self.check(self.normals("normal_map", tilted), (x, y, z))
+        self.check(self.normals("normal_map", tilted, normal_scale=("float", 2)), (2 * x, 2 * y, z))
+        self.check(self.normals("normal_map", tilted, normal_scale=("float", 0)), (0, 0, 1))
+        self.check(self.normals("normal_map", tilted, rotation_angle=angle(90)), (-y, x, z))
 
 
 class Shading(unittest.TestCase):
@@ -195,6 +196,7 @@ class Shading(unittest.TestCase):
             ("opaque", dict(opaque_emission=("boolean", "true"), opaque_luminance_modifier=("color3", "1, 0.5, 0")), "emission_color", (1, 0.5, 0)),
             ("opaque", dict(opaque_luminance_modifier=("color3", "1, 0.5, 0")), "emission_color", (0, 0, 0)),
             ("opaque", dict(opaque_luminance=("float", 250)), "emission", 250),
+            ("opaque", dict(opaque_luminance=("float", 2, "footlambert", "luminance")), "emission", 6.85252),
             ("opaque", dict(opaque_translucency=("boolean", "true")), "subsurface", 1),
             ("layered", dict(layered_fraction=("float", 0.3)), "metalness", 0.3),
             ("layered", dict(layered_fraction=("float", 0.3), layered_fraction_invert=("boolean", "true")), "metalness", 0.7),
