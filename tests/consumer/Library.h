@@ -10,6 +10,7 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <utility>
 #include <variant>
 
 #include <kelvor/platform/assets/IAssetDefinition.h>
@@ -28,49 +29,73 @@ using kelvor::platform::core::string::UTF8String;
 using Color = std::array<double, 3>;
 using Content = std::variant<double, Color>;
 
-class Value final : public assets::IScalarValue
+/// What a number and a colour have in common; each overrides what it can deliver.
+template <class Interface> class Value : public Interface
 {
   public:
-    explicit Value(Content content) : _content(content) {}
-
     std::size_t GetComponentCount() const override { return 1; }
     std::uint32_t GetUnit() const override { return assets::eUnit_None; }
     bool GetBoolean(std::size_t) const override { return false; }
-    double GetScalar(std::size_t) const override { return std::get<double>(_content); }
+    void GetColor(std::size_t, double&, double&, double&, double&) const override {}
+};
+
+class ScalarValue final : public Value<assets::IScalarValue>
+{
+  public:
+    explicit ScalarValue(double number) : _number(number) {}
+
+    double GetScalar(std::size_t) const override { return _number; }
+
+  private:
+    double _number;
+};
+
+class ColorValue final : public Value<assets::IValue>
+{
+  public:
+    explicit ColorValue(const Color& color) : _color(color) {}
+
     void GetColor(std::size_t, double& red, double& green, double& blue,
                   double& alpha) const override
     {
-        const Color& color = std::get<Color>(_content);
-        red = color[0];
-        green = color[1];
-        blue = color[2];
+        red = _color[0];
+        green = _color[1];
+        blue = _color[2];
         alpha = 1;
     }
 
-    bool isColor() const { return std::holds_alternative<Color>(_content); }
-
   private:
-    Content _content;
+    Color _color;
 };
 
 class Property final : public assets::IProperty
 {
   public:
-    Property(std::string name, Content content) : _name(std::move(name)), _value(content) {}
+    Property(std::string name, const Content& content) : _name(std::move(name))
+    {
+        if (const double* number = std::get_if<double>(&content))
+            _value.emplace<ScalarValue>(*number);
+        else
+            _value.emplace<ColorValue>(std::get<Color>(content));
+    }
 
     void GetIdentifier(UTF8String& identifier) const override { identifier = UTF8String(_name); }
     std::uint32_t GetType() const override
     {
-        return _value.isColor() ? assets::ePropertyType_Color : assets::ePropertyType_Scalar;
+        return std::holds_alternative<ColorValue>(_value) ? assets::ePropertyType_Color
+                                                          : assets::ePropertyType_Scalar;
     }
-    const assets::IValue* GetValue() const override { return &_value; }
+    const assets::IValue* GetValue() const override
+    {
+        return std::visit([](const assets::IValue& value) { return &value; }, _value);
+    }
     bool HasConnections() const override { return false; }
     std::size_t GetConnectionCount() const override { return 0; }
     assets::IAssetInstance* GetConnectedAsset(std::size_t) const override { return nullptr; }
 
   private:
     std::string _name;
-    Value _value;
+    std::variant<ScalarValue, ColorValue> _value = ScalarValue(0);
 };
 
 class GenericDefinition final : public assets::IAssetDefinition

@@ -6,6 +6,7 @@
 
 #include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/MaterialXConverter.h>
+#include <MaterialTranslation/Validation.h>
 #include <MaterialXFormat/XmlIo.h>
 #include <kelvor/platform/assets/IAssetLibraryManager.h>
 
@@ -62,6 +63,12 @@ int main()
     if (!color || !color->isA<MaterialX::Color3>() ||
         color->asA<MaterialX::Color3>() != MaterialX::Color3(0.5f, 0.25f, 0.125f))
         return complain("the shader does not have the asset's colour");
+
+    // The definitions come from the installed tree, wherever it lies.
+    for (const ValidationMessage& message : validateDocument(document))
+        return complain(message.text.c_str());
+    if (!definitionLibrary()->getNodeDef("kvor:ND_metal_surfaceshader"))
+        return complain("the kvor definitions are not there");
 
     std::cout << libraryVersion() << '\n' << MaterialX::writeToXmlString(document);
     return 0;
