@@ -19,6 +19,13 @@
 #include <thread>
 #include <vector>
 
+/// Readers of the image library lose a few bytes over damaged files; that is not for us to mend.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions()
+{
+    return "leak:libOpenImageIO";
+}
+
 namespace vyr::MaterialTranslation::baking
 {
 namespace

@@ -16,34 +16,20 @@ namespace vyr::MaterialTranslation::baking
 ///     length = m * sqrt(((x / m) * (x / m) + (y / m) * (y / m)) + (z / m) * (z / m))
 ///
 /// in 32-bit float, as GNU's library rounds it. An infinite component gives NaN, not infinity.
-///
-/// Divisions are what the kernel waits for, and the largest component over m is exactly 1, so only the other
-/// two are divided: `first` and `second` in the order of the sum. When x or y is the largest, theirs are the
-/// first two terms, whose order does not matter.
 template <class Lanes>
 inline typename Lanes::Floats length3(typename Lanes::Floats x, typename Lanes::Floats y,
                                       typename Lanes::Floats z)
 {
     using L = Lanes;
     using Floats = typename L::Floats;
-    const Floats ax = L::absolute(x);
-    const Floats ay = L::absolute(y);
-    const Floats az = L::absolute(z);
-    const Floats larger = L::larger(ax, ay);
-    const Floats m = L::larger(larger, az);
-    const Floats one = L::all(1.0F);
-    const auto whenZIsLess = [&](Floats yes, Floats no) { return L::ifLess(az, larger, yes, no); };
-    const auto scaledSquare = [&](Floats component)
+    const Floats m = L::larger(L::larger(L::absolute(x), L::absolute(y)), L::absolute(z));
+    const auto squared = [&](Floats component)
     {
         const Floats scaled = L::divide(component, m);
         return L::multiply(scaled, scaled);
     };
-    const Floats first = scaledSquare(whenZIsLess(L::ifLess(ax, ay, ax, ay), ax));
-    const Floats second = scaledSquare(whenZIsLess(az, ay));
-    const Floats squares =
-        L::add(L::add(first, whenZIsLess(one, second)), whenZIsLess(second, one));
-    const Floats poison = L::multiply(L::all(0.0F), m);
-    return L::add(L::multiply(m, L::squareRoot(squares)), poison);
+    const Floats squares = L::add(L::add(squared(x), squared(y)), squared(z));
+    return L::multiply(m, L::squareRoot(squares));
 }
 
 /// Encoded normals of Lanes::kWidth pixels whose neighbours can all be read.
