@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <exception>
 #include <new>
@@ -102,6 +103,25 @@ void checkNotSame(const std::filesystem::path& source, const std::filesystem::pa
     }
 }
 
+/// The place for a baked file: the wished one, or the first with a number that replaces no file to be kept.
+std::filesystem::path placeBeside(const std::filesystem::path& wished,
+                                  const std::vector<std::filesystem::path>& kept)
+{
+    std::filesystem::path place = wished;
+    const auto isPlace = [&](const std::filesystem::path& file)
+    {
+        std::error_code error;
+        return std::filesystem::equivalent(file, place, error) && !error;
+    };
+    for (int number = 2; std::any_of(kept.begin(), kept.end(), isPlace); ++number)
+    {
+        place = wished.parent_path() / wished.stem();
+        place += fmt::format("-{}", number);
+        place += wished.extension();
+    }
+    return place;
+}
+
 OIIO::ImageBuf bakeNoise(const NoiseBakeOptions& options, const std::filesystem::path& destination,
                          std::vector<std::string>& warnings)
 {
@@ -136,8 +156,9 @@ BakedFile bakeBumpImage(const BumpImage& bump)
                      std::filesystem::path name = bump.image.stem();
                      name += "_normalmap.png";
                      std::filesystem::create_directories(bump.folder);
-                     writeImage(normals, bump.folder / name, bump.threads);
-                     baked.path = bump.folder / name;
+                     const std::filesystem::path path = placeBeside(bump.folder / name, bump.kept);
+                     writeImage(normals, path, bump.threads);
+                     baked.path = path;
                  });
     return baked;
 }
@@ -146,8 +167,8 @@ BakedFile bakeNoiseBump(const NoiseBump& bump)
 {
     BakedFile baked;
     const std::string name = fmt::format("{}_{}normal_map.png", bump.nodeName, bump.noise.width);
-    const std::filesystem::path path =
-        bump.folder / std::filesystem::path(std::u8string(name.begin(), name.end()));
+    const std::filesystem::path path = placeBeside(
+        bump.folder / std::filesystem::path(std::u8string(name.begin(), name.end())), bump.kept);
     baked.result = resultOf(path,
                             [&](std::vector<std::string>& warnings)
                             {

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace vyr::MaterialTranslation::baking
 {
@@ -22,6 +23,8 @@ struct BumpImage
     /// The normal map goes here, as the image's name without its last extension + "_normalmap.png". Made when
     /// missing.
     std::filesystem::path folder;
+    /// Files that must stay; a normal map that would replace one gets a number into its name.
+    std::vector<std::filesystem::path> kept;
     /// Set as "texture_RealWorldScaleX" and "texture_RealWorldScaleY" of the bake, which does not use them.
     float realWorldScaleX = 0.0F;
     float realWorldScaleY = 0.0F;
@@ -42,6 +45,8 @@ struct NoiseBump
     float bumpAmount = 0.0F;
     /// The normal map goes here, as nodeName + "_" + width + "normal_map.png". Made when missing.
     std::filesystem::path folder;
+    /// As of a bump image.
+    std::vector<std::filesystem::path> kept;
     std::string nodeName;
 };
 

@@ -3,7 +3,7 @@
 #include "baking/BakeError.h"
 #include "baking/ParallelRows.h"
 #include "baking/PngCompression.h"
-#include "baking/ReplaceFile.h"
+#include "core/ReplaceFile.h"
 
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
@@ -112,6 +112,13 @@ void writeImage(const OIIO::ImageBuf& image, const std::filesystem::path& destin
     {
         throw BakeError(fmt::format("{}: {}", utf8(destination), error.what()));
     }
-    replaceFile(destination, bytes);
+    const auto error = core::replaceFile(
+        destination, [&](core::NewFile& file)
+        { return file.write({reinterpret_cast<const char*>(bytes.data()), bytes.size()}); });
+    if (error)
+    {
+        throw BakeError(
+            fmt::format("{}: cannot be written: {}", utf8(destination), error.message()));
+    }
 }
 } // namespace vyr::MaterialTranslation::baking

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -18,14 +19,15 @@ bool isTreacherous(std::string_view name);
 /// dot or space at the end, and not too long. Mostly the name itself.
 std::string portableName(std::string_view name);
 
-/// Names that were given out in one folder; upper and lower case of ASCII letters do not keep two
-/// names apart.
+/// Names that were given out in one folder. Upper and lower case do not keep two names apart, be
+/// they Latin, Greek or Cyrillic letters.
 class FileNames
 {
   public:
-    /// The name, or the name with "-2", "-3"... before its extension, whichever is free; it is then
-    /// taken.
-    std::string take(const std::string& name);
+    /// The name, or the name with "-2", "-3"... before its extension, whichever is the first that was
+    /// not given out and that `isFree` agrees to; it is then taken.
+    std::string take(const std::string& name,
+                     const std::function<bool(const std::string&)>& isFree = {});
 
   private:
     std::set<std::string> _taken;

@@ -38,13 +38,14 @@ struct GatheredFile
     bool baked = false;
 };
 
-bool fileExists(const fs::path& path)
+/// What stands at the path, links followed; not found is no error.
+fs::file_status statusOf(const fs::path& path)
 {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     if (status.type() == fs::file_type::none)
         throw fs::filesystem_error("exists", path, error);
-    return fs::exists(status);
+    return status;
 }
 
 bool isSameFile(const fs::path& a, const fs::path& b)
@@ -70,18 +71,19 @@ class Gathering
 {
   public:
     explicit Gathering(const GatheringRequest& request)
-        : _request(request),
-          _folder(core::materialFolder(request.outputDirectory, request.name))
+        : _request(request), _folder(core::materialFolder(request.outputDirectory, request.name))
     {
     }
 
     void run()
     {
         const auto& children = _request.document->getChildren();
-        std::vector<Reference> references;
         for (std::size_t i = _request.firstChild; i < children.size(); ++i)
-            collectReferences(children[i], references);
-        plan(references);
+            collectReferences(children[i], _references);
+        for (const Reference& reference : _references)
+            if (std::find(_paths.begin(), _paths.end(), reference.path) == _paths.end())
+                _paths.push_back(reference.path);
+        plan();
         if (_files.empty())
             return;
         core::makeMaterialFolder(_folder);
@@ -92,19 +94,19 @@ class Gathering
         for (const auto& [path, file] : _files)
             if (!file.baked)
                 copy(file);
-        for (const Reference& reference : references)
+        for (const Reference& reference : _references)
             rewrite(reference);
     }
 
   private:
     /// Gives each file a place: first the users' files that are in the folder already and must not
     /// be overwritten, then the other users' files, last the converter's own, which can be moved.
-    void plan(const std::vector<Reference>& references)
+    void plan()
     {
         for (const Rank rank : {Rank::InPlace, Rank::Users, Rank::Baked})
-            for (const Reference& reference : references)
-                if (!_files.contains(reference.path) && rankOf(reference.path) == rank)
-                    planFile(reference.path, rank == Rank::Baked);
+            for (const std::string& path : _paths)
+                if (rankOf(path) == rank)
+                    planFile(path, rank == Rank::Baked);
     }
 
     Rank rankOf(const std::string& path) const
@@ -124,7 +126,8 @@ class Gathering
     void planFile(const std::string& path, bool baked)
     {
         const fs::path source = core::pathFromUtf8(path);
-        if (!fileExists(source))
+        const fs::file_status status = statusOf(source);
+        if (!fs::exists(status))
             return;
         const std::string_view name = lastComponent(path);
         if (isTreacherous(name))
@@ -133,10 +136,10 @@ class Gathering
                                  "not gathered, for its name: " + core::xmlText(path));
             return;
         }
-        if (fs::is_directory(source))
+        if (!fs::is_regular_file(status))
         {
             _request.log.warning(DiagnosticCode::TextureNotGathered, "",
-                                 "not gathered, it is a folder: " + path);
+                                 "not gathered, it is no ordinary file: " + path);
             return;
         }
         if (const auto* same = findSame(source))
@@ -156,17 +159,31 @@ class Gathering
 
     fs::path place(const std::string& name, const std::string& path, bool baked)
     {
-        std::string taken;
-        fs::path destination;
-        do
-        {
-            taken = _names.take(portableName(name));
-            destination = _folder / core::pathFromUtf8(taken);
-        } while (fs::is_directory(fs::symlink_status(destination)));
+        const auto destination = [&](const std::string& candidate)
+        { return _folder / core::pathFromUtf8(candidate); };
+        const std::string taken =
+            _names.take(portableName(name), [&](const std::string& candidate)
+                        { return !isOccupied(destination(candidate), path, baked); });
         if (taken != name && !baked)
             _request.log.warning(DiagnosticCode::TextureRenamed, "",
                                  "gathered under the name " + taken + ": " + path);
-        return destination;
+        return destination(taken);
+    }
+
+    /// Whether a folder or another source stands in the way; only a baked file makes room for others.
+    bool isOccupied(const fs::path& destination, const std::string& path, bool baked) const
+    {
+        std::error_code error;
+        if (fs::is_directory(fs::symlink_status(destination, error)))
+            return true;
+        if (isSameFile(destination, core::pathFromUtf8(path)))
+            return false;
+        return std::any_of(_paths.begin(), _paths.end(),
+                           [&](const std::string& other)
+                           {
+                               return (baked || !isBaked(other)) &&
+                                      isSameFile(destination, core::pathFromUtf8(other));
+                           });
     }
 
     static void move(const GatheredFile& file)
@@ -207,7 +224,7 @@ class Gathering
     void rewrite(const Reference& reference) const
     {
         const auto file = _files.find(reference.path);
-        if (file == _files.end() || !fileExists(file->second.destination))
+        if (file == _files.end() || !fs::exists(statusOf(file->second.destination)))
             return;
         const std::u8string text = file->second.destination.generic_u8string();
         reference.input->setValueString({text.begin(), text.end()});
@@ -215,6 +232,9 @@ class Gathering
 
     const GatheringRequest& _request;
     fs::path _folder;
+    std::vector<Reference> _references;
+    /// Each path that is referred to, once, in the document's order.
+    std::vector<std::string> _paths;
     FileNames _names;
     std::map<std::string, GatheredFile> _files;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 #include "assets/PropertyReaders.h"
 #include "assets/Schemas.h"
@@ -43,6 +44,17 @@ bool accept(const baking::BakedFile& baked, ReliefBuild& build)
     else
         build.baked = baked.path;
     return baked.result.success;
+}
+
+/// The images that the material's other textures read: a user's file may be where a bake would go.
+std::vector<std::filesystem::path> imagesOf(const mx::NodeGraphPtr& graph)
+{
+    std::vector<std::filesystem::path> images;
+    for (const mx::NodePtr& node : graph->getNodes())
+        for (const mx::InputPtr& input : node->getInputs())
+            if (input->getType() == mx::FILENAME_TYPE_STRING)
+                images.push_back(core::pathFromUtf8(input->getValueString()));
+    return images;
 }
 
 /// The node that reads a baked normal map: linear data.
@@ -95,6 +107,7 @@ mx::OutputPtr addBakedNormalMap(const BumpTexture& bump, ReliefBuild& build)
     baking::BumpImage image;
     image.image = core::pathFromUtf8(bump.image);
     image.folder = build.folder;
+    image.kept = imagesOf(build.graph);
     // The bake carries the offsets under these names and does not use them.
     image.realWorldScaleX = bump.placement.realWorldOffset.value[0];
     image.realWorldScaleY = bump.placement.realWorldOffset.value[1];
@@ -121,6 +134,7 @@ mx::OutputPtr addNoiseNormalMap(const NoiseTexture& noise, ReliefBuild& build)
     bump.noise.threads = bakeSettings().threads;
     bump.bumpAmount = build.bumpAmount;
     bump.folder = build.folder;
+    bump.kept = imagesOf(build.graph);
     bump.nodeName = build.name;
     if (!accept(baking::bakeNoiseBump(bump), build))
         return nullptr;
