@@ -14,7 +14,7 @@ const LAMPS = [
     { at: [1, 0.35, 0.35], size: [0.16, 0.75], edge: 0.05, light: [3.6, 3.8, 4.1] }, // strip on the right
     { at: [0.15, 1, -0.35], size: [0.6, 0.25], edge: 0.1, light: [3.2, 3.2, 3.2] }, // overhead
     { at: [-1, 0.25, -0.7], size: [0.12, 0.6], edge: 0.05, light: [4.5, 4.6, 4.8] }, // rim on the left
-    { at: [0.1, 0.12, 1], size: [1.0, 0.16], edge: 0.2, light: [0.45, 0.45, 0.45] }, // fill behind the camera
+    { at: [-0.2, 0.37, 0.9], size: [0.6, 0.13], edge: 0.06, light: [0.85, 0.85, 0.85] }, // strip above the camera
 ].map((lamp) => {
     const centre = new Vector3(...lamp.at).normalize();
     const right = new Vector3().crossVectors(UP, centre).normalize();

@@ -4,16 +4,22 @@ import { createGenerator } from "./generator.js";
 import { radianceUnit, tileSize } from "./measure.js";
 import { FALLBACK, Studio } from "./studio.js";
 
-const cards = [...document.querySelectorAll("article")];
+// "?width=" is the width of the pictures, "?only=" their choice.
+const wishes = new URLSearchParams(location.search);
+const width = wishes.get("width");
+const only = wishes.get("only")?.split(",");
+
+const cards = [...document.querySelectorAll("article")].filter((card) => {
+    if (only && !only.includes(card.id)) card.remove();
+    return card.isConnected;
+});
+const canvases = cards.map((card) => card.querySelector("canvas"));
 const progress = document.querySelector("#progress");
 
 function inView(card) {
     const { top, bottom, height } = card.getBoundingClientRect();
     return height > 0 && bottom > 0 && top < innerHeight;
 }
-
-// The page asks for pictures of another width by "?width=".
-const canvases = () => cards.map((card) => card.querySelector("canvas"));
 
 function label(metres) {
     const [value, unit] = metres < 0.01 ? [metres * 1000, "mm"] : metres < 1 ? [metres * 100, "cm"] : [metres, "m"];
@@ -43,8 +49,7 @@ async function fillAll() {
     const studio = new Studio(window.galleryImages);
     const generator = await createGenerator();
     const waiting = [...cards];
-    const width = new URLSearchParams(location.search).get("width");
-    if (width) canvases().forEach((canvas) => Object.assign(canvas, { width, height: width / 1.5 }));
+    if (width) canvases.forEach((canvas) => Object.assign(canvas, { width, height: width / 1.5 }));
     while (waiting.length) {
         const next = Math.max(waiting.findIndex(inView), 0);
         const [card] = waiting.splice(next, 1);
@@ -58,7 +63,7 @@ async function fillAll() {
         await new Promise((resolve) => setTimeout(resolve));
     }
     const empty = document.createElement("canvas");
-    ({ width: empty.width, height: empty.height } = canvases()[0]);
+    ({ width: empty.width, height: empty.height } = canvases[0]);
     studio.drawEmpty(empty);
     window.gallery = { empty: empty.toDataURL(), seconds: (performance.now() - started) / 1000 };
 }

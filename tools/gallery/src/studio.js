@@ -21,7 +21,7 @@ const THIN_SHADE = 0.4;
 
 // What is in the picture, where the camera looks from side to side, and its field of view in degrees.
 const VIEWS = {
-    both: { shown: ["sphere", "tile"], at: 0.03, field: 17.5 },
+    both: { shown: ["sphere", "tile"], at: -0.01, field: 18.4 },
     sphere: { shown: ["sphere"], at: -0.6, field: 13.5 },
     tile: { shown: ["tile"], at: 0.6, field: 13.5 },
 };

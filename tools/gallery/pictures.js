@@ -1,0 +1,62 @@
+// pictures.js <folder of the page> <folder>: draws the pictures of the documentation into the folder: gallery.webp, a
+// selection of the materials on the page, and node-<name>.webp of every kvor node.
+
+import { mkdtemp, rm, writeFile } from "node:fs/promises";
+import { tmpdir } from "node:os";
+import path from "node:path";
+import { fileURLToPath, pathToFileURL } from "node:url";
+import { SELECTION } from "./selection.js";
+import { withPage } from "./browser.js";
+import { bundle } from "./bundle.js";
+
+const here = path.dirname(fileURLToPath(import.meta.url));
+const [gallery, folder] = process.argv.slice(2);
+const problems = [];
+
+const save = (name, url) => writeFile(path.join(folder, `${name}.webp`), Buffer.from(url.split(",")[1], "base64"));
+
+/** The pictures on a page with their names, side by side. Runs in the page. */
+function contactSheet([ids, columns]) {
+    const cards = ids.map((id) => document.getElementById(id));
+    const missing = ids.filter((_, i) => !cards[i]);
+    if (missing.length) throw new Error(`not among the samples: ${missing.join(", ")}`);
+    const { width, height } = cards[0].querySelector("canvas");
+    const sheet = document.createElement("canvas");
+    sheet.width = width * columns;
+    sheet.height = height * Math.ceil(cards.length / columns);
+    const target = sheet.getContext("2d");
+    target.font = "13px sans-serif";
+    for (const [i, card] of cards.entries()) {
+        const [x, y] = [width * (i % columns), height * Math.floor(i / columns)];
+        target.drawImage(card.querySelector("canvas"), x, y);
+        target.fillStyle = "#fffc";
+        target.textAlign = "left";
+        target.fillText(card.querySelector("h2").textContent, x + 12, y + height - 12);
+        target.textAlign = "right";
+        target.fillText(card.querySelector(".size").textContent, x + width - 12, y + height - 12);
+    }
+    return sheet.toDataURL("image/webp", 0.88);
+}
+
+async function drawGallery() {
+    const page = `${pathToFileURL(path.resolve(gallery, "index.html"))}?width=360&only=${SELECTION.join(",")}`;
+    await save("gallery", await withPage(page, "gallery", problems, (opened) => opened.evaluate(contactSheet, [SELECTION, 4])));
+}
+
+async function drawNodes() {
+    const work = await mkdtemp(path.join(tmpdir(), "gallery-"));
+    try {
+        await bundle(path.join(here, "src/rows.js"), path.join(work, "rows.js"));
+        const page = path.join(work, "rows.html");
+        await writeFile(page, '<!doctype html><meta charset="utf-8"><link rel="icon" href="data:,"><body><script src="rows.js"></script>');
+        const rows = await withPage(pathToFileURL(page).href, "rows", problems, (opened) => opened.evaluate(() => window.rows));
+        for (const [node, url] of Object.entries(rows)) await save(`node-${node}`, url);
+    } finally {
+        await rm(work, { recursive: true });
+    }
+}
+
+await drawNodes();
+await drawGallery();
+for (const problem of problems) console.error(`error: ${problem}`);
+process.exitCode = problems.length ? 1 : 0;
