@@ -1,10 +1,10 @@
 #include <cerrno>
-#include <cstdio>
 #include <utility>
 
 #include "core/ReplaceFile.h"
 
 #if defined(_WIN32)
+#include <cstdio>
 #include <share.h>
 #else
 #include <fcntl.h>
@@ -29,98 +29,26 @@ std::error_code lastError()
 #if defined(_WIN32)
 
 /// A file that is open in a way that lets nobody else open it.
-class Lock
-{
-};
-
-std::FILE* openAlone(const fs::path& path, Lock& /*lock*/, std::error_code& error)
-{
-    std::FILE* file = _wfsopen(path.c_str(), L"wb", _SH_DENYRW);
-    if (!file)
-        error = errno == EACCES && fs::exists(path)
-                    ? std::make_error_code(std::errc::device_or_resource_busy)
-                    : lastError();
-    return file;
-}
-
-#else
-
-/// A descriptor whose advisory lock lasts until it is closed, or until its process dies.
-class Lock
-{
-  public:
-    Lock() = default;
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
-    Lock(Lock&& other) noexcept : _descriptor(std::exchange(other._descriptor, -1)) {}
-    ~Lock()
-    {
-        if (_descriptor >= 0)
-            ::close(_descriptor);
-    }
-
-    /// Takes the file behind `path` for this process, empty. A symbolic link is not followed.
-    std::error_code take(const fs::path& path)
-    {
-        constexpr mode_t mode = 0666;
-        _descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, mode);
-        if (_descriptor < 0)
-            return lastError();
-        const bool taken = ::flock(_descriptor, LOCK_EX | LOCK_NB) == 0;
-        if (!taken && errno != EWOULDBLOCK)
-            return lastError();
-        // Its last owner may have renamed the file after it was opened here.
-        if (!taken || !isStill(path))
-            return std::make_error_code(std::errc::device_or_resource_busy);
-        return ::ftruncate(_descriptor, 0) == 0 ? std::error_code() : lastError();
-    }
-
-    std::FILE* stream() const
-    {
-        const int copy = ::dup(_descriptor);
-        std::FILE* file = copy < 0 ? nullptr : ::fdopen(copy, "wb");
-        if (!file && copy >= 0)
-            ::close(copy);
-        return file;
-    }
-
-  private:
-    bool isStill(const fs::path& path) const
-    {
-        struct stat opened = {};
-        struct stat named = {};
-        return ::fstat(_descriptor, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
-               opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
-    }
-
-    int _descriptor = -1;
-};
-
-std::FILE* openAlone(const fs::path& path, Lock& lock, std::error_code& error)
-{
-    error = lock.take(path);
-    std::FILE* file = error ? nullptr : lock.stream();
-    if (!file && !error)
-        error = lastError();
-    return file;
-}
-
-#endif
-
 class MachineFile : public NewFile
 {
   public:
-    MachineFile(std::FILE* file, Lock lock) : _lock(std::move(lock)), _file(file)
-    {
-        // Everything comes in large pieces; a buffer would only copy them.
-        std::setvbuf(_file, nullptr, _IONBF, 0);
-    }
+    MachineFile() = default;
     MachineFile(const MachineFile&) = delete;
     MachineFile& operator=(const MachineFile&) = delete;
     ~MachineFile() override
     {
         if (_file)
             std::fclose(_file);
+    }
+
+    std::error_code open(const fs::path& path)
+    {
+        _file = _wfsopen(path.c_str(), L"wb", _SH_DENYRW);
+        if (_file)
+            return {};
+        return errno == EACCES && fs::exists(path)
+                   ? std::make_error_code(std::errc::device_or_resource_busy)
+                   : lastError();
     }
 
     std::error_code write(std::string_view bytes) override
@@ -139,20 +67,106 @@ class MachineFile : public NewFile
     }
 
   private:
-    /// Outlives the stream: the name belongs to this process until the file has its final one.
-    Lock _lock;
-    std::FILE* _file;
+    std::FILE* _file = nullptr;
 };
+
+#else
+
+/// A descriptor with an advisory lock, which lasts until the object goes or its process dies: the name
+/// belongs to this process until the file has its final one.
+class MachineFile : public NewFile
+{
+  public:
+    MachineFile() = default;
+    MachineFile(const MachineFile&) = delete;
+    MachineFile& operator=(const MachineFile&) = delete;
+    ~MachineFile() override
+    {
+        if (_descriptor >= 0)
+            ::close(_descriptor);
+    }
+
+    /// Takes the file behind `path` for this process, empty. A symbolic link is not followed.
+    std::error_code open(const fs::path& path)
+    {
+        constexpr mode_t mode = 0666;
+        _descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, mode);
+        if (_descriptor < 0)
+            return lastError();
+        const bool taken = ::flock(_descriptor, LOCK_EX | LOCK_NB) == 0;
+        if (!taken && errno != EWOULDBLOCK)
+            return lastError();
+        struct stat opened = {};
+        // Its last owner may have renamed the file after it was opened here.
+        if (!taken || ::fstat(_descriptor, &opened) != 0 || !isStill(path, opened))
+            return std::make_error_code(std::errc::device_or_resource_busy);
+        // Some file systems write a file to the disk at once when it was emptied, even of nothing.
+        return opened.st_size == 0 || ::ftruncate(_descriptor, 0) == 0 ? std::error_code()
+                                                                       : lastError();
+    }
+
+    std::error_code write(std::string_view bytes) override
+    {
+        while (!bytes.empty())
+        {
+            const ssize_t written = ::write(_descriptor, bytes.data(), bytes.size());
+            if (written < 0 && errno != EINTR)
+                return lastError();
+            bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+        }
+        return {};
+    }
+
+#if defined(__linux__)
+    /// The kernel copies within itself, and only shares the blocks where the file system can.
+    std::error_code copyFrom(const fs::path& file) override
+    {
+        const int source = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+        constexpr std::size_t atOnce = std::size_t{1} << 30;
+        bool begun = false;
+        ssize_t copied = 0;
+        do
+        {
+            copied = ::copy_file_range(source, nullptr, _descriptor, nullptr, atOnce, 0);
+            begun = begun || copied > 0;
+        } while (copied > 0 || (copied < 0 && errno == EINTR));
+        const std::error_code error = copied < 0 ? lastError() : std::error_code();
+        if (source >= 0)
+            ::close(source);
+        // Not every kernel and file system can.
+        return begun ? error : NewFile::copyFrom(file);
+    }
+#endif
+
+    /// Closing any descriptor of the file makes the system say what it has not said yet; this one stays
+    /// open for its lock.
+    std::error_code close() override
+    {
+        const int copy = ::dup(_descriptor);
+        return copy >= 0 && ::close(copy) == 0 ? std::error_code() : lastError();
+    }
+
+  private:
+    static bool isStill(const fs::path& path, const struct stat& opened)
+    {
+        struct stat named = {};
+        return ::lstat(path.c_str(), &named) == 0 && opened.st_ino == named.st_ino &&
+               opened.st_dev == named.st_dev;
+    }
+
+    int _descriptor = -1;
+};
+
+#endif
 
 class MachineFileSystem : public FileSystem
 {
   public:
     std::unique_ptr<NewFile> create(const fs::path& path, std::error_code& error) override
     {
-        errno = 0;
-        Lock lock;
-        std::FILE* file = openAlone(path, lock, error);
-        return file ? std::make_unique<MachineFile>(file, std::move(lock)) : nullptr;
+        auto file = std::make_unique<MachineFile>();
+        error = file->open(path);
+        return error ? nullptr : std::move(file);
     }
 
     std::error_code rename(const fs::path& from, const fs::path& to) override

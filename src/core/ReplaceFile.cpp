@@ -44,22 +44,23 @@ Temporary createBeside(const fs::path& file, FileSystem& files, std::error_code&
     return {};
 }
 
-/// Copies a stream into a new file, a piece at a time.
-std::error_code copyContent(std::ifstream& source, NewFile& target)
+} // namespace
+
+std::error_code NewFile::copyFrom(const fs::path& file)
 {
+    std::ifstream source(file, std::ios::binary);
+    if (!source)
+        return std::make_error_code(std::errc::permission_denied);
     constexpr std::size_t pieceSize = std::size_t{1} << 20;
     std::vector<char> piece(pieceSize);
     while (source)
     {
         source.read(piece.data(), static_cast<std::streamsize>(piece.size()));
-        const auto read = static_cast<std::size_t>(source.gcount());
-        if (const auto error = target.write({piece.data(), read}))
+        if (const auto error = write({piece.data(), static_cast<std::size_t>(source.gcount())}))
             return error;
     }
     return source.bad() ? std::make_error_code(std::errc::io_error) : std::error_code();
 }
-
-} // namespace
 
 fs::path temporaryBeside(const fs::path& file, int attempt)
 {
@@ -100,15 +101,12 @@ void writeFileAtomically(const fs::path& file, std::string_view bytes, FileSyste
 
 std::error_code copyFileAtomically(const fs::path& from, const fs::path& to, FileSystem& files)
 {
-    std::ifstream source(from, std::ios::binary);
-    if (!source)
-        return std::make_error_code(std::errc::permission_denied);
     std::error_code error;
     const fs::file_time_type time = fs::last_write_time(from, error);
     if (error)
         return error;
     return replaceFile(
-        to, [&](NewFile& target) { return copyContent(source, target); },
+        to, [&](NewFile& target) { return target.copyFrom(from); },
         [&](const fs::path& path)
         {
             // A file system that keeps no times costs only a needless copy the next time.

@@ -15,6 +15,8 @@ class NewFile
   public:
     virtual ~NewFile() = default;
     virtual std::error_code write(std::string_view bytes) = 0;
+    /// Writes the content of another file, by the system's own means where it has some.
+    virtual std::error_code copyFrom(const std::filesystem::path& file);
     /// Hands everything to the system, which may only now notice that it has no room.
     virtual std::error_code close() = 0;
 };
