@@ -9,6 +9,7 @@
 #include "assets/InputColorSpace.h"
 #include "assets/PropertyError.h"
 #include "assets/PropertyReaders.h"
+#include "assets/Schemas.h"
 #include "assets/Units.h"
 #include "core/Text.h"
 #include "graph/Inputs.h"
@@ -84,13 +85,27 @@ class LyrexReader
 
     std::optional<textures::ConnectedTexture> readTexture(const LyrexInput& input) const
     {
-        if (input.type != LyrexType::Boolean)
+        const char* const reason = whyUndrivable(input);
+        if (!reason)
             return textures::readConnectedTexture(
                 {_view, input.name, textures::TextureRole::Lyrex, typeName(input.type), _log});
         assets::dismissConnection(_view, input.name);
         _log.warning(DiagnosticCode::TextureNotTranslated, input.name,
-                     "no texture can drive a Boolean; the plain value is used");
+                     std::string(reason) + "; the plain value is used");
         return std::nullopt;
+    }
+
+    /// Why the texture connected to a property cannot drive it; null when its kind can.
+    const char* whyUndrivable(const LyrexInput& input) const
+    {
+        if (input.type == LyrexType::Boolean)
+            return "no texture can drive a Boolean";
+        // Height and normal maps yield normals; their nodes exist for no other type.
+        const bool isNormal = input.type == LyrexType::Vector;
+        if (!isNormal &&
+            assets::GetConnectedTextureName(_view, input.name) == assets::bumpMapSchema)
+            return "a bump map can only drive a normal";
+        return nullptr;
     }
 
     void readPlain(LyrexValue& value) const

@@ -1,5 +1,6 @@
 #include "textures/MapTexture.h"
 
+#include "assets/PropertyReaders.h"
 #include "assets/Units.h"
 #include "graph/Inputs.h"
 #include "graph/Nodes.h"
@@ -13,6 +14,9 @@ namespace mx = MaterialX;
 namespace
 {
 
+constexpr const char* depthProperty = "bumpmap_Depth";
+constexpr const char* normalScaleProperty = "bumpmap_NormalScale";
+
 MapTexture readMap(MapTexture::Kind kind, const assets::AssetView& texture,
                    const char* imageProperty, const core::Log& log)
 {
@@ -23,6 +27,9 @@ MapTexture readMap(MapTexture::Kind kind, const assets::AssetView& texture,
         return map;
     map.colorSpace = assets::srgbTexture;
     map.placement = readTexturePlacement(texture, log);
+    // Assets carry the strengths of both kinds; that of the other kind is switched off, not lost.
+    for (const char* strength : {depthProperty, normalScaleProperty})
+        assets::FindProperty(texture, strength);
     return map;
 }
 
@@ -35,7 +42,7 @@ MapTexture readHeightMapTexture(const assets::AssetView& texture, const char* im
     if (givenDepth)
         map.strength = {*givenDepth, map.placement.realWorldScale.unit};
     else if (!map.image.empty())
-        map.strength = readMeasured(texture, "bumpmap_Depth", 0.0f, log);
+        map.strength = readMeasured(texture, depthProperty, 0.0f, log);
     return map;
 }
 
@@ -46,7 +53,7 @@ MapTexture readNormalMapTexture(const assets::AssetView& texture, const char* im
     if (givenScale)
         map.strength = {*givenScale, {}};
     else if (!map.image.empty())
-        map.strength = readMeasured(texture, "bumpmap_NormalScale", 1.0f, log);
+        map.strength = readMeasured(texture, normalScaleProperty, 1.0f, log);
     return map;
 }
 
