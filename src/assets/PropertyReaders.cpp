@@ -219,8 +219,10 @@ std::vector<std::string> GetChoiceListProperty(const AssetView& view, const char
     for (std::size_t i = 0; i < value.GetSelectedCount(); ++i)
     {
         const std::int32_t index = value.GetSelectedIndex(i);
+        const bool exists =
+            table && index >= 0 && static_cast<std::size_t>(index) < table->GetChoiceCount();
         const platform::IChoice* choice =
-            table && index >= 0 ? table->GetChoice(static_cast<std::size_t>(index)) : nullptr;
+            exists ? table->GetChoice(static_cast<std::size_t>(index)) : nullptr;
         if (!choice)
             throw PropertyError(invalidProperty, name, DiagnosticCode::PropertyInvalid,
                                 "a selected choice does not exist");
