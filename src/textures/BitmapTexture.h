@@ -21,7 +21,7 @@ struct BitmapTexture
     TexturePlacement placement;
     /// Factor on the image's channels.
     float amount = 1.0f;
-    /// Whether the image is inverted, after the factor: 1 - amount x image.
+    /// Whether the image is inverted, before the factor: amount x (1 - image).
     bool invert = false;
 };
 
