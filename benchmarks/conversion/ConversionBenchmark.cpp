@@ -272,31 +272,30 @@ void tool(benchmark::State& state)
 {
     const auto count = static_cast<std::size_t>(state.range(0));
     const Materials& input = materials(count);
-    const fs::path ours = scratch() / "tool";
-    const fs::path byHand = scratch() / "hand";
-    const std::string command = std::string("\"") + VYR_MTLX + "\" convert \"" +
-                                input.file.string() + "\" --quiet --jobs " +
-                                std::to_string(state.range(1)) + " --output \"" + ours.string() +
-                                "\" > \"" + (scratch() / "list").string() + "\"";
-    const auto runTool = [&]
-    {
-        if (std::system(command.c_str()) != 0)
-            throw std::runtime_error("failed: " + command);
-    };
-    const auto write = [&]
-    {
-        for (const HandMaterial& material : input.byHand)
-            mx::writeToXmlFile(buildByHand(material),
-                               (byHand / (material.name + ".mtlx")).string());
-    };
     PairedTiming timing(1);
     for (auto step : state)
     {
-        for (const fs::path& folder : {ours, byHand})
+        // New folders each time: file systems are slow to give out again what was just removed.
+        static int number = 0;
+        const fs::path ours = scratch() / ("tool" + std::to_string(++number));
+        const fs::path byHand = scratch() / ("hand" + std::to_string(number));
+        fs::create_directory(ours);
+        fs::create_directory(byHand);
+        const std::string command =
+            std::string("\"") + VYR_MTLX + "\" convert \"" + input.file.string() +
+            "\" --quiet --jobs " + std::to_string(state.range(1)) + " --output \"" + ours.string() +
+            "\" > \"" + (scratch() / "list").string() + "\"";
+        const auto runTool = [&]
         {
-            fs::remove_all(folder);
-            fs::create_directory(folder);
-        }
+            if (std::system(command.c_str()) != 0)
+                throw std::runtime_error("failed: " + command);
+        };
+        const auto write = [&]
+        {
+            for (const HandMaterial& material : input.byHand)
+                mx::writeToXmlFile(buildByHand(material),
+                                   (byHand / (material.name + ".mtlx")).string());
+        };
         state.SetIterationTime(timing.measure(0, runTool, write));
     }
     report(state, timing, count);
