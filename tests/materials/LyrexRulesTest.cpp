@@ -104,7 +104,7 @@ const BadProperty badProperties[] = {
     {"a vector of one", "surface_normal", [](AssetBuilder& a) { a.scalar("surface_normal", 1); }},
 };
 
-/// The first family's first property that cannot be read ends the translation, and the document
+/// A property that cannot be read ends the translation, wherever it stands, and the document
 /// stays as it was.
 TEST_F(LyrexRules, WhatCannotBeReadFails)
 {
@@ -247,6 +247,29 @@ TEST_F(LyrexRules, TheLookFollowsTheMaterial)
         EXPECT_EQ(document->getColorSpace(), "lin_rec709");
         EXPECT_TRUE(isSound(document));
     }
+}
+
+/// What an asset library claims and does not deliver is not there.
+TEST_F(LyrexRules, ConnectionsThatAreNotThereCountAsNone)
+{
+    for (const Connections claim : {Connections::ClaimedButNone, Connections::ClaimedButNull})
+        for (const Family& family : families())
+        {
+            AssetBuilder builder = lyrexBuilder(family.schema);
+            for (int i = 0; const Property& property : family.properties)
+            {
+                setPlain(builder, property, i++);
+                builder.claiming(claim);
+            }
+            constexpr std::uint32_t reference = 9;
+            builder.property("unheard", reference, nullptr);
+            const Translation translation = translate(builder.build());
+            ASSERT_TRUE(translation.succeeded) << translation.report();
+            EXPECT_EQ(translation.document->getNode("M_shader")->getInputs().size(),
+                      family.properties.size());
+            EXPECT_TRUE(translation.document->getNodeGraphs().empty());
+            EXPECT_TRUE(isSound(translation.document));
+        }
 }
 
 TEST_F(LyrexRules, PropertiesOfOtherFamiliesAreToldAbout)
