@@ -5,6 +5,7 @@
 #include "support/TemporaryFolder.h"
 
 #include <MaterialTranslation/Bakes.h>
+#include <MaterialTranslation/Export.h>
 
 #include <OpenImageIO/imagebufalgo.h>
 #include <OpenImageIO/imageio.h>
@@ -20,7 +21,7 @@
 #include <vector>
 
 /// Readers of the image library lose a few bytes over damaged files; that is not for us to mend.
-extern "C" const char* __lsan_default_suppressions();
+extern "C" VYR_MTLX_API const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions()
 {
     return "leak:libOpenImageIO";
