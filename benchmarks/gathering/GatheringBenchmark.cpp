@@ -1,4 +1,5 @@
-// What gathering images costs beside the system's own "cp" making the same number of copies: at most 1.3.
+// What gathering images costs beside the system's own "cp" making the same copies in the same folders, all in one
+// process: at most 1.3.
 
 #include <cstdlib>
 #include <filesystem>
@@ -83,7 +84,7 @@ class Images
 
 void copyByCp(const fs::path& from, const fs::path& to)
 {
-    const std::string command = "cp \"" + from.string() + "\"/* \"" + to.string() + "\"";
+    const std::string command = "cp -r \"" + from.string() + "\" \"" + to.string() + "\"";
     if (std::system(command.c_str()) != 0)
         throw std::runtime_error("failed: " + command);
 }
@@ -113,6 +114,9 @@ void gather(benchmark::State& state)
 {
     const auto portions = static_cast<std::size_t>(state.range(0));
     const Images images;
+    const fs::path tree = images.folder() / "tree";
+    fs::create_directory(tree);
+    translateAll(images, tree);
     PairedTiming timing(portions);
     for (auto step : state)
     {
@@ -122,10 +126,8 @@ void gather(benchmark::State& state)
             const fs::path ours = images.folder() / "ours";
             const fs::path theirs = images.folder() / "cp";
             fs::create_directory(ours);
-            fs::create_directory(theirs);
             seconds += timing.measure(
-                portion, [&] { translateAll(images, ours); },
-                [&] { copyByCp(images.folder() / "images", theirs); });
+                portion, [&] { translateAll(images, ours); }, [&] { copyByCp(tree, theirs); });
             if (copiedBytes(ours) != imageCount * imageSize ||
                 copiedBytes(theirs) != copiedBytes(ours))
                 throw std::runtime_error("not everything was copied");
