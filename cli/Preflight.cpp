@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <system_error>
+#include <unordered_map>
 
 #include "Console.h"
 #include "DocumentNames.h"
 #include "Paths.h"
+#include "Source.h"
 
 namespace vyr::cli
 {
@@ -36,6 +39,9 @@ class Preflight
             return {};
         if (isInput(*_report))
             return "it is an input file";
+        if (fs::exists(*_report, ignored) && !fs::is_regular_file(*_report, ignored) &&
+            !fs::is_directory(*_report, ignored))
+            return "it is no ordinary file";
         if (fs::is_directory(*_report, ignored))
             return "it is a folder";
         const fs::path parent = _report->parent_path();
@@ -43,6 +49,26 @@ class Preflight
             return "there is no such folder";
         return {};
     }
+
+    /// An image is an input like a library, and must not lie where another material's images go: they
+    /// might replace it.
+    /// @param materialFolders of all materials of the run.
+    /// @return what is wrong; empty for nothing.
+    std::string imageProblem(const Task& task, const std::set<fs::path>& materialFolders)
+    {
+        for (const std::string& reference : reachOf(*task.material->asset).images)
+        {
+            const fs::path& image = placeOfImage(reference);
+            if (image == _report)
+                return "the report would replace its image " + reference;
+            if (image.parent_path() != folderOf(task) &&
+                materialFolders.contains(image.parent_path()))
+                return "its image " + reference + " lies in the folder of another material";
+        }
+        return {};
+    }
+
+    fs::path folderOf(const Task& task) const { return _folder / task.name; }
 
     /// What a document would be written over that must stay; empty for none.
     std::string documentProblem(const Task& task) const
@@ -54,6 +80,15 @@ class Preflight
     }
 
   private:
+    /// Many materials share an image, and finding its place asks the file system.
+    const fs::path& placeOfImage(const std::string& reference)
+    {
+        const auto [entry, isNew] = _images.try_emplace(reference);
+        if (isNew)
+            entry->second = placeOf(pathFromUtf8(reference));
+        return entry->second;
+    }
+
     bool isInput(const fs::path& place) const
     {
         return std::ranges::find(_inputs, place) != _inputs.end();
@@ -62,25 +97,30 @@ class Preflight
     fs::path _folder;
     std::vector<fs::path> _inputs;
     std::optional<fs::path> _report;
+    std::unordered_map<std::string, fs::path> _images;
 };
 
 } // namespace
 
 bool filesAreApart(const ConvertCommand& command, const std::vector<Task>& tasks)
 {
-    const Preflight preflight(command);
+    Preflight preflight(command);
     if (const std::string problem = preflight.reportProblem(); !problem.empty())
     {
         complain("vyr-mtlx: --report " + command.report + ": " + problem);
         return false;
     }
+    std::set<fs::path> folders;
+    for (const Task& task : tasks)
+        folders.insert(preflight.folderOf(task));
     for (const Task& task : tasks)
     {
-        const std::string problem = preflight.documentProblem(task);
+        std::string problem = preflight.imageProblem(task, folders);
+        if (const std::string replaced = preflight.documentProblem(task); !replaced.empty())
+            problem = "its document would replace " + replaced;
         if (problem.empty())
             continue;
-        complain("vyr-mtlx: the document of " + subjectOf(*task.material) + " would replace " +
-                 problem);
+        complain("vyr-mtlx: " + subjectOf(*task.material) + ": " + problem);
         return false;
     }
     return true;

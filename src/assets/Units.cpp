@@ -78,6 +78,18 @@ std::string DistanceUnitName(std::int32_t index)
     return units[index >= 0 && index < distanceCount ? index : centimeterIndex].name;
 }
 
+float readUnitless(const AssetView& view, const char* name, float fallback, const core::Log& log,
+                   std::uint32_t expected)
+{
+    if (!HasPropertyValue(view, name))
+        return fallback;
+    const float value = GetFloatProperty(view, name);
+    if (HasPropertyUnit(view, name) && GetPropertyUnit(view, name) != expected)
+        log.warning(DiagnosticCode::UnitIgnored, name,
+                    "the document states no unit here; the number is taken as it stands");
+    return value;
+}
+
 std::string GetPropertyColorSpace(const AssetView& view, const char* name)
 {
     constexpr const char* notSpecified = "colorspace_not_specified";

@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include <kelvor/platform/assets/UnitCode.h>
+
 #include "assets/AssetView.h"
 
 namespace vyr::MaterialTranslation::assets
@@ -27,6 +29,17 @@ Unit UnitForCode(std::uint32_t code);
 
 /// The length unit of a TextureInfo's unit index; "centimeter" for an index outside the table.
 std::string DistanceUnitName(std::int32_t index);
+
+/// Unit code of the luminances that documents give as bare numbers.
+inline constexpr std::uint32_t candelaPerSquareMeter =
+    kelvor::platform::assets::eUnit_CandelaPerSquareMeter;
+
+/// A number of a property whose unit the document has no place for; any other unit than `expected`
+/// is reported.
+/// @return `fallback` when the asset lacks the property or its value.
+/// @throws PropertyError for a property of the wrong type.
+float readUnitless(const AssetView& view, const char* name, float fallback, const core::Log& log,
+                   std::uint32_t expected = 0);
 
 /// What follows a colour property's identifier in the name of the companion that declares its colour
 /// space.

@@ -5,6 +5,8 @@
 #include "baking/ImageFile.h"
 #include "baking/NoiseImage.h"
 #include "baking/NormalImage.h"
+#include "core/FileNames.h"
+#include "core/Text.h"
 
 #include <fmt/format.h>
 
@@ -153,10 +155,11 @@ BakedFile bakeBumpImage(const BumpImage& bump)
                      height.source.attribute("texture_RealWorldScaleY", bump.realWorldScaleY);
                      const OIIO::ImageBuf normals =
                          bakeNormalImage(height.heights, height.source, bump.threads);
-                     std::filesystem::path name = bump.image.stem();
-                     name += "_normalmap.png";
+                     const std::string name =
+                         core::safeName(utf8(bump.image.stem()) + "_normalmap.png");
                      std::filesystem::create_directories(bump.folder);
-                     const std::filesystem::path path = placeBeside(bump.folder / name, bump.kept);
+                     const std::filesystem::path path =
+                         placeBeside(bump.folder / core::pathFromUtf8(name), bump.kept);
                      writeImage(normals, path, bump.threads);
                      baked.path = path;
                  });

@@ -115,8 +115,7 @@ bool MaterialXConverter::RegisterAssetForConversion(const IAssetInstance& asset,
     return reporting(
         [&]
         {
-            return SupportsConversion(asset) &&
-                   registerAsset(asset, getMaterialName(asset).str());
+            return SupportsConversion(asset) && registerAsset(asset, getMaterialName(asset).str());
         });
 }
 
@@ -170,8 +169,8 @@ bool MaterialXConverter::TranslateToMaterialX(const IAssetInstance& asset,
         });
 }
 
-kelvor::platform::core::string::UTF8String
-MaterialXConverter::getMaterialName(const IAssetInstance& asset)
+kelvor::platform::core::string::UTF8String MaterialXConverter::getMaterialName(
+    const IAssetInstance& asset)
 {
     return converter::materialName(asset, options.useAssetIdInName);
 }

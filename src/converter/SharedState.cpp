@@ -36,7 +36,9 @@ void RegisteredAssets::clear()
 SharedState& sharedState()
 {
     static SharedState state{
-        {}, {{ConversionType::Decal, convertOverlay}, {ConversionType::Thread, convertOverlay}}, {}};
+        {},
+        {{ConversionType::Decal, convertOverlay}, {ConversionType::Thread, convertOverlay}},
+        {}};
     return state;
 }
 

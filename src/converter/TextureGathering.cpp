@@ -1,9 +1,10 @@
 #include "converter/TextureGathering.h"
 
 #include <algorithm>
+#include <fstream>
 #include <map>
 
-#include "converter/FileNames.h"
+#include "core/FileNames.h"
 #include "core/OutputFolder.h"
 #include "core/ReplaceFile.h"
 #include "core/Text.h"
@@ -67,6 +68,23 @@ void collectReferences(const mx::ElementPtr& root, std::vector<Reference>& refer
     }
 }
 
+bool haveEqualBytes(const fs::path& a, const fs::path& b)
+{
+    std::ifstream first(a, std::ios::binary);
+    std::ifstream second(b, std::ios::binary);
+    std::vector<char> ofFirst(std::size_t{1} << 16);
+    std::vector<char> ofSecond(ofFirst.size());
+    while (first && second)
+    {
+        first.read(ofFirst.data(), static_cast<std::streamsize>(ofFirst.size()));
+        second.read(ofSecond.data(), static_cast<std::streamsize>(ofSecond.size()));
+        if (first.gcount() != second.gcount() ||
+            !std::equal(ofFirst.begin(), ofFirst.begin() + first.gcount(), ofSecond.begin()))
+            return false;
+    }
+    return first.eof() && second.eof();
+}
+
 class Gathering
 {
   public:
@@ -127,10 +145,10 @@ class Gathering
     {
         const fs::path source = core::pathFromUtf8(path);
         const fs::file_status status = statusOf(source);
-        if (!fs::exists(status))
+        if (!fs::exists(status) || source.is_relative())
             return;
-        const std::string_view name = lastComponent(path);
-        if (isTreacherous(name))
+        const std::string_view name = core::lastComponent(path);
+        if (core::isTreacherous(name))
         {
             _request.log.warning(DiagnosticCode::TextureNameRefused, "",
                                  "not gathered, for its name: " + core::xmlText(path));
@@ -162,7 +180,7 @@ class Gathering
         const auto destination = [&](const std::string& candidate)
         { return _folder / core::pathFromUtf8(candidate); };
         const std::string taken =
-            _names.take(portableName(name), [&](const std::string& candidate)
+            _names.take(core::portableName(name), [&](const std::string& candidate)
                         { return !isOccupied(destination(candidate), path, baked); });
         if (taken != name && !baked)
             _request.log.warning(DiagnosticCode::TextureRenamed, "",
@@ -216,9 +234,13 @@ class Gathering
             return false;
         if (isSameFile(source, destination))
             return true;
-        return fs::file_size(source, error) == fs::file_size(destination, error) && !error &&
-               fs::last_write_time(source, error) <= fs::last_write_time(destination, error) &&
-               !error;
+        if (fs::file_size(source, error) != fs::file_size(destination, error) || error)
+            return false;
+        // Copies keep the time, so an equal one says nothing yet: another image may have been there.
+        const auto sourceTime = fs::last_write_time(source, error);
+        const auto destinationTime = fs::last_write_time(destination, error);
+        return !error && (sourceTime < destinationTime ||
+                          (sourceTime == destinationTime && haveEqualBytes(source, destination)));
     }
 
     void rewrite(const Reference& reference) const
@@ -235,7 +257,7 @@ class Gathering
     std::vector<Reference> _references;
     /// Each path that is referred to, once, in the document's order.
     std::vector<std::string> _paths;
-    FileNames _names;
+    core::FileNames _names;
     std::map<std::string, GatheredFile> _files;
 };
 

@@ -24,18 +24,19 @@ fs::path materialFolder(const std::string& outputDirectory, const std::string& n
     return fs::absolute(pathFromUtf8(outputDirectory)) / pathFromUtf8(name);
 }
 
-void makeMaterialFolder(const fs::path& folder)
+bool makeMaterialFolder(const fs::path& folder)
 {
     std::error_code error;
     const fs::file_status status = fs::symlink_status(folder, error);
     if (fs::is_directory(status))
-        return;
+        return false;
     if (fs::exists(status))
         throw fs::filesystem_error("create_directory", folder,
                                    std::make_error_code(std::errc::not_a_directory));
     fs::create_directory(folder, error);
     if (error)
         throw fs::filesystem_error("create_directory", folder, error);
+    return true;
 }
 
 bool isDeviceName(std::string_view name)

@@ -11,9 +11,10 @@ namespace vyr::MaterialTranslation::core
 std::filesystem::path materialFolder(const std::string& outputDirectory, const std::string& name);
 
 /// Makes a material's folder when it is missing.
+/// @return whether it was missing.
 /// @throws std::filesystem::filesystem_error "create_directory" when it cannot be made, and when a
 ///         file or a symbolic link stands in its place: nothing may leave the output directory.
-void makeMaterialFolder(const std::filesystem::path& folder);
+bool makeMaterialFolder(const std::filesystem::path& folder);
 
 /// Whether some systems reserve the name, with any extension, for a device ("con", "lpt1.png").
 bool isDeviceName(std::string_view name);

@@ -24,6 +24,15 @@ std::uint64_t hashOf(const std::u8string& text)
     return hash;
 }
 
+/// Whether something stands in the file's place that no renaming must take away: a device, a pipe, a
+/// socket, or a link to one.
+bool isSpecial(const fs::path& file)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+}
+
 struct Temporary
 {
     fs::path path;
@@ -76,6 +85,8 @@ std::error_code replaceFile(const fs::path& file, const Content& content,
                             FileSystem& files)
 {
     std::error_code error;
+    if (isSpecial(file))
+        return std::make_error_code(std::errc::operation_not_permitted);
     Temporary temporary = createBeside(file, files, error);
     if (!temporary.file)
         return error;

@@ -7,6 +7,7 @@
 #include "assets/Description.h"
 #include "assets/PropertyReaders.h"
 #include "assets/Schemas.h"
+#include "assets/Units.h"
 #include "materials/ColorPass.h"
 
 namespace vyr::MaterialTranslation::materials
@@ -76,7 +77,7 @@ class GenericReader
     bool has(const char* name) const { return assets::HasProperty(_view, name); }
     float number(const char* name, float fallback) const
     {
-        return assets::GetFloatOr(_view, name, fallback);
+        return assets::readUnitless(_view, name, fallback, _log);
     }
 
     /// Enters the texture connected to a property for a shader input.
@@ -198,7 +199,8 @@ class GenericReader
     {
         if (!has(property::luminance))
             return;
-        const float luminance = number(property::luminance, 0.0f);
+        const float luminance = assets::readUnitless(_view, property::luminance, 0.0f, _log,
+                                                     assets::candelaPerSquareMeter);
         if (luminance > 0.0f)
             _params.emission = luminance / luminanceOfEmissionOne;
         if (has(property::filterMap) && !takeTexture(property::filterMap, "emission_color"))

@@ -139,6 +139,9 @@ class LyrexReader
         case LyrexType::Float:
             break;
         }
+        if (input.name == unitlessInput)
+            return assets::readUnitless(_view, input.name, 0.0f, _log,
+                                        assets::candelaPerSquareMeter);
         return assets::GetFloatProperty(_view, input.name);
     }
 

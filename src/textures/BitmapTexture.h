@@ -33,7 +33,7 @@ BitmapTexture readBitmapTexture(const assets::AssetView& bitmap, const core::Log
 /// @param type MaterialX's name of the value type.
 /// @return the graph's output; null, and nothing added, for a texture without an image.
 MaterialX::OutputPtr addBitmapTexture(const BitmapTexture& bitmap,
-                                      const MaterialX::NodeGraphPtr& graph,
-                                      const std::string& name, const std::string& type);
+                                      const MaterialX::NodeGraphPtr& graph, const std::string& name,
+                                      const std::string& type);
 
 } // namespace vyr::MaterialTranslation::textures

@@ -8,6 +8,12 @@
 namespace vyr::MaterialTranslation::textures
 {
 
+bool isImageFile(const std::filesystem::path& path)
+{
+    std::error_code error;
+    return path.is_absolute() && std::filesystem::is_regular_file(path, error);
+}
+
 std::string readImageReference(const assets::AssetView& texture, const char* property,
                                const core::Log& log)
 {
@@ -23,8 +29,7 @@ std::string readImageReference(const assets::AssetView& texture, const char* pro
                     "a document cannot hold the image's name: " + core::xmlText(image));
         return {};
     }
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(core::pathFromUtf8(image), error))
+    if (!isImageFile(core::pathFromUtf8(image)))
         log.warning(DiagnosticCode::TextureFileMissing, property,
                     "there is no such image file: " + image);
     return image;

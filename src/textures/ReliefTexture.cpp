@@ -57,6 +57,29 @@ std::vector<std::filesystem::path> imagesOf(const mx::NodeGraphPtr& graph)
     return images;
 }
 
+/// The material's folder during a bake: made when it is missing, gone again when nothing came of the
+/// bake.
+class MaterialFolder
+{
+  public:
+    explicit MaterialFolder(const ReliefBuild& build)
+        : _build(build), _isNew(core::makeMaterialFolder(build.folder))
+    {
+    }
+    MaterialFolder(const MaterialFolder&) = delete;
+    MaterialFolder& operator=(const MaterialFolder&) = delete;
+    ~MaterialFolder()
+    {
+        std::error_code ignored;
+        if (_isNew && _build.baked.empty())
+            std::filesystem::remove(_build.folder, ignored); // refuses when something is in it
+    }
+
+  private:
+    const ReliefBuild& _build;
+    bool _isNew;
+};
+
 /// The node that reads a baked normal map: linear data.
 mx::NodePtr addNormalMapNode(const ReliefBuild& build)
 {
@@ -95,7 +118,9 @@ NoiseTexture readNoiseTexture(const assets::AssetView& asset, const core::Log& l
     noise.thresholdHigh = assets::GetFloatOr(asset, "noise_ThresholdHigh", 1.0f);
     noise.levels = assets::GetFloatOr(asset, "noise_Levels", 1.0f);
     noise.phase = assets::GetFloatOr(asset, "noise_Phase", 0.0f);
-    texture.realWorldScale = readRealWorldScale(asset, log);
+    texture.realWorldScale.value = {1.0f, 1.0f};
+    if (assets::HasPropertyValue(asset, "texture_RealWorldScaleX"))
+        texture.realWorldScale = readRealWorldScale(asset, log);
     return texture;
 }
 
@@ -103,7 +128,13 @@ mx::OutputPtr addBakedNormalMap(const BumpTexture& bump, ReliefBuild& build)
 {
     if (bump.image.empty())
         return nullptr;
-    core::makeMaterialFolder(build.folder);
+    if (!isImageFile(core::pathFromUtf8(bump.image)))
+    {
+        build.log.warning(DiagnosticCode::BakeFailed, build.name,
+                          "the surface stays without relief, whose image is missing");
+        return nullptr;
+    }
+    const MaterialFolder folder(build);
     baking::BumpImage image;
     image.image = core::pathFromUtf8(bump.image);
     image.folder = build.folder;
@@ -125,7 +156,7 @@ mx::OutputPtr addBakedNormalMap(const BumpTexture& bump, ReliefBuild& build)
 mx::OutputPtr addNoiseNormalMap(const NoiseTexture& noise, ReliefBuild& build)
 {
     constexpr std::uint64_t largest = std::numeric_limits<int>::max();
-    core::makeMaterialFolder(build.folder);
+    const MaterialFolder folder(build);
     baking::NoiseBump bump;
     bump.noise = noise.noise;
     bump.noise.width = static_cast<int>(std::min(build.imageSize, largest));

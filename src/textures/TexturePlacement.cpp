@@ -44,8 +44,8 @@ Measured<assets::Vector2> readPair(const assets::AssetView& texture, const char*
 
 } // namespace
 
-Measured<float> readMeasured(const assets::AssetView& texture, const char* property,
-                             float fallback, const core::Log& log)
+Measured<float> readMeasured(const assets::AssetView& texture, const char* property, float fallback,
+                             const core::Log& log)
 {
     return {assets::GetFloatOr(texture, property, fallback), readUnit(texture, property, log)};
 }
@@ -61,10 +61,10 @@ TexturePlacement readTexturePlacement(const assets::AssetView& texture, const co
     placement.realWorldOffset =
         readPair(texture, "texture_RealWorldOffsetX", "texture_RealWorldOffsetY", 0.0f, log);
     placement.realWorldScale = readRealWorldScale(texture, log);
-    placement.uvOffset = {assets::GetFloatOr(texture, "texture_UOffset", 0.0f),
-                          assets::GetFloatOr(texture, "texture_VOffset", 0.0f)};
-    placement.uvScale = {assets::GetFloatOr(texture, "texture_UScale", 1.0f),
-                         assets::GetFloatOr(texture, "texture_VScale", 1.0f)};
+    const auto plain = [&](const char* name, float fallback)
+    { return assets::readUnitless(texture, name, fallback, log); };
+    placement.uvOffset = {plain("texture_UOffset", 0.0f), plain("texture_VOffset", 0.0f)};
+    placement.uvScale = {plain("texture_UScale", 1.0f), plain("texture_VScale", 1.0f)};
     placement.repeatU = assets::GetBooleanOr(texture, "texture_URepeat", false);
     placement.repeatV = assets::GetBooleanOr(texture, "texture_VRepeat", false);
     placement.rotation = readMeasured(texture, "texture_WAngle", 0.0f, log);

@@ -42,8 +42,8 @@ Measured<assets::Vector2> readRealWorldScale(const assets::AssetView& texture,
                                              const core::Log& log);
 
 /// A number of a texture asset and its unit.
-Measured<float> readMeasured(const assets::AssetView& texture, const char* property,
-                             float fallback, const core::Log& log);
+Measured<float> readMeasured(const assets::AssetView& texture, const char* property, float fallback,
+                             const core::Log& log);
 
 /// Adds the placement's inputs to a texture node, in the order in which documents have them.
 void addPlacementInputs(const MaterialX::NodePtr& node, const TexturePlacement& placement);

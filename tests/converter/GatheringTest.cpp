@@ -209,7 +209,8 @@ TEST_F(Gathering, CopiesWhatIsNotUpToDate)
         fs::file_time_type time;
         bool copied;
     } cases[] = {
-        {"the copy itself", "SRC/WOOD.PNG", time, false},
+        {"the copy itself", "src/wood.png", time, false},
+        {"another image of that size and time", "SRC/WOOD.PNG", time, true},
         {"newer", "SRC/WOOD.PNG", time + 1h, false},
         {"older", "SRC/WOOD.PNG", time - 1h, true},
         {"newer and shorter", "SRC", time + 1h, true},

@@ -72,7 +72,8 @@ TEST_F(BitmapNode, HasItsInputsInOrder)
             "uv_scale vector2 2, 3", "uaddressmode string periodic", "vaddressmode string clamp",
             "rotation_angle float 45 degrees/angle", "rgbamount float 0.75",
             "invert boolean true"}));
-    EXPECT_TRUE(_translation.diagnostics.empty()) << _translation.report();
+    EXPECT_EQ(_translation.count(DiagnosticCode::UnitIgnored), 1u) << "of the offset in UV";
+    EXPECT_EQ(_translation.diagnostics.size(), 1u) << _translation.report();
 }
 
 TEST_F(BitmapNode, HasEveryInputWhenTheAssetSaysNothing)

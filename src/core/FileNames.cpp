@@ -1,10 +1,10 @@
-#include "converter/FileNames.h"
+#include "core/FileNames.h"
 
 #include <algorithm>
 
 #include "core/OutputFolder.h"
 
-namespace vyr::MaterialTranslation::converter
+namespace vyr::MaterialTranslation::core
 {
 
 namespace
@@ -104,17 +104,23 @@ bool isTreacherous(std::string_view name)
 {
     const bool drive = name.size() >= 2 && name[1] == ':';
     return name.empty() || name == "." || name == ".." || drive ||
-           name.find('\0') != std::string_view::npos || core::isDeviceName(name);
+           name.find('\0') != std::string_view::npos || isDeviceName(name);
 }
 
 std::string portableName(std::string_view name)
 {
     std::string result(name);
     std::replace_if(result.begin(), result.end(), [](char c) { return !isPortable(c); }, '_');
-    result = shortened(result);
-    if (result.ends_with('.') || result.ends_with(' '))
-        result.back() = '_';
-    return result;
+    // Other systems drop these at the end, so that a reader would look for a name without them.
+    while (result.ends_with('.') || result.ends_with(' '))
+        result.pop_back();
+    return result.empty() ? "_" : shortened(result);
+}
+
+std::string safeName(std::string_view name)
+{
+    const std::string portable = portableName(name);
+    return isTreacherous(portable) ? "_" + portable : portable;
 }
 
 std::string FileNames::take(const std::string& name,
@@ -128,4 +134,4 @@ std::string FileNames::take(const std::string& name,
     return candidate;
 }
 
-} // namespace vyr::MaterialTranslation::converter
+} // namespace vyr::MaterialTranslation::core

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace vyr::MaterialTranslation::converter
+namespace vyr::MaterialTranslation::core
 {
 
 /// What follows the last "/" or "\" of a path.
@@ -18,6 +18,10 @@ bool isTreacherous(std::string_view name);
 /// The name as every common operating system takes it: without the characters that some refuse, no
 /// dot or space at the end, and not too long. Mostly the name itself.
 std::string portableName(std::string_view name);
+
+/// A name of the converter's own making as every common operating system takes it: portableName, and
+/// not the name of a device.
+std::string safeName(std::string_view name);
 
 /// Names that were given out in one folder. Upper and lower case do not keep two names apart, be
 /// they Latin, Greek or Cyrillic letters.
@@ -33,4 +37,4 @@ class FileNames
     std::set<std::string> _taken;
 };
 
-} // namespace vyr::MaterialTranslation::converter
+} // namespace vyr::MaterialTranslation::core

@@ -1,4 +1,4 @@
-#include "converter/FileNames.h"
+#include "core/FileNames.h"
 
 #include <string>
 
@@ -6,7 +6,7 @@
 
 #include "core/Text.h"
 
-namespace vyr::MaterialTranslation::converter
+namespace vyr::MaterialTranslation::core
 {
 
 namespace
@@ -56,10 +56,10 @@ TEST(FileNames, BecomePortable)
         {"100% oak & \xC3\xA9 'x' #1 [a]{b}.png", "100% oak & \xC3\xA9 'x' #1 [a]{b}.png"},
         {"a<b>c:d\"e|f?g*h.png", "a_b_c_d_e_f_g_h.png"},
         {"a\x01\x1F\x7Fz", "a___z"},
-        {"wood.", "wood_"},
-        {"wood.png ", "wood.png_"},
-        {"a..", "a._"},
-        {"...", ".._"},
+        {"wood.", "wood"},
+        {"wood.png ", "wood.png"},
+        {"a..", "a"},
+        {"...", "_"},
         {std::string(300, 'x') + ".png", std::string(196, 'x') + ".png"},
         {"." + std::string(300, 'x'), "." + std::string(199, 'x')},
         {std::string(199, 'x') + ". y", std::string(197, 'x') + ". y"},
@@ -121,4 +121,4 @@ TEST(FileNames, AreGivenOutOnce)
 
 } // namespace
 
-} // namespace vyr::MaterialTranslation::converter
+} // namespace vyr::MaterialTranslation::core

@@ -1,0 +1,33 @@
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <MaterialTranslation/DocumentIO.h>
+#include <MaterialXFormat/XmlIo.h>
+
+namespace vyr::MaterialTranslation
+{
+
+namespace mx = MaterialX;
+
+/// MaterialX's reader is lenient: what it reads back may still be no XML for others.
+TEST(DocumentText, IsXmlWhateverItsTextsHold)
+{
+    const std::string texts[] = {"a<b", "<<", "x.<UDIM>.png", "\"quoted <\"", "&lt;", "a>b & 'c'"};
+    for (const std::string& text : texts)
+    {
+        const mx::DocumentPtr document = mx::createDocument();
+        document->addChildOfCategory(mx::CommentElement::CATEGORY)
+            ->setDocString("a \"comment\" <x>");
+        document->addNode("image", "node", "color3")
+            ->setInputValue("file", text, mx::FILENAME_TYPE_STRING);
+        const std::string xml = documentToXml(document);
+        for (std::size_t at = xml.find("value=\""); at < xml.find('"', at + 7); ++at)
+            EXPECT_NE(xml[at], '<') << xml;
+        const mx::DocumentPtr read = mx::createDocument();
+        mx::readFromXmlString(read, xml);
+        EXPECT_EQ(read->getNode("node")->getInputValue("file")->getValueString(), text) << xml;
+    }
+}
+
+} // namespace vyr::MaterialTranslation
