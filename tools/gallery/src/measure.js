@@ -37,11 +37,3 @@ export function tileSize(text) {
     const largest = Math.max(...textures.map(repeat));
     return { metres: periodic ? nice(largest * 1.5) : largest, textured: true };
 }
-
-/**
- * Candela per square metre of one unit of radiance: one in the shading nodes of kvor; a thousand in a document
- * that uses the standard surface directly, whose emission is counted so.
- */
-export function radianceUnit(text) {
-    return /<kvor:(metal|opaque|transparent|layered|glazing)\b/.test(text) ? 1 : 1000;
-}

@@ -1,7 +1,7 @@
 // Fills the pictures of the page, those in view first.
 
 import { createGenerator } from "./generator.js";
-import { radianceUnit, tileSize } from "./measure.js";
+import { tileSize } from "./measure.js";
 import { FALLBACK, Studio } from "./studio.js";
 
 // "?width=" is the width of the pictures, "?only=" their choice.
@@ -40,7 +40,7 @@ async function fill(card, generator, studio) {
     const { metres, textured } = tileSize(text);
     const material = await generator.material(text);
     const canvas = card.querySelector("canvas");
-    await studio.draw(material, { metres, radianceUnit: radianceUnit(text) }, canvas);
+    await studio.draw(material, { metres }, canvas);
     if (textured) card.querySelector(".size").textContent = `tile ${label(metres)}`;
 }
 

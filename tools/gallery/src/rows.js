@@ -24,7 +24,7 @@ async function drawRow(generator, studio, { document: write, view, row }) {
         const picture = document.createElement("canvas");
         picture.width = picture.height = SIDE;
         const material = await generator.material(write(values));
-        await studio.draw(material, { metres: TILE, radianceUnit: 1, view }, picture);
+        await studio.draw(material, { metres: TILE, view }, picture);
         target.drawImage(picture, i * SIDE, 0);
         captions[i].forEach((text, line) => target.fillText(text, i * SIDE + MARGIN, SIDE + MARGIN + LINE * (line + 0.8), SIDE - 2 * MARGIN));
         const mark = document.createElement("i");

@@ -14,6 +14,8 @@ export const FALLBACK = [255, 0, 255];
 
 /** Luminance of the studio's white: that of paper beside a window, in which a display still looks lit. */
 const WHITE_LUMINANCE = 500;
+// Candela per square metre of one unit of radiance in the shaders, as the documents count emission.
+const LUMINANCE_OF_RADIANCE_ONE = 1000;
 const REFLECTION_SAMPLES = 24;
 const KEPT_MATERIALS = 24;
 /** Share of the shade on the floor that things with holes cast. */
@@ -84,12 +86,11 @@ export class Studio {
      *
      * @param material of `Generator.material`
      * @param metres width of the tile
-     * @param radianceUnit candela per square metre of one unit of radiance in the shader
      * @param view "both", "sphere" or "tile"
      */
-    async draw(material, { metres, radianceUnit, view = "both" }, canvas) {
+    async draw(material, { metres, view = "both" }, canvas) {
         const shading = await this.#shading(material);
-        const intensity = WHITE_LUMINANCE / radianceUnit;
+        const intensity = WHITE_LUMINANCE / LUMINANCE_OF_RADIANCE_ONE;
         shading.envMapIntensity = intensity;
         for (const shape of this.shapes) {
             setSize(shape.geometry, metres);
