@@ -193,7 +193,7 @@ class Shading(unittest.TestCase):
             ("metal", dict(surface_normal=("vector3", "0.6, 0, 0.8")), "normal", (0.6, 0, 0.8)),
             ("opaque", dict(opaque_f0=("float", 0.04)), "specular_IOR", 1.5),
             ("opaque", dict(opaque_f0=("float", 0)), "specular_IOR", 1),
-            ("opaque", dict(opaque_emission=("boolean", "true"), opaque_luminance_modifier=("color3", "1, 0.5, 0")), "emission_color", (1, 0.5, 0)),
+            ("opaque", dict(opaque_emission=("boolean", "true"), opaque_luminance_modifier=("color3", "1, 0.5, 0")), "emission_color", (0.001, 0.0005, 0)),
             ("opaque", dict(opaque_luminance_modifier=("color3", "1, 0.5, 0")), "emission_color", (0, 0, 0)),
             ("opaque", dict(opaque_luminance=("float", 250)), "emission", 250),
             ("opaque", dict(opaque_luminance=("float", 2, "footlambert", "luminance")), "emission", 6.85252),
