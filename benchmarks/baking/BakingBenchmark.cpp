@@ -78,7 +78,7 @@ Buffers& buffers(int size)
         current.noise.reset(OIIO::ImageSpec(size, size, 1, OIIO::TypeFloat));
         for (OIIO::ImageBuf::Iterator<float> i(current.heights); !i.done(); ++i)
         {
-            i[0] = static_cast<float>((i.x() * 7919 + i.y() * 104729) % 256) / 255.0F;
+            i[0] = static_cast<float>((i.x() * 7919 + i.y() * 104729) % 256) / 255.0f;
         }
     }
     return current;
@@ -100,7 +100,7 @@ void runNormalKernel(const KernelSet& set, int size, int threads)
                         {
                             set.normalRow({heightRow(b.heights, y - 1), heightRow(b.heights, y),
                                            heightRow(b.heights, y + 1)},
-                                          static_cast<std::size_t>(size), {1.0F, 1.0F},
+                                          static_cast<std::size_t>(size), {1.0f, 1.0f},
                                           static_cast<float*>(b.normals.pixeladdr(0, y)));
                         }
                     });
@@ -155,13 +155,13 @@ std::vector<NoiseKind> noiseKinds()
         noise.type = type;
         noise.levels = levels;
         noise.phase = phase;
-        noise.thresholdHigh = 1.0F;
+        noise.thresholdHigh = 1.0f;
         return noise;
     };
-    return {{"regular", kind("noise_regular", 1.0F, 0.0F), 1},
-            {"regular_phase", kind("noise_regular", 1.0F, 0.3F), 1},
-            {"fractal4", kind("noise_fractal", 4.0F, 0.0F), 4},
-            {"fractal4_phase", kind("noise_fractal", 4.0F, 0.3F), 4}};
+    return {{"regular", kind("noise_regular", 1.0f, 0.0f), 1},
+            {"regular_phase", kind("noise_regular", 1.0f, 0.3f), 1},
+            {"fractal4", kind("noise_fractal", 4.0f, 0.0f), 4},
+            {"fractal4_phase", kind("noise_fractal", 4.0f, 0.3f), 4}};
 }
 
 void runNoiseKernel(const KernelSet& set, const NoiseKind& kind, int size, int threads)
@@ -192,7 +192,7 @@ void runPlainNormals(const OIIO::ImageBuf& heights, OIIO::ImageBuf& normals, int
 {
     const int size = heights.spec().width;
     forEachRowBlock(size, heights.spec().height, threads, [&](int yBegin, int yEnd)
-                    { reference::bakeNormalRows(heights, 1.0F, 1.0F, yBegin, yEnd, normals); });
+                    { reference::bakeNormalRows(heights, 1.0f, 1.0f, yBegin, yEnd, normals); });
 }
 
 void runPlainNoise(const reference::Noise& noise, OIIO::ImageBuf& image, int threads)
@@ -276,10 +276,10 @@ OIIO::ImageBuf bumpTile()
     for (OIIO::ImageBuf::Iterator<unsigned char> i(tile); !i.done(); ++i)
     {
         grain = grain * 1664525U + 1013904223U;
-        const float x = static_cast<float>(i.x()) * 0.02F;
-        const float y = static_cast<float>(i.y()) * 0.03F;
-        i[0] = 0.5F + 0.2F * std::sin(x) * std::cos(y) + 0.1F * std::sin(7.0F * x + y) +
-               static_cast<float>(grain >> 24) / 2550.0F;
+        const float x = static_cast<float>(i.x()) * 0.02f;
+        const float y = static_cast<float>(i.y()) * 0.03f;
+        i[0] = 0.5f + 0.2f * std::sin(x) * std::cos(y) + 0.1f * std::sin(7.0f * x + y) +
+               static_cast<float>(grain >> 24) / 2550.0f;
     }
     return tile;
 }

@@ -47,11 +47,11 @@ struct NormalBakeOptions
     /// Strength of the relief for the image as a whole: the slopes are multiplied with
     /// width * bumpAmount / realWorldScale[0] * bumpScale[0] along x, and with height and the second
     /// components along y. 0 leaves the slopes as they are.
-    float bumpAmount = 0.0F;
+    float bumpAmount = 0.0f;
     /// Size of the image in the world, in any unit; not 0.
-    std::array<float, 2> realWorldScale{1.0F, 1.0F};
+    std::array<float, 2> realWorldScale{1.0f, 1.0f};
     /// Further factors along x and y.
-    std::array<float, 2> bumpScale{1.0F, 1.0F};
+    std::array<float, 2> bumpScale{1.0f, 1.0f};
     ImageLimits limits;
     /// 0: as many threads as OpenImageIO uses by default; 1: only the calling thread.
     int threads = 0;
@@ -68,15 +68,15 @@ struct NoiseBakeOptions
     std::optional<std::array<float, 3>> color1;
     std::optional<std::array<float, 3>> color2;
     /// The image is 100 / size noise cells wide and high; what is not greater than 0 counts as 1.
-    float size = 0.0F;
+    float size = 0.0f;
     /// Below the low threshold the noise is 0, above the high one 1, between them it rises evenly.
-    float thresholdLow = 0.0F;
-    float thresholdHigh = 0.0F;
+    float thresholdLow = 0.0f;
+    float thresholdHigh = 0.0f;
     /// Octaves of fractal and turbulence noise; a fraction counts as a whole octave, what is not greater than 0
     /// as 1, and above 32 as 32, with a warning.
-    float levels = 0.0F;
+    float levels = 0.0f;
     /// Coordinate on the fourth axis of the noise: a slow change of it makes the image flow.
-    float phase = 0.0F;
+    float phase = 0.0f;
     ImageLimits limits;
     /// 0: as many threads as OpenImageIO uses by default; 1: only the calling thread.
     int threads = 0;
@@ -85,16 +85,16 @@ struct NoiseBakeOptions
 /// Bakes a height (bump) image into a tangent-space normal map: linear, x to the right, y along the rows
 /// downwards, each component n stored as n / 2 + 1 / 2.
 ///
-/// \param source       png, jpeg, tiff, exr, targa, bmp, hdr, webp, sgi or pnm, whatever its name says; the
+/// @param source       png, jpeg, tiff, exr, targa, bmp, hdr, webp, sgi or pnm, whatever its name says; the
 ///                     first channel counts, integers from 0 to 1. Not the destination.
-/// \param destination  In an existing folder.
+/// @param destination  In an existing folder.
 VYR_MTLX_API BakeResult bakeNormalMapFile(const std::filesystem::path& source,
                                           const std::filesystem::path& destination,
                                           const NormalBakeOptions& options = {});
 
 /// Bakes four-dimensional gradient noise into an image.
 ///
-/// \param destination  In an existing folder.
+/// @param destination  In an existing folder.
 VYR_MTLX_API BakeResult bakeNoiseFile(const std::filesystem::path& destination,
                                       const NoiseBakeOptions& options);
 

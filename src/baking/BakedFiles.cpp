@@ -84,7 +84,7 @@ void checkStrength(const std::filesystem::path& file, const NormalBakeOptions& o
     {
         const float factor =
             options.bumpAmount / options.realWorldScale[axis] * options.bumpScale[axis];
-        if (options.bumpAmount != 0.0F && !std::isfinite(factor))
+        if (options.bumpAmount != 0.0f && !std::isfinite(factor))
         {
             throw BakeError(
                 fmt::format("{}: the bump amount {:g} over the real-world scale {:g} times the "

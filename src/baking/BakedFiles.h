@@ -26,8 +26,8 @@ struct BumpImage
     /// Files that must stay; a normal map that would replace one gets a number into its name.
     std::vector<std::filesystem::path> kept;
     /// Set as "texture_RealWorldScaleX" and "texture_RealWorldScaleY" of the bake, which does not use them.
-    float realWorldScaleX = 0.0F;
-    float realWorldScaleY = 0.0F;
+    float realWorldScaleX = 0.0f;
+    float realWorldScaleY = 0.0f;
     ImageLimits limits;
     int threads = 0;
 };
@@ -42,7 +42,7 @@ struct NoiseBump
     /// Width and height are those of the normal map.
     NoiseBakeOptions noise;
     /// Strength of the relief; 0 leaves the slopes as they are.
-    float bumpAmount = 0.0F;
+    float bumpAmount = 0.0f;
     /// The normal map goes here, as nodeName + "_" + width + "normal_map.png". Made when missing.
     std::filesystem::path folder;
     /// As of a bump image.

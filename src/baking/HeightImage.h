@@ -22,11 +22,11 @@ struct HeightImage
 /// what it is, not the name (but for targa, which has no mark of its own). The header is checked against the
 /// limits before memory is taken.
 ///
-/// \param threads  0: OpenImageIO's default; 1: only the calling thread.
-/// \throws BakeError when there is no such file, or it is of another format, too large, empty, or damaged.
+/// @param threads  0: OpenImageIO's default; 1: only the calling thread.
+/// @throws BakeError when there is no such file, or it is of another format, too large, empty, or damaged.
 HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits& limits,
                             int threads = 0);
 
-/// \throws BakeError when the image has more pixels than allowed, or none; `what` starts the message.
+/// @throws BakeError when the image has more pixels than allowed, or none; `what` starts the message.
 void checkPixels(const std::string& what, int width, int height, const ImageLimits& limits);
 } // namespace vyr::MaterialTranslation::baking

@@ -20,7 +20,7 @@ namespace
 using Color = std::array<float, 3>;
 
 /// Octave 33 would be a 2^32th of the first: less than half of the last bit of any pixel.
-constexpr float kMostLevels = 32.0F;
+constexpr float kMostLevels = 32.0f;
 
 struct NoiseType
 {
@@ -75,7 +75,7 @@ struct NoiseParameters
 
 float orOne(float value)
 {
-    return value > 0.0F ? value : 1.0F;
+    return value > 0.0f ? value : 1.0f;
 }
 
 NoiseParameters noiseParameters(const OIIO::ImageSpec& spec)
@@ -83,11 +83,11 @@ NoiseParameters noiseParameters(const OIIO::ImageSpec& spec)
     return {
         colorAttribute(spec, "noise:color1"),
         colorAttribute(spec, "noise:color2"),
-        orOne(spec.get_float_attribute("noise:size", 0.0F)),
-        spec.get_float_attribute("noise:thresholdLow", 0.0F),
-        spec.get_float_attribute("noise:thresholdHigh", 0.0F),
-        spec.get_float_attribute("noise:phase", 0.0F),
-        std::min(orOne(spec.get_float_attribute("noise:levels", 0.0F)), kMostLevels),
+        orOne(spec.get_float_attribute("noise:size", 0.0f)),
+        spec.get_float_attribute("noise:thresholdLow", 0.0f),
+        spec.get_float_attribute("noise:thresholdHigh", 0.0f),
+        spec.get_float_attribute("noise:phase", 0.0f),
+        std::min(orOne(spec.get_float_attribute("noise:levels", 0.0f)), kMostLevels),
     };
 }
 
@@ -108,7 +108,7 @@ OIIO::ImageSpec imageSpec(const OIIO::ImageSpec& source, const NoiseParameters& 
 int octaveCount(float levels)
 {
     int octaves = 0;
-    for (float remaining = levels; remaining > 0.0F; remaining -= 1.0F)
+    for (float remaining = levels; remaining > 0.0f; remaining -= 1.0f)
     {
         ++octaves;
     }
@@ -167,7 +167,7 @@ OIIO::ImageBuf bakeNoiseImage(const OIIO::ImageSpec& source, int threads)
 
 std::vector<std::string> noiseWarnings(const OIIO::ImageSpec& parameters)
 {
-    const float levels = parameters.get_float_attribute("noise:levels", 0.0F);
+    const float levels = parameters.get_float_attribute("noise:levels", 0.0f);
     if (levels > kMostLevels)
     {
         return {fmt::format("{:g} noise levels are baked as {:g}", levels, kMostLevels)};

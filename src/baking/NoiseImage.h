@@ -23,9 +23,9 @@ namespace vyr::MaterialTranslation::baking
 ///
 /// docs/bakes.md has the formulas.
 ///
-/// \param threads  0: OpenImageIO's default thread count; 1: everything in the calling thread. The result is
+/// @param threads  0: OpenImageIO's default thread count; 1: everything in the calling thread. The result is
 ///                 the same.
-/// \return "noise_image": 32-bit float, three channels when both colours are given, else one, with the
+/// @return "noise_image": 32-bit float, three channels when both colours are given, else one, with the
 ///         parameters as used in the attributes "noise_Color1", "noise_Color2", "noise_Size",
 ///         "noise_ThresholdLow", "noise_ThresholdHigh", "noise_Phase" and "noise_Levels". With another type it
 ///         is zero throughout and has the error "Unsupported Noise type"; the type goes to standard error.

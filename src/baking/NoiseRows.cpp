@@ -18,20 +18,20 @@ constexpr int kBandRows = 64;
 /// even. A cell that is no 32-bit integer is the lowest one, with fraction 0.
 NoiseAxis latticeAxis(float coordinate)
 {
-    constexpr float kLimit = 2147483648.0F;
-    const float cell = std::nearbyint(coordinate - 0.5F);
+    constexpr float kLimit = 2147483648.0f;
+    const float cell = std::nearbyint(coordinate - 0.5f);
     if (!(cell >= -kLimit && cell < kLimit))
     {
-        return {static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::min()), 0.0F, 0.0F};
+        return {static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::min()), 0.0f, 0.0f};
     }
     const float f = coordinate - cell;
-    const float fade = f * f * f * (f * (f * 6.0F - 15.0F) + 10.0F);
+    const float fade = f * f * f * (f * (f * 6.0f - 15.0f) + 10.0f);
     return {static_cast<std::uint32_t>(static_cast<std::int32_t>(cell)), f, fade};
 }
 
 float noiseCoordinate(int pixel, int pixels, float size)
 {
-    return std::fabs(static_cast<float>(pixel) / static_cast<float>(pixels)) * 100.0F / size;
+    return std::fabs(static_cast<float>(pixel) / static_cast<float>(pixels)) * 100.0f / size;
 }
 
 /// All octaves of one strip of columns.
@@ -49,14 +49,14 @@ class NoiseStrip
         for (int i = 0; i < kNoiseColumns; ++i)
         {
             const float along = noiseCoordinate(column + i, _field.width, _field.size);
-            float frequency = 1.0F;
+            float frequency = 1.0f;
             for (NoiseColumns& columns : _columns)
             {
                 const NoiseAxis axis = latticeAxis(along * frequency);
                 columns.cell[i] = axis.cell;
                 columns.fraction[i] = axis.fraction;
                 columns.fade[i] = axis.fade;
-                frequency *= 2.0F;
+                frequency *= 2.0f;
             }
         }
     }
@@ -64,12 +64,12 @@ class NoiseStrip
     /// Adds up at most kBandRows rows; row i of the result starts at i * kNoiseColumns.
     const float* sumRows(int yBegin, int yEnd)
     {
-        std::fill(_sums.begin(), _sums.end(), 0.0F);
-        float frequency = 1.0F;
+        std::fill(_sums.begin(), _sums.end(), 0.0f);
+        float frequency = 1.0f;
         for (const NoiseColumns& columns : _columns)
         {
             addOctave(columns, frequency, yBegin, yEnd);
-            frequency *= 2.0F;
+            frequency *= 2.0f;
         }
         return _sums.data();
     }
@@ -77,7 +77,7 @@ class NoiseStrip
   private:
     void addOctave(const NoiseColumns& columns, float frequency, int yBegin, int yEnd)
     {
-        NoiseOctaveRow row{0.0F, 0.0F, _phase, 1.0F / frequency, _field.absolute};
+        NoiseOctaveRow row{0.0f, 0.0f, _phase, 1.0f / frequency, _field.absolute};
         std::uint32_t cell = 0;
         for (int y = yBegin; y < yEnd; ++y)
         {

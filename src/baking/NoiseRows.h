@@ -17,7 +17,7 @@ struct NoiseField
 
 /// Computes whole rows of a noise image; a pixel depends on its place only, not on what else is computed.
 ///
-/// \param pixels  The pixel (0, yBegin) of the image, `shade.channels` floats a pixel, rows without gaps.
+/// @param pixels  The pixel (0, yBegin) of the image, `shade.channels` floats a pixel, rows without gaps.
 void bakeNoiseRows(const NoiseField& field, const NoiseShade& shade, const KernelSet& kernels,
                    int yBegin, int yEnd, float* pixels);
 } // namespace vyr::MaterialTranslation::baking

@@ -14,20 +14,20 @@ namespace
 {
 std::array<float, 2> pairAttribute(const OIIO::ImageSpec& spec, const char* name)
 {
-    std::array<float, 2> pair{1.0F, 1.0F};
+    std::array<float, 2> pair{1.0f, 1.0f};
     if (!spec.getattribute(name, OIIO::TypeDesc(OIIO::TypeDesc::FLOAT, 2), pair.data()))
     {
-        return {1.0F, 1.0F};
+        return {1.0f, 1.0f};
     }
     return pair;
 }
 
 SlopeStrength slopeStrength(const OIIO::ImageSpec& parameters, int width, int height)
 {
-    const float amount = parameters.get_float_attribute("bump_amount", 0.0F);
-    if (amount == 0.0F)
+    const float amount = parameters.get_float_attribute("bump_amount", 0.0f);
+    if (amount == 0.0f)
     {
-        return {1.0F, 1.0F};
+        return {1.0f, 1.0f};
     }
     const auto worldScale = pairAttribute(parameters, "real_world_scale");
     const auto bumpScale = pairAttribute(parameters, "bump_scale");

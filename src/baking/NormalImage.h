@@ -19,11 +19,11 @@ namespace vyr::MaterialTranslation::baking
 /// length, dX and dY being the 3 x 3 Sobel gradients with border pixels repeated, and is stored as n * 0.5 +
 /// 0.5. A height that is not finite makes its neighbourhood NaN.
 ///
-/// \param height      Heights in channel 0. Float pixels in memory with one channel are read where they are.
-/// \param parameters  Only the three attributes are used.
-/// \param threads     0: OpenImageIO's default thread count; 1: everything in the calling thread. The result
+/// @param height      Heights in channel 0. Float pixels in memory with one channel are read where they are.
+/// @param parameters  Only the three attributes are used.
+/// @param threads     0: OpenImageIO's default thread count; 1: everything in the calling thread. The result
 ///                    is the same.
-/// \return "normal_image": of the size of the height image's pixels, origin 0, three channels of 32-bit float,
+/// @return "normal_image": of the size of the height image's pixels, origin 0, three channels of 32-bit float,
 ///         colour space "Linear". Without pixels, and with an error, when the height image has none.
 OIIO::ImageBuf bakeNormalImage(const OIIO::ImageBuf& height, const OIIO::ImageSpec& parameters,
                                int threads = 0);

@@ -10,7 +10,7 @@ namespace vyr::MaterialTranslation::baking
 /// returns when all are done. Blocks have at least 1024 pixels (but for the last). Tasks run in the default
 /// floating-point environment and must not throw.
 ///
-/// \param threads  0: OpenImageIO's default thread count; 1: everything in the calling thread.
+/// @param threads  0: OpenImageIO's default thread count; 1: everything in the calling thread.
 void forEachRowBlock(int width, int height, int threads,
                      const std::function<void(int yBegin, int yEnd)>& task);
 

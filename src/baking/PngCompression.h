@@ -12,8 +12,8 @@ namespace vyr::MaterialTranslation::baking
 /// first, and the first that is small enough against the default is taken; the default is the last choice. Sizes
 /// decide, not times: the file is the same on every machine.
 ///
-/// \param pixels  Rows without gaps, 1 or 3 channels.
-/// \param spec    Size, channels and attributes; its format is not used.
-/// \throws BakeError with OpenImageIO's reason.
+/// @param pixels  Rows without gaps, 1 or 3 channels.
+/// @param spec    Size, channels and attributes; its format is not used.
+/// @throws BakeError with OpenImageIO's reason.
 std::vector<unsigned char> encodePng(const unsigned char* pixels, const OIIO::ImageSpec& spec);
 } // namespace vyr::MaterialTranslation::baking

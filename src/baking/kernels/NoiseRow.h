@@ -39,7 +39,7 @@ inline void splitGradient(typename Lanes::Bits hash, typename Lanes::Floats dy,
     const Bits bit3 = L::template spreadBit<3>(hash);
     const Bits bit4 = L::template spreadBit<4>(hash);
     const Bits firstIsAlong = L::both(bit3, bit4);
-    const Bits one = L::bits(L::all(1.0F));
+    const Bits one = L::bits(L::all(1.0f));
 
     const Bits alongSign = L::either(L::both(sign0, firstIsAlong), L::butNot(sign1, firstIsAlong));
     const Bits alongUnused = L::butNot(bit4, bit3);
@@ -58,8 +58,8 @@ void noiseGradients(const NoiseColumns& columns, std::uint32_t row, const NoiseA
     const Bits zero = L::all(0U);
     const Bits rowHash[2] = {mixHash<L>(zero, L::all(row)), mixHash<L>(zero, L::all(row + 1U))};
     const Bits phaseCell[2] = {L::all(phase.cell), L::all(phase.cell + 1U)};
-    const Floats dw[2] = {L::all(phase.fraction), L::all(phase.fraction - 1.0F)};
-    const int phases = phase.fraction == 0.0F ? 1 : 2;
+    const Floats dw[2] = {L::all(phase.fraction), L::all(phase.fraction - 1.0f)};
+    const int phases = phase.fraction == 0.0f ? 1 : 2;
 
     for (std::size_t i = 0; i < kNoiseColumns; i += L::kWidth)
     {
@@ -68,7 +68,7 @@ void noiseGradients(const NoiseColumns& columns, std::uint32_t row, const NoiseA
         for (int corner = 0; corner < 4; ++corner)
         {
             const bool upper = (corner & 2) != 0;
-            const Floats dy = upper ? L::subtract(fraction, L::all(1.0F)) : fraction;
+            const Floats dy = upper ? L::subtract(fraction, L::all(1.0f)) : fraction;
             const Bits alongCell = upper ? L::add(cell, L::all(1U)) : cell;
             const Bits planeHash = mixHash<L>(mixHash<L>(rowHash[corner & 1], alongCell), zero);
             for (int w = 0; w < phases; ++w)
@@ -97,7 +97,7 @@ inline typename Lanes::Floats noisePlane(const NoiseGradients& gradients, int fi
 {
     using L = Lanes;
     using Floats = typename L::Floats;
-    const Floats dx[2] = {L::all(row.fraction), L::all(row.fraction - 1.0F)};
+    const Floats dx[2] = {L::all(row.fraction), L::all(row.fraction - 1.0f)};
     Floats value[4];
     for (int corner = 0; corner < 4; ++corner)
     {
@@ -129,7 +129,7 @@ inline void addNoiseOctaveOf(const NoiseGradients& gradients, const NoiseColumns
             const Floats upper = noisePlane<L, true>(gradients, 4, i, row, fadeAlong);
             noise = interpolate<L>(noise, upper, L::all(row.phase.fade));
         }
-        noise = L::multiply(L::multiply(noise, L::all(0.87F)), L::all(row.scale));
+        noise = L::multiply(L::multiply(noise, L::all(0.87f)), L::all(row.scale));
         if (row.absolute)
         {
             noise = L::absolute(noise);
@@ -142,7 +142,7 @@ template <class Lanes>
 void addNoiseOctave(const NoiseGradients& gradients, const NoiseColumns& columns,
                     const NoiseOctaveRow& row, float* sums)
 {
-    if (row.phase.fraction == 0.0F)
+    if (row.phase.fraction == 0.0f)
     {
         addNoiseOctaveOf<Lanes, false>(gradients, columns, row, sums);
     }
@@ -159,11 +159,11 @@ inline typename Lanes::Floats noiseValue(typename Lanes::Floats noise, const Noi
     using Floats = typename L::Floats;
     const Floats low = L::all(shade.thresholdLow);
     const Floats high = L::all(shade.thresholdHigh);
-    const Floats one = L::all(1.0F);
-    const Floats v = shade.centred ? L::multiply(L::add(noise, one), L::all(0.5F)) : noise;
+    const Floats one = L::all(1.0f);
+    const Floats v = shade.centred ? L::multiply(L::add(noise, one), L::all(0.5f)) : noise;
     const bool ramp = shade.thresholdLow != shade.thresholdHigh;
     const Floats between = ramp ? L::divide(L::subtract(v, low), L::subtract(high, low)) : v;
-    return L::ifLess(v, low, L::all(0.0F), L::ifLess(high, v, one, between));
+    return L::ifLess(v, low, L::all(0.0f), L::ifLess(high, v, one, between));
 }
 
 template <class Lanes>
@@ -175,7 +175,7 @@ inline void shadePixels(typename Lanes::Floats v, const NoiseShade& shade, float
         L::store(pixels, v);
         return;
     }
-    const auto rest = L::subtract(L::all(1.0F), v);
+    const auto rest = L::subtract(L::all(1.0f), v);
     const auto blend = [&](int c)
     {
         return L::add(L::multiply(L::all(shade.color1[c]), rest),

@@ -53,23 +53,23 @@ inline void normalPixels(const float* above, const float* centre, const float* b
     const Floats b1 = L::load(below);
     const Floats b2 = L::load(below + 1);
 
-    const Floats two = L::all(2.0F);
+    const Floats two = L::all(2.0f);
     Floats dx = L::subtract(a2, a0);
     dx = L::subtract(dx, L::multiply(two, c0));
     dx = L::add(dx, L::multiply(two, c2));
     dx = L::add(L::subtract(dx, b0), b2);
-    Floats dy = L::subtract(L::multiply(L::all(-1.0F), a0), L::multiply(two, a1));
+    Floats dy = L::subtract(L::multiply(L::all(-1.0f), a0), L::multiply(two, a1));
     dy = L::add(L::subtract(dy, a2), b0);
     dy = L::add(L::add(dy, L::multiply(two, b1)), b2);
 
     const Floats nx = L::multiply(L::all(-strength.x), dx);
     const Floats ny = L::multiply(L::all(strength.y), dy);
-    const Floats nz = L::all(4.0F);
+    const Floats nz = L::all(4.0f);
 
-    const Floats poison = L::multiply(L::all(0.0F), c1);
+    const Floats poison = L::multiply(L::all(0.0f), c1);
     const Floats length = L::add(length3<L>(nx, ny, nz), poison);
 
-    const Floats half = L::all(0.5F);
+    const Floats half = L::all(0.5f);
     const auto encode = [&](Floats n)
     { return L::add(L::multiply(L::divide(n, length), half), half); };
     L::storePixels(rgb, encode(nx), encode(ny), encode(nz));
