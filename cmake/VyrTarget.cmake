@@ -32,11 +32,10 @@ function(vyr_target_defaults target)
                 -Wshadow
                 -Wsign-conversion
                 -Wundef
-                # False alarms of GCC where it inlines deep enough: members of a moved std::variant, and in
-                # release 12 (its bug 105651) the addition of strings. What is certainly uninitialised
-                # stays an error.
-                $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
-                $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+                # False alarms of GCC where it inlines deep enough: members of a moved std::variant, the
+                # addition of strings (its bug 105651), copies of vectors. What is certainly uninitialised
+                # stays an error, and the sanitizers see all of it.
+                "$<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-maybe-uninitialized;-Wno-restrict;-Wno-stringop-overflow>"
                 # A fused multiply-add rounds differently: the same input would give different
                 # bytes on different machines.
                 -ffp-contract=off
