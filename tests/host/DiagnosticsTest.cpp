@@ -1,3 +1,5 @@
+#include <fstream>
+#include <regex>
 #include <set>
 #include <string>
 #include <thread>
@@ -11,185 +13,89 @@ namespace vyr::hosttests
 namespace
 {
 
-constexpr DiagnosticCode allCodes[] = {
-    DiagnosticCode::PropertyType,
-    DiagnosticCode::PropertyInvalid,
-    DiagnosticCode::ValueNotFinite,
-    DiagnosticCode::NoGenericProperties,
-    DiagnosticCode::UnknownSchema,
-    DiagnosticCode::UnhandledTextureSchema,
-    DiagnosticCode::LegacyUnavailable,
-    DiagnosticCode::NameInvalid,
-    DiagnosticCode::NameTaken,
-    DiagnosticCode::NoDocument,
-    DiagnosticCode::OutputDirectory,
-    DiagnosticCode::CloneFailed,
-    DiagnosticCode::NothingRegistered,
-    DiagnosticCode::NameEmpty,
-    DiagnosticCode::Exception,
-    DiagnosticCode::NoConverter,
-    DiagnosticCode::PropertyUnread,
-    DiagnosticCode::NameDuplicate,
-    DiagnosticCode::TextureNotTranslated,
-    DiagnosticCode::TexturePathEmpty,
-    DiagnosticCode::TextureFileMissing,
-    DiagnosticCode::TextureUnused,
-    DiagnosticCode::ConnectionsIgnored,
-    DiagnosticCode::FadeIgnored,
-    DiagnosticCode::CutoutIgnored,
-    DiagnosticCode::UnitUnknown,
-    DiagnosticCode::ChoiceUnknown,
-    DiagnosticCode::TextChanged,
-    DiagnosticCode::ValueAdjusted,
-    DiagnosticCode::BakeFailed,
-    DiagnosticCode::TextureNameRefused,
-    DiagnosticCode::TextureNotGathered,
-    DiagnosticCode::TextureRenamed,
-    DiagnosticCode::TextureCaseDiffers,
-};
-
 using Diagnostics = HostTest;
 
-TEST_F(Diagnostics, EveryCodeHasANameOfItsOwn)
+/// Every code has a name of its own and a row of the table that hosts read.
+TEST_F(Diagnostics, AreAllInTheTable)
 {
-    std::set<std::string> names;
-    for (const DiagnosticCode code : allCodes)
+    std::ifstream table(std::string(VYR_SOURCE_DIR) + "/docs/diagnostics.md");
+    std::set<std::string> rows;
+    for (std::string line; std::getline(table, line);)
     {
-        const std::string name = diagnosticCodeName(code);
-        EXPECT_EQ(name.find_first_not_of("abcdefghijklmnopqrstuvwxyz-"), std::string::npos) << name;
-        EXPECT_NE(name, "unknown") << static_cast<int>(code);
+        std::smatch row;
+        if (std::regex_search(line, row, std::regex("^\\| ([0-9]+) \\| `([a-z-]+)` \\| .")))
+        {
+            EXPECT_TRUE(rows.insert(row.str(1) + " " + row.str(2)).second) << line;
+        }
+    }
+    std::set<std::string> codes;
+    std::set<std::string> names;
+    for (int number = -10; number < 3000; ++number)
+    {
+        const std::string name = diagnosticCodeName(static_cast<DiagnosticCode>(number));
+        if (name == "unknown")
+            continue;
+        codes.insert(std::to_string(number) + " " + name);
         EXPECT_TRUE(names.insert(name).second) << name;
     }
-    EXPECT_STREQ(diagnosticCodeName(DiagnosticCode::PropertyType), "property-type");
-    for (const int number : {0, -1, 999, 1000, 5000})
-        EXPECT_STREQ(diagnosticCodeName(static_cast<DiagnosticCode>(number)), "unknown") << number;
+    EXPECT_EQ(codes, rows);
+    EXPECT_TRUE(codes.count("1 property-type") && codes.count("1001 property-unread"));
 }
 
-struct TypeCase
+struct ToldCase
 {
-    const char* property;
-    const char* expectedType;
-};
-
-/// Each property that is read of every material that has it.
-const TypeCase typeCases[] = {
-    {"color_by_object", "ePropertyType_Boolean"},
-    {"generic_diffuse", "ePropertyType_Color"},
-    {"generic_reflectivity_at_0deg", "ePropertyType_Scalar"},
-    {"generic_glossiness", "ePropertyType_Scalar"},
-    {"generic_transparency", "ePropertyType_Scalar"},
-    {"generic_self_illum_luminance", "ePropertyType_Scalar"},
-    {"generic_bump_amount", "ePropertyType_Scalar"},
-};
-
-TEST_F(Diagnostics, NameThePropertyOfTheWrongTypeAndTheTypeExpected)
-{
-    for (const TypeCase& one : typeCases)
-    {
-        const Translation translation =
-            translate(AssetBuilder().id("tile").string(one.property, "0.5").build());
-        EXPECT_FALSE(translation.succeeded) << one.property;
-        EXPECT_TRUE(translation.document->getChildren().empty()) << one.property;
-        const Diagnostic reason = translation.first(DiagnosticCode::PropertyType);
-        EXPECT_EQ(reason.severity, Severity::Error);
-        EXPECT_EQ(reason.asset, "tile");
-        EXPECT_EQ(reason.property, one.property);
-        EXPECT_EQ(reason.text, one.expectedType);
-    }
-}
-
-/// A whole number is not a real one: the type codes are compared exactly.
-TEST_F(Diagnostics, IntegersAreNoScalars)
-{
-    const Translation translation =
-        translate(AssetBuilder().integer("generic_glossiness", 1).build());
-    EXPECT_FALSE(translation.succeeded);
-    EXPECT_EQ(translation.first(DiagnosticCode::PropertyType).property, "generic_glossiness");
-}
-
-/// The tint test reads a choice list of the asset's own table.
-TEST_F(Diagnostics, NameAPropertyThatIsNoChoiceList)
-{
-    const Translation translation = translate(AssetBuilder("HardwoodSchema")
-                                                  .scalar("hardwood_tint_enabled", 1)
-                                                  .generic()
-                                                  .color("generic_diffuse", 1, 1, 1)
-                                                  .build());
-    EXPECT_FALSE(translation.succeeded);
-    const Diagnostic reason = translation.first(DiagnosticCode::PropertyType);
-    EXPECT_EQ(reason.property, "hardwood_tint_enabled");
-    EXPECT_EQ(reason.text, "Invalid property specified");
-}
-
-TEST_F(Diagnostics, TellWhyThereAreNoGenericProperties)
-{
-    const Translation translation = translate(AssetBuilder("CeramicSchema").id("tile").build());
-    EXPECT_FALSE(translation.succeeded);
-    const Diagnostic reason = translation.first(DiagnosticCode::NoGenericProperties);
-    EXPECT_EQ(reason.asset, "tile");
-    EXPECT_NE(reason.text.find("CeramicSchema"), std::string::npos) << reason.text;
-}
-
-TEST_F(Diagnostics, NameTypingErrors)
-{
-    const Translation translation = translate(
-        AssetBuilder().scalar("generic_glosiness", 0.3).color("generic_diffuse", 1, 1, 1).build());
-    EXPECT_TRUE(translation.succeeded);
-    ASSERT_EQ(translation.count(DiagnosticCode::PropertyUnread), 1u) << translation.report();
-    const Diagnostic warning = translation.first(DiagnosticCode::PropertyUnread);
-    EXPECT_EQ(warning.severity, Severity::Warning);
-    EXPECT_EQ(warning.asset, "asset-id");
-    EXPECT_EQ(warning.property, "generic_glosiness");
-}
-
-TEST_F(Diagnostics, NeedAListingToNameTypingErrors)
-{
-    const Translation translation =
-        translate(AssetBuilder().scalar("generic_glosiness", 0.3).withoutListing().build());
-    EXPECT_TRUE(translation.succeeded);
-    EXPECT_TRUE(translation.diagnostics.empty()) << translation.report();
-}
-
-struct WarningCase
-{
-    const char* property;
+    AssetPtr asset;
     DiagnosticCode code;
-    AssetPtr (*build)();
+    const char* property;
+    const char* text = "";
 };
 
-/// What the asset says and the document does not.
-const WarningCase warningCases[] = {
-    {"generic_cutout_opacity", DiagnosticCode::CutoutIgnored,
-     [] { return AssetBuilder().scalar("generic_cutout_opacity", 0.5).build(); }},
-    {"generic_diffuse_image_fade", DiagnosticCode::FadeIgnored,
-     []
-     {
-         return AssetBuilder()
-             .color("generic_diffuse", 1, 0, 0)
-             .scalar("generic_diffuse_image_fade", 0.5)
-             .connect("generic_diffuse", bitmapAsset("wood.png"))
-             .build();
-     }},
-    {"generic_diffuse", DiagnosticCode::ConnectionsIgnored,
-     []
-     {
-         return AssetBuilder()
-             .color("generic_diffuse", 1, 0, 0)
-             .connect("generic_diffuse", bitmapAsset("wood.png"))
-             .connect("generic_diffuse", bitmapAsset("stone.png"))
-             .build();
-     }},
-};
-
-TEST_F(Diagnostics, TellWhatIsLeftOut)
+/// An error means false, a warning means true, and each names its place.
+TEST_F(Diagnostics, NameThePlaceAndTheReason)
 {
-    for (const WarningCase& one : warningCases)
+    const auto mistyped = [](const char* property)
+    { return AssetBuilder().string(property, "0.5").build(); };
+    const AssetPtr wood = bitmapAsset("wood.png");
+    const ToldCase cases[] = {
+        {mistyped("color_by_object"), DiagnosticCode::PropertyType, "color_by_object",
+         "ePropertyType_Boolean"},
+        {mistyped("generic_diffuse"), DiagnosticCode::PropertyType, "generic_diffuse",
+         "ePropertyType_Color"},
+        {mistyped("generic_reflectivity_at_0deg"), DiagnosticCode::PropertyType,
+         "generic_reflectivity_at_0deg", "ePropertyType_Scalar"},
+        {mistyped("generic_glossiness"), DiagnosticCode::PropertyType, "generic_glossiness",
+         "ePropertyType_Scalar"},
+        {mistyped("generic_transparency"), DiagnosticCode::PropertyType, "generic_transparency",
+         "ePropertyType_Scalar"},
+        {mistyped("generic_self_illum_luminance"), DiagnosticCode::PropertyType,
+         "generic_self_illum_luminance", "ePropertyType_Scalar"},
+        {mistyped("generic_bump_amount"), DiagnosticCode::PropertyType, "generic_bump_amount",
+         "ePropertyType_Scalar"},
+        {AssetBuilder("HardwoodSchema").scalar("hardwood_tint_enabled", 1).generic().build(),
+         DiagnosticCode::PropertyType, "hardwood_tint_enabled", "Invalid property specified"},
+        {AssetBuilder("CeramicSchema").build(), DiagnosticCode::NoGenericProperties, "",
+         "CeramicSchema"},
+        {AssetBuilder().withoutClone().build(), DiagnosticCode::CloneFailed, ""},
+        {AssetBuilder().scalar("generic_glosiness", 0.3).build(), DiagnosticCode::PropertyUnread,
+         "generic_glosiness"},
+        {AssetBuilder().scalar("generic_cutout_opacity", 0.5).build(),
+         DiagnosticCode::CutoutIgnored, "generic_cutout_opacity"},
+        {AssetBuilder().connect("color_by_object", wood).build(), DiagnosticCode::TextureUnused,
+         "color_by_object"},
+    };
+    for (const auto& [asset, code, property, text] : cases)
     {
-        const Translation translation = translate(one.build());
-        EXPECT_TRUE(translation.succeeded) << one.property << "\n" << translation.report();
-        const Diagnostic warning = translation.first(one.code);
-        EXPECT_EQ(warning.severity, Severity::Warning);
-        EXPECT_EQ(warning.property, one.property);
+        const Translation translation = translate(asset);
+        ASSERT_EQ(translation.diagnostics.size(), 1u) << property << "\n" << translation.report();
+        const Diagnostic& told = translation.diagnostics[0];
+        EXPECT_STREQ(diagnosticCodeName(told.code), diagnosticCodeName(code));
+        const bool isError = static_cast<int>(code) < 1000;
+        EXPECT_EQ(told.severity == Severity::Error, isError) << property;
+        EXPECT_EQ(translation.succeeded, !isError) << property;
+        EXPECT_TRUE(!isError || translation.document->getChildren().empty()) << property;
+        EXPECT_EQ(told.asset, "asset-id");
+        EXPECT_EQ(told.property, property);
+        EXPECT_NE(told.text.find(text), std::string::npos) << told.text;
     }
 }
 
@@ -210,73 +116,58 @@ TEST_F(Diagnostics, AreSilentAboutWhatMakesNoDifference)
     EXPECT_TRUE(translation.diagnostics.empty()) << translation.report();
 }
 
-TEST_F(Diagnostics, AreThoseOfTheLastCall)
+TEST_F(Diagnostics, AreThoseOfTheThreadsLastCall)
 {
-    ConverterOptions options = plainOptions();
-    MaterialXConverter converter(options);
+    const ConverterOptions options = plainOptions();
     const AssetPtr bad = AssetBuilder("CeramicSchema").build();
-    const AssetPtr good = AssetBuilder().build();
-    EXPECT_FALSE(converter.TranslateToMaterialX(*bad, "M", mx::createDocument()));
-    EXPECT_EQ(lastDiagnostics().size(), 1u);
-    EXPECT_FALSE(converter.TranslateToMaterialX(*bad, "M", mx::createDocument()));
-    EXPECT_EQ(lastDiagnostics().size(), 1u);
-    EXPECT_EQ(converter.getMaterialName(*good).str(), "TestMaterial");
-    EXPECT_EQ(lastDiagnostics().size(), 1u) << "naming is no operation that fails";
-    EXPECT_TRUE(converter.TranslateToMaterialX(*good, "M", mx::createDocument()));
-    EXPECT_TRUE(lastDiagnostics().empty());
-}
-
-TEST_F(Diagnostics, BelongToTheThread)
-{
-    ConverterOptions options = plainOptions();
-    MaterialXConverter converter(options);
-    const AssetPtr bad = AssetBuilder("CeramicSchema").build();
-    EXPECT_FALSE(converter.TranslateToMaterialX(*bad, "M", mx::createDocument()));
+    for (int repeat = 0; repeat < 2; ++repeat)
+    {
+        translate(bad, options);
+        EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NoGenericProperties});
+    }
     std::thread(
         [&]
         {
             EXPECT_TRUE(lastDiagnostics().empty());
-            EXPECT_FALSE(converter.TranslateToMaterialX(*bad, "1", mx::createDocument()));
-            ASSERT_EQ(lastDiagnostics().size(), 1u);
-            EXPECT_EQ(lastDiagnostics().front().code, DiagnosticCode::NameInvalid);
+            translate(bad, options, "1");
+            EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NameInvalid});
         })
         .join();
-    ASSERT_EQ(lastDiagnostics().size(), 1u);
-    EXPECT_EQ(lastDiagnostics().front().code, DiagnosticCode::NoGenericProperties);
+    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NoGenericProperties});
+    translate(AssetBuilder().build(), options);
+    EXPECT_TRUE(lastDiagnostics().empty());
 }
 
-TEST_F(Diagnostics, TellOfAnExceptionThatLeftTheCall)
+/// Talking changes no result, and a strange "Hidden" is taken for none.
+TEST_F(Diagnostics, AreApartFromWhatAVerboseTranslationPrints)
 {
-    const AssetPtr asset = AssetBuilder().build();
-    failAfter(0);
-    EXPECT_THROW(translate(asset), HostFault);
-    ASSERT_FALSE(lastDiagnostics().empty());
-    EXPECT_EQ(lastDiagnostics().back().code, DiagnosticCode::Exception);
-    EXPECT_EQ(lastDiagnostics().back().severity, Severity::Error);
-    EXPECT_FALSE(lastDiagnostics().back().text.empty());
-}
-
-/// The result and the severities agree: an error means false, and false means an error.
-TEST_F(Diagnostics, HoldAnErrorExactlyWhenTheCallFailed)
-{
-    const AssetPtr assets[] = {
-        AssetBuilder().build(),
-        AssetBuilder().scalar("generic_glosiness", 1).build(),
-        AssetBuilder().scalar("color_by_object", 1).scalar("unread", 1).build(),
-        AssetBuilder("WaterSchema").build(),
-        AssetBuilder().connect("generic_diffuse", AssetBuilder("CheckerSchema").build()).build(),
-    };
-    for (const AssetPtr& asset : assets)
+    const auto oak = [](AssetBuilder& builder)
     {
-        const Translation translation = translate(asset);
-        std::size_t errors = 0;
-        for (const Diagnostic& diagnostic : translation.diagnostics)
-        {
-            errors += diagnostic.severity == Severity::Error;
-            EXPECT_EQ(static_cast<int>(diagnostic.code) < 1000,
-                      diagnostic.severity == Severity::Error);
-        }
-        EXPECT_EQ(errors > 0, !translation.succeeded) << translation.report();
+        builder.name("Oak").description("A warm wood").scalar("generic_glossiness", 0.25);
+        return builder.connect("generic_diffuse", bitmapAsset("oak.png")).build();
+    };
+    AssetBuilder builders[4];
+    builders[0].boolean("Hidden", true);
+    builders[1].boolean("Hidden", false);
+    builders[2].string("Hidden", "yes");
+    for (AssetBuilder& builder : builders)
+    {
+        const AssetPtr asset = oak(builder);
+        const Translation quiet = translate(asset);
+        ::testing::internal::CaptureStdout();
+        const Translation verbose = translate(asset, with(&ConverterOptions::verbose, true));
+        const std::string text = ::testing::internal::GetCapturedStdout();
+        EXPECT_EQ(xmlOf(verbose.document), xmlOf(quiet.document));
+        EXPECT_EQ(verbose.report(), quiet.report());
+        const std::string hidden = &builder == builders ? "YES" : "NO";
+        EXPECT_EQ(text.rfind("Material Class:GenericSchema\nDescription: A warm wood\nName: Oak\n"
+                             "Hidden or not: " +
+                                 hidden + "\n",
+                             0),
+                  0u)
+            << text;
+        for (const char* word : {"generic_glossiness", "UnifiedBitmapSchema"})
+            EXPECT_NE(text.find(word), std::string::npos) << text;
     }
 }
 

@@ -15,6 +15,14 @@ auto hasCode(DiagnosticCode code)
 
 } // namespace
 
+std::vector<DiagnosticCode> lastCodes()
+{
+    std::vector<DiagnosticCode> codes;
+    for (const Diagnostic& diagnostic : lastDiagnostics())
+        codes.push_back(diagnostic.code);
+    return codes;
+}
+
 std::size_t Translation::count(DiagnosticCode code) const
 {
     return static_cast<std::size_t>(

@@ -13,7 +13,6 @@
 #include "support/AssetBuilder.h"
 #include "support/Documents.h"
 #include "support/Host.h"
-#include "support/StringSink.h"
 #include "support/TemporaryFolder.h"
 
 namespace vyr::hosttests
@@ -25,6 +24,22 @@ using namespace vyr::MaterialTranslation;
 using namespace vyr::support;
 using kelvor::platform::assets::IAssetInstance;
 using kelvor::platform::core::string::UTF8String;
+
+/// A text that public operations fill, and that knows how often they did.
+struct StringSink final : MaterialXConverter::IString
+{
+    void Assign(const UTF8String& assigned) override
+    {
+        text = assigned.str();
+        ++assignments;
+    }
+
+    std::string text;
+    int assignments = 0;
+};
+
+/// The codes of lastDiagnostics().
+std::vector<DiagnosticCode> lastCodes();
 
 /// What one translation into an empty document yielded.
 struct Translation
@@ -52,6 +67,13 @@ class HostTest : public ::testing::Test
     /// The defaults, but plain colours taken as linear, so that they are seen as they are, and an
     /// output directory of the test's own.
     ConverterOptions plainOptions() const;
+    /// Those, but one.
+    template <class T> ConverterOptions with(T ConverterOptions::* option, T value) const
+    {
+        ConverterOptions options = plainOptions();
+        options.*option = value;
+        return options;
+    }
 
     /// Translates under the name "M" with a converter of the call's own.
     Translation translate(const AssetPtr& asset) const;

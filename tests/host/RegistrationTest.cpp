@@ -12,192 +12,129 @@ namespace
 class Registration : public HostTest
 {
   protected:
-    Registration() : _options(plainOptions()), _converter(_options) {}
-
     void TearDown() override
     {
         _converter.Destroy();
         HostTest::TearDown();
     }
 
-    bool registerAsset(const AssetPtr& asset)
+    bool registerAsset(const std::string& name, const std::string& id = "id",
+                       const std::string& schema = "GenericSchema")
     {
-        StringSink message;
-        const bool accepted = _converter.RegisterAssetForConversion(*asset, message);
-        EXPECT_EQ(message.assignments, 0);
-        return accepted;
+        const AssetPtr asset = AssetBuilder(schema).name(name).id(id).build();
+        return _converter.RegisterAssetForConversion(*asset, _message);
     }
 
-    static AssetPtr named(const std::string& name)
+    /// Whether the next entry is the material of that name; it is taken off in any case.
+    bool drains(const std::string& name)
     {
-        return AssetBuilder().name(name).scalar("generic_glossiness", 0.5).build();
+        const bool done = _converter.SerializeRegisteredAssetsForConversion(_message, nullptr);
+        return done &&
+               _message.text.find("<surfacematerial name=\"" + name + "\"") != std::string::npos;
     }
 
-    /// No Generic properties to translate from.
-    static AssetPtr failing(const std::string& name)
+    void expectLeft(std::size_t count) const
     {
-        return AssetBuilder("CeramicSchema").name(name).build();
+        EXPECT_EQ(registeredAssetCount(), count);
+        EXPECT_EQ(liveAssets(), count) << "the clones, since the originals are gone";
     }
 
-    std::vector<DiagnosticCode> lastCodes() const
-    {
-        std::vector<DiagnosticCode> codes;
-        for (const Diagnostic& diagnostic : lastDiagnostics())
-            codes.push_back(diagnostic.code);
-        return codes;
-    }
-
-    ConverterOptions _options;
-    MaterialXConverter _converter;
+    ConverterOptions _options = plainOptions();
+    MaterialXConverter _converter{_options};
+    StringSink _message;
 };
 
 TEST_F(Registration, DrainsInTheOrderOfRegistration)
 {
+    const std::string direct =
+        xmlOf(translate(AssetBuilder().id("id").build(), _options, "Elm").document);
     for (const char* name : {"Oak", "Ash", "Elm"})
-        EXPECT_TRUE(registerAsset(named(name)));
-    EXPECT_EQ(registeredAssetCount(), 3u);
-    EXPECT_EQ(liveAssets(), 3u) << "clones, since the originals are gone";
-
+        EXPECT_TRUE(registerAsset(name));
+    expectLeft(3);
+    EXPECT_EQ(_message.assignments, 0);
     for (const char* name : {"Oak", "Ash", "Elm"})
-    {
-        StringSink message;
-        EXPECT_TRUE(_converter.SerializeRegisteredAssetsForConversion(message, nullptr));
-        EXPECT_EQ(message.assignments, 1);
-        EXPECT_NE(message.text.find("<surfacematerial name=\"" + std::string(name) + "\""),
-                  std::string::npos)
-            << message.text;
-    }
-    EXPECT_EQ(registeredAssetCount(), 0u);
-    EXPECT_EQ(liveAssets(), 0u);
-
-    StringSink message;
-    EXPECT_FALSE(_converter.SerializeRegisteredAssetsForConversion(message, nullptr));
-    EXPECT_EQ(message.assignments, 0);
+        EXPECT_TRUE(drains(name)) << _message.text;
+    expectLeft(0);
+    EXPECT_EQ(_message.text, direct);
+    EXPECT_FALSE(drains(""));
+    EXPECT_EQ(_message.assignments, 3);
     EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NothingRegistered});
-}
-
-TEST_F(Registration, TheTextIsThatOfADirectTranslation)
-{
-    const AssetPtr asset = named("Oak");
-    registerAsset(asset);
-    StringSink message;
-    ASSERT_TRUE(_converter.SerializeRegisteredAssetsForConversion(message, nullptr));
-    EXPECT_EQ(message.text, xmlOf(translate(asset, _options, "Oak").document));
 }
 
 TEST_F(Registration, TheFirstAssetOfANameWins)
 {
-    EXPECT_TRUE(registerAsset(AssetBuilder().name("Oak 1").id("first").build()));
+    EXPECT_TRUE(registerAsset("Oak 1", "first"));
     EXPECT_TRUE(lastDiagnostics().empty());
-    EXPECT_TRUE(registerAsset(AssetBuilder().name("Oak_1").id("second").build()));
+    EXPECT_TRUE(registerAsset("Oak_1", "second"));
     EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NameDuplicate});
-    EXPECT_EQ(registeredAssetCount(), 1u);
+    expectLeft(1);
     EXPECT_EQ(cloneCount(), 1u);
-
-    StringSink message;
-    ASSERT_TRUE(_converter.SerializeRegisteredAssetsForConversion(message, nullptr));
-    EXPECT_NE(message.text.find("first"), std::string::npos);
-
-    EXPECT_TRUE(registerAsset(AssetBuilder().name("Oak1").id("third").build()));
+    EXPECT_TRUE(drains("Oak1"));
+    EXPECT_NE(_message.text.find("first"), std::string::npos);
+    EXPECT_TRUE(registerAsset("Oak1", "third"));
     EXPECT_TRUE(lastDiagnostics().empty()) << "a drained name is free again";
-}
-
-TEST_F(Registration, AnAssetThatCannotBeClonedIsRefused)
-{
-    EXPECT_FALSE(registerAsset(AssetBuilder().withoutClone().build()));
-    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::CloneFailed});
-    EXPECT_EQ(registeredAssetCount(), 0u);
-}
-
-TEST_F(Registration, AnAssetThatFailsIsTakenOffAndDoesNotBlockTheNext)
-{
-    registerAsset(failing("Bad"));
-    registerAsset(named("Good"));
-    StringSink message;
-    EXPECT_FALSE(_converter.SerializeRegisteredAssetsForConversion(message, nullptr));
-    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NoGenericProperties});
-    EXPECT_EQ(message.assignments, 0);
-    EXPECT_EQ(registeredAssetCount(), 1u);
-    EXPECT_EQ(liveAssets(), 1u);
-    EXPECT_TRUE(_converter.SerializeRegisteredAssetsForConversion(message, nullptr));
-}
-
-TEST_F(Registration, AnExceptionWhileDrainingTakesTheEntryOff)
-{
-    registerAsset(named("Oak"));
-    registerAsset(named("Ash"));
-    StringSink message;
-    failAfter(0);
-    EXPECT_THROW(_converter.SerializeRegisteredAssetsForConversion(message, nullptr), HostFault);
-    EXPECT_EQ(message.assignments, 0);
-    EXPECT_EQ(registeredAssetCount(), 1u);
-    EXPECT_EQ(liveAssets(), 1u);
-    EXPECT_TRUE(_converter.SerializeRegisteredAssetsForConversion(message, nullptr));
-    EXPECT_NE(message.text.find("\"Ash\""), std::string::npos);
-}
-
-/// A text of the host's that cannot take the result.
-class FailingSink final : public MaterialXConverter::IString
-{
-  public:
-    void Assign(const UTF8String&) override { throw HostFault("IString::Assign"); }
-};
-
-TEST_F(Registration, AResultThatCannotBeHandedOverTakesTheEntryOff)
-{
-    registerAsset(named("Oak"));
-    FailingSink message;
-    EXPECT_THROW(_converter.SerializeRegisteredAssetsForConversion(message, nullptr), HostFault);
-    EXPECT_EQ(registeredAssetCount(), 0u);
-    EXPECT_EQ(liveAssets(), 0u);
-}
-
-TEST_F(Registration, AnUnusableOutputDirectoryFailsEachEntryInTurn)
-{
-    ConverterOptions options = plainOptions();
-    options.outputDirectory = UTF8String((_folder / "missing").string());
-    MaterialXConverter converter(options);
-    registerAsset(named("Oak"));
-    StringSink message;
-    EXPECT_FALSE(converter.SerializeRegisteredAssetsForConversion(message, nullptr));
-    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::OutputDirectory});
-    EXPECT_EQ(registeredAssetCount(), 0u);
-}
-
-TEST_F(Registration, DestroyReleasesTheAssetsOfAllInstances)
-{
-    registerAsset(named("Oak"));
-    MaterialXConverter other(_options);
-    EXPECT_TRUE(other.Destroy());
-    EXPECT_EQ(registeredAssetCount(), 0u);
-    EXPECT_EQ(liveAssets(), 0u);
-    EXPECT_TRUE(other.Destroy());
-    EXPECT_TRUE(registerAsset(named("Oak"))) << "registration starts again afterwards";
-}
-
-TEST_F(Registration, DestroyingAnyInstanceEmptiesTheSharedList)
-{
-    registerAsset(named("Oak"));
-    {
-        const MaterialXConverter copy(_converter);
-    }
-    EXPECT_EQ(registeredAssetCount(), 0u);
-    EXPECT_EQ(liveAssets(), 0u);
 }
 
 TEST_F(Registration, NamesAreThoseOfTheRegisteringInstance)
 {
-    ConverterOptions options = plainOptions();
-    options.useAssetIdInName = true;
+    ConverterOptions options = with(&ConverterOptions::useAssetIdInName, true);
     MaterialXConverter byIdentifier(options);
-    StringSink message;
-    const AssetPtr first = AssetBuilder().name("Oak").id("1").build();
-    const AssetPtr second = AssetBuilder().name("Oak").id("2").build();
-    EXPECT_TRUE(byIdentifier.RegisterAssetForConversion(*first, message));
-    EXPECT_TRUE(byIdentifier.RegisterAssetForConversion(*second, message));
-    EXPECT_EQ(registeredAssetCount(), 2u);
-    ASSERT_TRUE(_converter.SerializeRegisteredAssetsForConversion(message, nullptr));
-    EXPECT_NE(message.text.find("\"XID_Oak_1\""), std::string::npos);
+    for (const char* id : {"1", "2"})
+        EXPECT_TRUE(byIdentifier.RegisterAssetForConversion(
+            *AssetBuilder().name("Oak").id(id).build(), _message));
+    EXPECT_TRUE(drains("XID_Oak_1") && drains("XID_Oak_2"));
+}
+
+TEST_F(Registration, AnAssetThatCannotBeClonedIsRefused)
+{
+    EXPECT_FALSE(
+        _converter.RegisterAssetForConversion(*AssetBuilder().withoutClone().build(), _message));
+    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::CloneFailed});
+    expectLeft(0);
+}
+
+/// A text of the host's that cannot take the result.
+struct FailingSink final : MaterialXConverter::IString
+{
+    void Assign(const UTF8String&) override { throw HostFault("IString::Assign"); }
+};
+
+/// Whatever happens to an entry, it is taken off and does not block the next.
+TEST_F(Registration, FailuresTakeTheEntryOff)
+{
+    for (const char* name : {"Bad", "Unlucky", "Unheard", "Homeless", "Good"})
+        registerAsset(name, "id", name == std::string("Bad") ? "CeramicSchema" : "GenericSchema");
+    EXPECT_FALSE(drains("Bad"));
+    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NoGenericProperties});
+    expectLeft(4);
+    failAfter(0);
+    EXPECT_THROW(drains("Unlucky"), HostFault);
+    expectLeft(3);
+    FailingSink failing;
+    EXPECT_THROW(_converter.SerializeRegisteredAssetsForConversion(failing, nullptr), HostFault);
+    expectLeft(2);
+    ConverterOptions homeless =
+        with(&ConverterOptions::outputDirectory, UTF8String(_folder.text() + "/missing"));
+    MaterialXConverter other(homeless);
+    EXPECT_FALSE(other.SerializeRegisteredAssetsForConversion(_message, nullptr));
+    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::OutputDirectory});
+    expectLeft(1);
+    EXPECT_EQ(_message.assignments, 0);
+    EXPECT_TRUE(drains("Good"));
+}
+
+TEST_F(Registration, DestroyingAnyInstanceEmptiesTheSharedList)
+{
+    registerAsset("Oak");
+    MaterialXConverter other(_options);
+    EXPECT_TRUE(other.Destroy());
+    expectLeft(0);
+    EXPECT_TRUE(other.Destroy());
+    EXPECT_TRUE(registerAsset("Oak")) << "registration starts again afterwards";
+    {
+        const MaterialXConverter copy(_converter);
+    }
+    expectLeft(0);
 }
 
 } // namespace

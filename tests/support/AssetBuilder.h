@@ -1,15 +1,19 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <kelvor/platform/assets/PropertyType.h>
 
 #include "support/AssetPool.h"
 #include "support/Values.h"
 
 namespace vyr::support
 {
+
+namespace kpa = kelvor::platform::assets;
 
 /// Makes assets of the test library, one property a call:
 ///
@@ -20,53 +24,90 @@ namespace vyr::support
 class AssetBuilder
 {
   public:
+    using Text = const std::string&;
+    using Unit = std::uint32_t;
+
     /// An asset of that schema with the identifier "asset-id", the name "Test Material" and the own
     /// name "test-asset".
-    explicit AssetBuilder(const std::string& schema = "GenericSchema");
+    explicit AssetBuilder(Text schema = "GenericSchema")
+    {
+        _content.definition.emplace(schema);
+        id("asset-id").name("Test Material").ownName("test-asset");
+    }
 
-    AssetBuilder& id(const std::string& identifier);
-    AssetBuilder& name(const std::string& displayName);
-    AssetBuilder& description(const std::string& text);
-    AssetBuilder& ownName(const std::string& text);
+    AssetBuilder& id(Text text) { return set(_content.identifier, text); }
+    AssetBuilder& name(Text text) { return set(_content.displayName, text); }
+    AssetBuilder& description(Text text) { return set(_content.description, text); }
+    AssetBuilder& ownName(Text text)
+    {
+        return set(_content.identity, Named<kpa::IAssetIdentity>(text));
+    }
+    AssetBuilder& withoutIdentity() { return set(_content.identity, std::nullopt); }
+    AssetBuilder& withoutDefinition() { return set(_content.definition, std::nullopt); }
+    AssetBuilder& withoutClone() { return set(_content.clonable, false); }
 
-    AssetBuilder& scalar(const std::string& name, double value, std::uint32_t unit = 0);
-    AssetBuilder& scalars(const std::string& name, std::vector<double> values,
-                          std::uint32_t unit = 0);
-    AssetBuilder& integer(const std::string& name, std::int32_t value);
-    AssetBuilder& boolean(const std::string& name, bool value);
-    AssetBuilder& color(const std::string& name, double red, double green, double blue,
-                        double alpha = 1.0);
-    /// Type code 2.
-    AssetBuilder& string(const std::string& name, const std::string& value);
-    /// Type code 11.
-    AssetBuilder& text(const std::string& name, const std::string& value);
-    AssetBuilder& uri(const std::string& name, const std::string& stored,
-                      const std::string& preferred = "");
+    AssetBuilder& scalar(Text name, double value, Unit unit = 0)
+    {
+        return scalars(name, {value}, unit);
+    }
+    AssetBuilder& scalars(Text name, std::vector<double> values, Unit unit = 0)
+    {
+        return property(name, kpa::ePropertyType_Scalar, scalarValue(std::move(values), unit));
+    }
+    AssetBuilder& integer(Text name, std::int32_t value)
+    {
+        return property(name, kpa::ePropertyType_Integer, integerValue({value}));
+    }
+    AssetBuilder& boolean(Text name, bool value)
+    {
+        return property(name, kpa::ePropertyType_Boolean, booleanValue({value}));
+    }
+    AssetBuilder& color(Text name, double red, double green, double blue, double alpha = 1.0)
+    {
+        return property(name, kpa::ePropertyType_Color, colorValue({{red, green, blue, alpha}}));
+    }
+    AssetBuilder& string(Text name, Text value)
+    {
+        return property(name, kpa::ePropertyType_String, textValue(value));
+    }
+    AssetBuilder& text(Text name, Text value)
+    {
+        return property(name, kpa::ePropertyType_Text, textValue(value));
+    }
+    AssetBuilder& uri(Text name, Text stored, Text preferred = "")
+    {
+        return property(name, kpa::ePropertyType_URI, uriValue(stored, preferred));
+    }
     /// A choice list whose only selected choice is `selected`.
-    AssetBuilder& choice(const std::string& name, const std::string& selected);
+    AssetBuilder& choice(Text name, Text selected)
+    {
+        return property(name, kpa::ePropertyType_ChoiceList,
+                        choiceValue({"another", selected}, {1}));
+    }
+    /// Any value, none included, under any type code.
+    AssetBuilder& property(Text name, std::uint32_t type, ValuePtr value);
     /// Connects an asset to the property of that name; makes a property of type code 9, which has no
     /// value, when there is none yet. The asset may be shared with others.
-    AssetBuilder& connect(const std::string& name, const AssetPtr& asset);
-
-    /// Later properties go to the generic property table that the asset carries.
-    AssetBuilder& generic();
-
-    /// Any value, none included, under any type code.
-    AssetBuilder& property(const std::string& name, std::uint32_t type, ValuePtr value);
+    AssetBuilder& connect(Text name, const AssetPtr& asset);
     /// How the property that was added last presents its connected assets.
-    AssetBuilder& claiming(Connections connections);
-    AssetBuilder& withoutIdentity();
-    AssetBuilder& withoutDefinition();
-    AssetBuilder& withoutListing();
-    AssetBuilder& withoutClone();
+    AssetBuilder& claiming(Connections claim) { return set(table().back().connections, claim); }
+    /// Later properties go to the generic property table that the asset carries.
+    AssetBuilder& generic() { return set(_content.genericTable, PropertyTable()); }
 
-    AssetPtr build();
+    AssetPtr build() { return makeAsset(std::exchange(_content, AssetContent())); }
 
   private:
-    std::deque<PropertyRecord>& table();
+    std::deque<TestProperty>& table()
+    {
+        return (_content.genericTable ? *_content.genericTable : _content.table).properties;
+    }
+    template <class T, class U> AssetBuilder& set(T& field, U&& value)
+    {
+        field = std::forward<U>(value);
+        return *this;
+    }
 
     AssetContent _content;
-    bool _toGenericTable = false;
 };
 
 /// A bitmap texture over an image file.

@@ -1,10 +1,7 @@
 #include "support/Host.h"
 
-#include <algorithm>
-#include <iterator>
 #include <mutex>
 #include <optional>
-#include <utility>
 
 #include <kelvor/platform/assets/IAssetLibraryManager.h>
 
@@ -21,25 +18,27 @@ using kelvor::platform::assets::IPathResolver;
 using kelvor::platform::core::string::UTF8String;
 using kelvor::platform::core::string::WideString;
 
-class TestResolver final : public IPathResolver
+struct TestManager final : IAssetLibraryManager, IPathResolver
 {
-  public:
+    const IPathResolver* GetPathResolver() const override
+    {
+        return passing(presence == LibraryPresence::Full ? this : nullptr);
+    }
     bool Resolve(const UTF8String& uri, UTF8String& path) const override
     {
-        passOperation("IPathResolver::Resolve");
+        passOperation();
         std::string found;
         if (!resolver || !resolver(uri.str(), found))
             return false;
         path = UTF8String(found);
         return true;
     }
-
     /// Only for texts of ASCII characters, which is all that the tests resolve in this form.
     bool Resolve(const WideString& uri, WideString& path) const override
     {
         std::string narrow;
-        std::transform(uri.str().begin(), uri.str().end(), std::back_inserter(narrow),
-                       [](wchar_t character) { return static_cast<char>(character); });
+        for (const wchar_t character : uri.str())
+            narrow += static_cast<char>(character);
         UTF8String found;
         if (!Resolve(UTF8String(narrow), found))
             return false;
@@ -48,18 +47,6 @@ class TestResolver final : public IPathResolver
     }
 
     Resolver resolver;
-};
-
-class TestManager final : public IAssetLibraryManager
-{
-  public:
-    const IPathResolver* GetPathResolver() const override
-    {
-        passOperation("IAssetLibraryManager::GetPathResolver");
-        return presence == LibraryPresence::Full ? &resolver : nullptr;
-    }
-
-    TestResolver resolver;
     LibraryPresence presence = LibraryPresence::Full;
 };
 
@@ -92,21 +79,17 @@ bool cancelFailure()
     return std::exchange(operationsLeft, std::nullopt).has_value();
 }
 
-void passOperation(const char* name)
+void passOperation(std::source_location where)
 {
-    if (!operationsLeft)
+    if (!operationsLeft || (*operationsLeft)-- > 0)
         return;
-    if (*operationsLeft == 0)
-    {
-        operationsLeft.reset();
-        throw HostFault(name);
-    }
-    --*operationsLeft;
+    operationsLeft.reset();
+    throw HostFault(where.function_name());
 }
 
 void setResolver(Resolver resolver)
 {
-    manager.resolver.resolver = std::move(resolver);
+    manager.resolver = std::move(resolver);
 }
 
 void setLibraryPresence(LibraryPresence presence)
@@ -126,14 +109,8 @@ void resetHost()
 
 } // namespace vyr::support
 
-namespace kelvor::platform::assets
+kelvor::platform::assets::IAssetLibraryManager* kelvor::platform::assets::GetIAssetLibraryManager()
 {
-
-IAssetLibraryManager* GetIAssetLibraryManager()
-{
-    using vyr::support::LibraryPresence;
-    auto& manager = vyr::support::manager;
+    using namespace vyr::support;
     return manager.presence == LibraryPresence::NoManager ? nullptr : &manager;
 }
-
-} // namespace kelvor::platform::assets

@@ -6,9 +6,13 @@
 
 #include <cstddef>
 #include <functional>
+#include <source_location>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <kelvor/platform/core/string/UTF8String.h>
 
 namespace vyr::support
 {
@@ -16,8 +20,7 @@ namespace vyr::support
 /// What the test host throws on request. Of no type that the converter could take for its own.
 class HostFault : public std::runtime_error
 {
-  public:
-    explicit HostFault(const std::string& operation) : std::runtime_error(operation) {}
+    using std::runtime_error::runtime_error;
 };
 
 /// Assets that somebody still holds a reference to, all threads together.
@@ -26,8 +29,8 @@ std::size_t liveAssets();
 /// Number of successful IAssetInstance::Clone calls since the last resetHost().
 std::size_t cloneCount();
 
-/// Calls that the interfaces rule out: an asset used or given back after its last reference, an index
-/// that is not below the count, a Boolean asked of a value that is none.
+/// Calls that the interfaces rule out: an asset used or given back after its last reference, or an
+/// index that is not below the count.
 std::vector<std::string> contractBreaches();
 void recordBreach(const std::string& what);
 
@@ -36,8 +39,43 @@ void failAfter(std::size_t operations);
 /// Takes failAfter back.
 /// @return whether it was still pending.
 bool cancelFailure();
+
 /// Every operation of the test library passes here.
-void passOperation(const char* name);
+void passOperation(std::source_location where = std::source_location::current());
+
+/// Passes, and delivers what it was given.
+template <class T>
+const T& passing(const T& result, std::source_location where = std::source_location::current())
+{
+    passOperation(where);
+    return result;
+}
+
+/// Passes, and delivers the element of that index; null, and a breach, when there is none.
+template <class List>
+auto entryAt(const List& list, std::size_t index,
+             std::source_location where = std::source_location::current()) -> decltype(&list[index])
+{
+    passOperation(where);
+    if (index < list.size())
+        return &list[index];
+    recordBreach(std::string(where.function_name()) + ": index " + std::to_string(index));
+    return nullptr;
+}
+
+/// An object of the interfaces that only knows its name.
+template <class Interface> class Named final : public Interface
+{
+  public:
+    explicit Named(std::string name) : _name(std::move(name)) {}
+    void GetName(kelvor::platform::core::string::UTF8String& name) const override
+    {
+        name = passing(_name);
+    }
+
+  private:
+    std::string _name;
+};
 
 /// Decides what the path resolver finds; an empty function finds nothing.
 using Resolver = std::function<bool(const std::string& uri, std::string& path)>;

@@ -13,36 +13,25 @@ namespace vyr::support
 namespace
 {
 
+void setTemporaryDirectory(const std::filesystem::path& folder)
+{
 #if defined(_WIN32)
-constexpr const char* temporaryVariable = "TMP";
-
-void setVariable(const char* name, const char* value)
-{
-    _putenv_s(name, value ? value : "");
-}
+    _putenv_s("TMP", folder.string().c_str());
 #else
-constexpr const char* temporaryVariable = "TMPDIR";
-
-void setVariable(const char* name, const char* value)
-{
-    if (value)
-        setenv(name, value, 1);
-    else
-        unsetenv(name);
-}
+    setenv("TMPDIR", folder.c_str(), 1);
 #endif
+}
 
 std::filesystem::path createUniqueFolder()
 {
     std::random_device random;
-    const std::filesystem::path parent = std::filesystem::temp_directory_path();
-    for (int attempt = 0; attempt < 100; ++attempt)
+    for (;;)
     {
-        const std::filesystem::path path = parent / ("vyr-test-" + std::to_string(random()));
+        std::filesystem::path path =
+            std::filesystem::temp_directory_path() / ("vyr-test-" + std::to_string(random()));
         if (std::filesystem::create_directory(path))
             return path;
     }
-    throw std::runtime_error("no temporary folder can be made");
 }
 
 } // namespace
@@ -92,18 +81,14 @@ std::string readFile(const std::filesystem::path& path)
 }
 
 TemporaryDirectoryOverride::TemporaryDirectoryOverride(const std::filesystem::path& folder)
+    : _former(std::filesystem::temp_directory_path())
 {
-    if (const char* former = std::getenv(temporaryVariable))
-    {
-        _former = former;
-        _wasSet = true;
-    }
-    setVariable(temporaryVariable, folder.string().c_str());
+    setTemporaryDirectory(folder);
 }
 
 TemporaryDirectoryOverride::~TemporaryDirectoryOverride()
 {
-    setVariable(temporaryVariable, _wasSet ? _former.c_str() : nullptr);
+    setTemporaryDirectory(_former);
 }
 
 } // namespace vyr::support

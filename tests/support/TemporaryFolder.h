@@ -49,8 +49,7 @@ class TemporaryDirectoryOverride
     TemporaryDirectoryOverride& operator=(const TemporaryDirectoryOverride&) = delete;
 
   private:
-    std::string _former;
-    bool _wasSet = false;
+    std::filesystem::path _former;
 };
 
 } // namespace vyr::support

@@ -1,7 +1,5 @@
 #include "support/Values.h"
 
-#include <optional>
-#include <type_traits>
 #include <utility>
 
 #include <kelvor/platform/assets/IChoiceListValue.h>
@@ -23,251 +21,167 @@ using kelvor::platform::core::string::UTF8String;
 using kelvor::platform::core::string::WideString;
 
 /// Delivers element `index`, or records the breach and delivers a default one.
-template <class T>
-T elementAt(const std::vector<T>& elements, std::size_t index, const char* operation)
+template <class List>
+auto elementAt(const List& list, std::size_t index,
+               std::source_location where = std::source_location::current())
 {
-    passOperation(operation);
-    if (index < elements.size())
-        return elements[index];
-    recordBreach(std::string(operation) + ": component " + std::to_string(index) + " of " +
-                 std::to_string(elements.size()));
-    return T{};
+    const auto* found = entryAt(list, index, where);
+    return found ? *found : typename List::value_type();
 }
 
 /// What all values have in common. As it stands, a value of Booleans or of colours.
-template <class Interface> class Value : public Interface
+template <class Interface> struct Value : Interface
 {
-  public:
-    Value() = default;
-    Value(std::size_t count, std::uint32_t unit) : _count(count), _unit(unit) {}
     ~Value() override = default;
-
-    std::size_t GetComponentCount() const override
-    {
-        passOperation("IValue::GetComponentCount");
-        return _count;
-    }
-    std::uint32_t GetUnit() const override
-    {
-        passOperation("IValue::GetUnit");
-        return _unit;
-    }
-    bool GetBoolean(std::size_t index) const override
-    {
-        return isOtherPlainKind(booleans.empty(), index)
-                   ? false
-                   : elementAt(booleans, index, "IValue::GetBoolean");
-    }
+    std::size_t GetComponentCount() const override { return passing(count); }
+    std::uint32_t GetUnit() const override { return passing(unit); }
+    bool GetBoolean(std::size_t index) const override { return elementAt(booleans, index); }
     void GetColor(std::size_t index, double& red, double& green, double& blue,
                   double& alpha) const override
     {
-        if (isOtherPlainKind(colors.empty(), index))
-            return;
-        const Rgba color = elementAt(colors, index, "IValue::GetColor");
+        const Rgba color = elementAt(colors, index);
         red = color[0];
         green = color[1];
         blue = color[2];
         alpha = color[3];
     }
 
-    std::vector<bool> booleans;
+    std::size_t count = 1;
+    std::uint32_t unit = 0;
+    std::deque<bool> booleans;
     std::vector<Rgba> colors;
-
-  private:
-    /// A colour under the type of a Boolean, or the other way round: nobody can tell from the value.
-    bool isOtherPlainKind(bool lacksElements, std::size_t index) const
-    {
-        return std::is_same_v<Interface, IValue> && lacksElements && index < _count;
-    }
-
-    std::size_t _count = 1;
-    std::uint32_t _unit = 0;
 };
 
-class Scalars final : public Value<IScalarValue>
+struct Scalars final : Value<IScalarValue>
 {
-  public:
-    Scalars(std::vector<double> components, std::uint32_t unit)
-        : Value(components.size(), unit), _components(std::move(components))
-    {
-    }
-    double GetScalar(std::size_t index) const override
-    {
-        return elementAt(_components, index, "IScalarValue::GetScalar");
-    }
-
-  private:
-    std::vector<double> _components;
+    double GetScalar(std::size_t index) const override { return elementAt(components, index); }
+    std::vector<double> components;
 };
 
-class Integers final : public Value<IIntegerValue>
+struct Integers final : Value<IIntegerValue>
 {
-  public:
-    Integers(std::vector<std::int32_t> components, std::uint32_t unit)
-        : Value(components.size(), unit), _components(std::move(components))
-    {
-    }
     std::int32_t GetInteger(std::size_t index) const override
     {
-        return elementAt(_components, index, "IIntegerValue::GetInteger");
+        return elementAt(components, index);
     }
-
-  private:
-    std::vector<std::int32_t> _components;
+    std::vector<std::int32_t> components;
 };
 
-class Text final : public Value<IStringValue>
+struct Text final : Value<IStringValue>
 {
-  public:
-    explicit Text(std::string text) : _text(std::move(text)) {}
-    void GetString(UTF8String& text) const override
-    {
-        passOperation("IStringValue::GetString");
-        text = UTF8String(_text);
-    }
-
-  private:
-    std::string _text;
+    void GetString(UTF8String& result) const override { result = passing(text); }
+    std::string text;
 };
 
-class Uri final : public Value<IUriValue>
+struct Uri final : Value<IUriValue>
 {
-  public:
-    Uri(std::string stored, std::string preferred)
-        : _stored(std::move(stored)), _preferred(std::move(preferred))
-    {
-    }
-    void GetUri(UTF8String& text, UriForm form) const override
-    {
-        passOperation("IUriValue::GetUri");
-        text = UTF8String(textOf(form));
-    }
+    void GetUri(UTF8String& text, UriForm form) const override { text = passing(textOf(form)); }
     void GetUri(WideString& text, UriForm form) const override
     {
-        passOperation("IUriValue::GetUri wide");
-        const std::string& narrow = textOf(form);
+        const std::string& narrow = passing(textOf(form));
         text = WideString(std::wstring(narrow.begin(), narrow.end()));
     }
-
-  private:
     const std::string& textOf(UriForm form) const
     {
-        return form == UriForm::Preferred && !_preferred.empty() ? _preferred : _stored;
+        return form == UriForm::Preferred && !preferred.empty() ? preferred : stored;
     }
-
-    std::string _stored;
-    std::string _preferred;
+    std::string stored;
+    std::string preferred;
 };
 
-class Choice final : public IChoice
+struct ChoiceList final : Value<IChoiceListValue>, IChoiceTable
 {
-  public:
-    explicit Choice(std::string name) : _name(std::move(name)) {}
-    void GetName(UTF8String& name) const override
-    {
-        passOperation("IChoice::GetName");
-        name = UTF8String(_name);
-    }
-
-  private:
-    std::string _name;
-};
-
-class Choices final : public IChoiceTable
-{
-  public:
-    explicit Choices(const std::vector<std::string>& names) : _choices(names.begin(), names.end())
-    {
-    }
-    std::size_t GetChoiceCount() const override
-    {
-        passOperation("IChoiceTable::GetChoiceCount");
-        return _choices.size();
-    }
-    const IChoice* GetChoice(std::size_t index) const override
-    {
-        passOperation("IChoiceTable::GetChoice");
-        if (index < _choices.size())
-            return &_choices[index];
-        recordBreach("IChoiceTable::GetChoice: choice " + std::to_string(index));
-        return nullptr;
-    }
-
-  private:
-    std::vector<Choice> _choices;
-};
-
-class ChoiceList final : public Value<IChoiceListValue>
-{
-  public:
-    ChoiceList(std::optional<Choices> choices, std::vector<std::int32_t> selected)
-        : _choices(std::move(choices)), _selected(std::move(selected))
-    {
-    }
-    std::size_t GetSelectedCount() const override
-    {
-        passOperation("IChoiceListValue::GetSelectedCount");
-        return _selected.size();
-    }
+    std::size_t GetSelectedCount() const override { return passing(selected.size()); }
     std::int32_t GetSelectedIndex(std::size_t position) const override
     {
-        return elementAt(_selected, position, "IChoiceListValue::GetSelectedIndex");
+        return elementAt(selected, position);
     }
     const IChoiceTable* GetChoiceTable() const override
     {
-        passOperation("IChoiceListValue::GetChoiceTable");
-        return _choices ? &*_choices : nullptr;
+        return passing(hasTable ? this : nullptr);
     }
+    std::size_t GetChoiceCount() const override { return passing(choices.size()); }
+    const IChoice* GetChoice(std::size_t index) const override { return entryAt(choices, index); }
 
-  private:
-    std::optional<Choices> _choices;
-    std::vector<std::int32_t> _selected;
+    bool hasTable = true;
+    std::vector<Named<IChoice>> choices;
+    std::vector<std::int32_t> selected;
 };
+
+template <class List, class T> std::shared_ptr<List> listOf(std::vector<T> components)
+{
+    auto value = std::make_shared<List>();
+    value->count = components.size();
+    value->components = std::move(components);
+    return value;
+}
+
+/// A colour under the type of a Boolean, or the other way round: nobody can tell from the value.
+ValuePtr plainValue(std::deque<bool> booleans, std::vector<Rgba> colors)
+{
+    auto value = std::make_shared<Value<IValue>>();
+    value->count = booleans.size();
+    value->booleans = std::move(booleans);
+    value->colors = std::move(colors);
+    return value;
+}
 
 } // namespace
 
 ValuePtr scalarValue(std::vector<double> components, std::uint32_t unit)
 {
-    return std::make_shared<Scalars>(std::move(components), unit);
-}
-
-ValuePtr integerValue(std::vector<std::int32_t> components, std::uint32_t unit)
-{
-    return std::make_shared<Integers>(std::move(components), unit);
-}
-
-ValuePtr booleanValue(std::vector<bool> components)
-{
-    auto value = std::make_shared<Value<IValue>>(components.size(), 0u);
-    value->booleans = std::move(components);
+    const auto value = listOf<Scalars>(std::move(components));
+    value->unit = unit;
     return value;
+}
+
+ValuePtr integerValue(std::vector<std::int32_t> components)
+{
+    return listOf<Integers>(std::move(components));
+}
+
+ValuePtr booleanValue(std::deque<bool> components)
+{
+    std::vector<Rgba> colors(components.size());
+    return plainValue(std::move(components), std::move(colors));
 }
 
 ValuePtr colorValue(std::vector<Rgba> colors)
 {
-    auto value = std::make_shared<Value<IValue>>(colors.size(), 0u);
-    value->colors = std::move(colors);
-    return value;
+    std::deque<bool> booleans(colors.size());
+    return plainValue(std::move(booleans), std::move(colors));
 }
 
 ValuePtr textValue(std::string text)
 {
-    return std::make_shared<Text>(std::move(text));
+    auto value = std::make_shared<Text>();
+    value->text = std::move(text);
+    return value;
 }
 
 ValuePtr uriValue(std::string stored, std::string preferred)
 {
-    return std::make_shared<Uri>(std::move(stored), std::move(preferred));
+    auto value = std::make_shared<Uri>();
+    value->stored = std::move(stored);
+    value->preferred = std::move(preferred);
+    return value;
 }
 
-ValuePtr choiceValue(std::vector<std::string> choices, std::vector<std::int32_t> selected)
+ValuePtr choiceValue(const std::vector<std::string>& choices, std::vector<std::int32_t> selected)
 {
-    return std::make_shared<ChoiceList>(Choices(choices), std::move(selected));
+    auto value = std::make_shared<ChoiceList>();
+    for (const std::string& name : choices)
+        value->choices.emplace_back(name);
+    value->selected = std::move(selected);
+    return value;
 }
 
 ValuePtr choiceValueWithoutTable(std::vector<std::int32_t> selected)
 {
-    return std::make_shared<ChoiceList>(std::nullopt, std::move(selected));
+    auto value = std::make_shared<ChoiceList>();
+    value->hasTable = false;
+    value->selected = std::move(selected);
+    return value;
 }
 
 } // namespace vyr::support
