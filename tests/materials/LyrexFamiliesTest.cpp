@@ -1,7 +1,5 @@
 #include <functional>
-#include <map>
-#include <string>
-#include <vector>
+#include <set>
 
 #include "materials/LyrexFamilies.h"
 
@@ -11,263 +9,171 @@ namespace vyr::materialtests
 namespace
 {
 
-using Lines = std::vector<std::string>;
-
 /// What is done to one property.
-enum class State
+struct State
 {
-    Missing,
-    /// It only carries connections, and has none.
-    Inactive,
-    Plain,
-    Bitmap,
-    HeightMap,
-    NormalMap,
-    /// A bitmap that names no image, beside a plain value.
-    NoImage,
-    /// The same without a plain value.
-    NoImageAlone,
-    Unhandled,
+    const char* name;
+    /// Whether there is a plain value for where the texture is of no use.
+    bool plain = false;
+    AssetPtr (*texture)() = nullptr;
+    /// The category of the texture's node; null when there is none.
+    const char* category = nullptr;
+    /// Whether the texture yields normals, which a number or a colour has no use for.
+    bool normals = false;
+    bool refused = false;
+
+    bool drives(const Property& property) const
+    {
+        return category && property.type != "boolean" && (!normals || property.type == "vector3");
+    }
 };
 
-const std::map<State, const char*> stateNames{
-    {State::Missing, "missing"},       {State::Inactive, "inactive"},
-    {State::Plain, "plain"},           {State::Bitmap, "bitmap"},
-    {State::HeightMap, "height map"},  {State::NormalMap, "normal map"},
-    {State::NoImage, "without image"}, {State::NoImageAlone, "without image and value"},
-    {State::Unhandled, "unhandled"},
+AssetPtr (*const noImage)() = [] { return bitmapAsset(""); };
+
+const State inactive{"inactive"};
+const State plain{"plain", true};
+const State states[] = {
+    {"missing"},
+    inactive,
+    plain,
+    {"bitmap", true, [] { return bitmapAsset("a.png"); }, "kvor:bitmap"},
+    {"height map", true, [] { return bumpBuilder("height_map").build(); }, "kvor:height_map", true},
+    {"normal map", true, [] { return bumpBuilder("normal_map").build(); }, "kvor:normal_map", true},
+    {"bitmap without image", true, noImage},
+    {"bitmap without image and value", false, noImage},
+    {.name = "unhandled",
+     .plain = true,
+     .texture = [] { return AssetBuilder("NoiseSchema").build(); },
+     .refused = true},
 };
 
-/// The category of the texture node; empty when there is none to be.
-std::string textureCategory(State state, Kind kind)
-{
-    if (kind == Kind::Boolean)
-        return {};
-    if (state == State::Bitmap)
-        return "kvor:bitmap";
-    // These give a normal; a number or a colour has no use for it.
-    if (state == State::HeightMap && kind == Kind::Vector)
-        return "kvor:height_map";
-    if (state == State::NormalMap && kind == Kind::Vector)
-        return "kvor:normal_map";
-    return {};
-}
+using StateOf = std::function<const State&(const Property&)>;
 
-bool isAbsent(State state)
+/// An asset of a family, and what its translation has to yield.
+struct Expected
 {
-    return state == State::Missing || state == State::Inactive || state == State::NoImageAlone;
-}
+    Expected(const Family& family, const StateOf& stateOf) : builder(lyrexBuilder(family.schema))
+    {
+        int position = 0;
+        for (const Property& property : family.properties)
+            add(property, stateOf(property), position++);
+        builder.scalar("unheard", 1);
+    }
 
-/// A state for each property of a family.
-using States = std::function<State(const Property&)>;
+    void add(const Property& property, const State& state, int position)
+    {
+        const auto& [name, type, colorSpace] = property;
+        std::string line = name + " " + type;
+        const bool driven = state.drives(property);
+        if (driven)
+        {
+            const std::string output = name + "_output";
+            line += " nodegraph=M_inputGraph output=" + output;
+            nodes.push_back(std::string(state.category) + " " + name + " " + type + " " + output +
+                            " " + type);
+        }
+        else if (state.plain)
+            line += " value=" + setPlain(builder, property, position) +
+                    (colorSpace.empty() ? "" : " colorspace=" + colorSpace);
+        addConnection(property, state);
+        // The fraction has decided its direction already.
+        if ((!driven && !state.plain) || (!inputs.empty() && inputs.back().starts_with(name + " ")))
+            return;
+        inputs.push_back(line);
+        if (name == "layered_fraction")
+            inputs.push_back(std::string("layered_fraction_invert boolean value=") +
+                             (driven ? "false" : "true"));
+    }
+
+    void addConnection(const Property& property, const State& state)
+    {
+        constexpr std::uint32_t reference = 9;
+        if (state.name == inactive.name)
+            builder.property(property.name, reference, nullptr);
+        if (!state.texture)
+            return;
+        builder.connect(property.name, state.texture());
+        if (state.refused && refused.empty() && property.type != "boolean")
+            refused = property.name;
+        if (!state.drives(property))
+            lost.insert(property.name);
+    }
+
+    AssetBuilder builder;
+    Lines inputs;
+    Lines nodes;
+    /// The properties that a warning has to tell of.
+    std::multiset<std::string> lost{"unheard"};
+    /// The property that ends the translation.
+    std::string refused;
+};
 
 class LyrexFamilies : public HostTest
 {
   protected:
-    void TearDown() override
+    void check(const Family& family, const StateOf& stateOf) const
     {
-        _textures.clear();
-        HostTest::TearDown();
-    }
-
-    AssetPtr makeAsset(const Family& family, const States& states) const
-    {
-        AssetBuilder builder = lyrexBuilder(family.schema);
-        int position = 0;
-        for (const Property& property : family.properties)
-            addProperty(builder, property, position++, states(property));
-        return builder.build();
-    }
-
-    /// The shader's inputs, and the graph's nodes, as they have to be.
-    struct Expected
-    {
-        Lines inputs;
-        Lines nodes;
-    };
-
-    static Expected expect(const Family& family, const States& states)
-    {
-        Expected expected;
-        bool inverted = false;
-        int position = 0;
-        for (const Property& property : family.properties)
-        {
-            const State state = states(property);
-            const std::string line = expectedLine(property, position++, state, expected.nodes);
-            const std::string name = property.name;
-            if (line.empty() || (name == "layered_fraction_invert" && inverted))
-                continue;
-            expected.inputs.push_back(line);
-            if (name != "layered_fraction")
-                continue;
-            const bool textured = !textureCategory(state, property.kind).empty();
-            expected.inputs.emplace_back(std::string("layered_fraction_invert boolean ") +
-                                         (textured ? "false" : "true"));
-            inverted = true;
-        }
-        return expected;
-    }
-
-    void check(const Family& family, const States& states) const
-    {
-        const Translation translation = translate(makeAsset(family, states));
-        const mx::DocumentPtr& document = translation.document;
-        ASSERT_TRUE(translation.succeeded) << translation.report();
-        const Expected expected = expect(family, states);
-        Lines elements{std::string(family.category) + " M_shader", "surfacematerial M"};
-        if (!expected.nodes.empty())
-            elements.emplace_back("nodegraph M_inputGraph");
-        ASSERT_EQ(topLevel(document), elements);
-        EXPECT_EQ(inputLines(document->getNode("M_shader")), expected.inputs);
-        EXPECT_EQ(nodeLines(document), expected.nodes);
-        EXPECT_TRUE(isSound(document));
-    }
-
-    static std::string describe(const Family& family, const Property& property, State state)
-    {
-        return std::string(family.schema) + ": " + property.name + " " + stateNames.at(state);
+        Expected expected(family, stateOf);
+        const Translation translation = translate(expected.builder.build());
+        if (expected.refused.empty())
+            return checkDocument(translation, family, expected);
+        EXPECT_FALSE(translation.succeeded);
+        EXPECT_TRUE(*translation.document == *mx::createDocument());
+        const Diagnostic reason = translation.first(DiagnosticCode::UnhandledTextureSchema);
+        EXPECT_EQ(reason.severity, Severity::Error);
+        EXPECT_EQ(reason.property, expected.refused);
+        EXPECT_EQ(reason.text, "Unhandled Schema NoiseSchema");
     }
 
   private:
-    void addProperty(AssetBuilder& builder, const Property& property, int position,
-                     State state) const
+    static void checkDocument(const Translation& translation, const Family& family,
+                              const Expected& expected)
     {
-        constexpr std::uint32_t reference = 9;
-        if (state == State::Inactive)
-            builder.property(property.name, reference, nullptr);
-        // A texture alone is enough for everything that it can drive.
-        if (!isAbsent(state) && textureCategory(state, property.kind).empty())
-            setPlain(builder, property, position);
-        if (const auto texture = _textures.find(state); texture != _textures.end())
-            builder.connect(property.name, texture->second);
+        ASSERT_TRUE(translation.succeeded) << translation.report();
+        const mx::DocumentPtr& document = translation.document;
+        Lines elements{family.category + " M_shader", "surfacematerial M"};
+        if (!expected.nodes.empty())
+            elements.emplace_back("nodegraph M_inputGraph");
+        ASSERT_EQ(topLevel(document), elements);
+        EXPECT_EQ(inputOf(document, "M", "surfaceshader")->getNodeName(), "M_shader");
+        EXPECT_EQ(linesOf(document->getNode("M_shader")), expected.inputs);
+        EXPECT_TRUE(isSound(document));
+        Lines nodes;
+        if (const mx::NodeGraphPtr graph = document->getNodeGraph("M_inputGraph"))
+            for (const mx::OutputPtr& output : graph->getOutputs())
+            {
+                const mx::NodePtr node = output->getConnectedNode();
+                nodes.push_back(node->getCategory() + " " + node->getName() + " " +
+                                node->getType() + " " + output->getName() + " " +
+                                output->getType());
+            }
+        EXPECT_EQ(nodes, expected.nodes);
+        std::multiset<std::string> told;
+        for (const Diagnostic& one : translation.diagnostics)
+            if (one.code != DiagnosticCode::TextureFileMissing &&
+                one.code != DiagnosticCode::ValueAdjusted)
+                told.insert(one.property.substr(0, one.property.find('/')));
+        EXPECT_EQ(told, expected.lost) << translation.report();
     }
-
-    static std::string expectedLine(const Property& property, int position, State state,
-                                    Lines& nodes)
-    {
-        if (isAbsent(state))
-            return {};
-        const std::string name = property.name;
-        const std::string type = typeOf(property.kind);
-        if (const std::string category = textureCategory(state, property.kind); !category.empty())
-        {
-            nodes.push_back(category + " " + name + " " + type + " -> " + name + "_output " + type);
-            return name + " " + type + " M_inputGraph/" + name + "_output";
-        }
-        const std::string colorSpace = colorSpaceOf(property.kind);
-        return name + " " + type + " " + plainText(property, position) +
-               (colorSpace.empty() ? "" : " " + colorSpace);
-    }
-
-    static Lines inputLines(const mx::NodePtr& shader)
-    {
-        Lines lines;
-        for (const mx::InputPtr& input : shader->getInputs())
-        {
-            std::string line = input->getName() + " " + input->getType() + " ";
-            line += input->getValueString();
-            if (input->hasNodeGraphString())
-                line += input->getNodeGraphString() + "/" + input->getOutputString();
-            if (input->hasColorSpace())
-                line += " " + input->getColorSpace();
-            lines.push_back(line);
-        }
-        return lines;
-    }
-
-    static Lines nodeLines(const mx::DocumentPtr& document)
-    {
-        Lines lines;
-        const mx::NodeGraphPtr graph = document->getNodeGraph("M_inputGraph");
-        for (const mx::NodePtr& node : graph ? graph->getNodes() : std::vector<mx::NodePtr>())
-        {
-            const mx::OutputPtr output = graph->getOutput(node->getName() + "_output");
-            lines.push_back(node->getCategory() + " " + node->getName() + " " + node->getType() +
-                            " -> " + output->getName() + " " + output->getType());
-            EXPECT_EQ(output->getConnectedNode(), node);
-        }
-        return lines;
-    }
-
-    static std::map<State, AssetPtr> makeTextures()
-    {
-        std::map<State, AssetPtr> textures;
-        textures[State::Bitmap] = bitmapAsset("wood.png");
-        textures[State::HeightMap] = bumpBuilder("bumpmap_height_map").build();
-        textures[State::NormalMap] = bumpBuilder("bumpmap_normal_map").build();
-        textures[State::NoImage] = bitmapAsset("");
-        textures[State::NoImageAlone] = bitmapAsset("");
-        textures[State::Unhandled] = AssetBuilder("NoiseSchema").build();
-        return textures;
-    }
-
-    std::map<State, AssetPtr> _textures = makeTextures();
 };
 
-/// Every property in every state, first all of a family together, then each among plain ones.
+/// Every property in every state, first all of a family together, then each among plain ones, then
+/// each alone. A texture that the document does not show is told about, one that it shows is not.
 TEST_F(LyrexFamilies, HaveTheirInputsInEveryState)
 {
     for (const Family& family : families())
-        for (const auto& [state, stateName] : stateNames)
+        for (const State& state : states)
         {
-            if (state == State::Unhandled)
-                continue;
-            SCOPED_TRACE(std::string(family.schema) + ": all " + stateName);
-            check(family, [s = state](const Property&) { return s; });
+            SCOPED_TRACE(family.schema + ": all " + state.name);
+            check(family, [&](const Property&) -> const State& { return state; });
             for (const Property& changed : family.properties)
-            {
-                SCOPED_TRACE(describe(family, changed, state));
-                check(family, [&, s = state](const Property& property)
-                      { return &property == &changed ? s : State::Plain; });
-            }
+                for (const State* const others : {&plain, &states[0]})
+                {
+                    SCOPED_TRACE(changed.name + " among " + others->name);
+                    check(family, [&](const Property& property) -> const State&
+                          { return &property == &changed ? state : *others; });
+                }
         }
-}
-
-/// A texture of an unknown kind ends the translation, wherever it is, and nothing stays behind.
-TEST_F(LyrexFamilies, RefuseUnhandledTextures)
-{
-    for (const Family& family : families())
-        for (const Property& changed : family.properties)
-        {
-            SCOPED_TRACE(describe(family, changed, State::Unhandled));
-            const States states = [&](const Property& property)
-            { return &property == &changed ? State::Unhandled : State::Plain; };
-            if (changed.kind == Kind::Boolean)
-            {
-                check(family, states);
-                continue;
-            }
-            const Translation translation = translate(makeAsset(family, states));
-            EXPECT_FALSE(translation.succeeded);
-            EXPECT_TRUE(*translation.document == *mx::createDocument());
-            const Diagnostic reason = translation.first(DiagnosticCode::UnhandledTextureSchema);
-            EXPECT_EQ(reason.severity, Severity::Error);
-            EXPECT_EQ(reason.property, changed.name);
-            EXPECT_EQ(reason.text, "Unhandled Schema NoiseSchema");
-        }
-}
-
-/// A texture that the document does not show is always told about, and one that it shows never.
-TEST_F(LyrexFamilies, TellOfTexturesThatCameToNothing)
-{
-    for (const Family& family : families())
-        for (const Property& changed : family.properties)
-            for (const State state : {State::Plain, State::Bitmap, State::HeightMap,
-                                      State::NormalMap, State::NoImage, State::NoImageAlone})
-            {
-                const Translation translation = translate(
-                    makeAsset(family, [&](const Property& property)
-                              { return &property == &changed ? state : State::Missing; }));
-                std::size_t told = 0;
-                for (const Diagnostic& diagnostic : translation.diagnostics)
-                    if (diagnostic.code != DiagnosticCode::TextureFileMissing)
-                        told += diagnostic.property.starts_with(changed.name);
-                const bool lost =
-                    state != State::Plain && textureCategory(state, changed.kind).empty();
-                EXPECT_EQ(told, lost ? 1u : 0u) << describe(family, changed, state) << "\n"
-                                                << translation.report();
-            }
 }
 
 } // namespace
