@@ -22,8 +22,9 @@ TEST(DocumentText, IsXmlWhateverItsTextsHold)
         document->addNode("image", "node", "color3")
             ->setInputValue("file", text, mx::FILENAME_TYPE_STRING);
         const std::string xml = documentToXml(document);
-        for (std::size_t at = xml.find("value=\""); at < xml.find('"', at + 7); ++at)
-            EXPECT_NE(xml[at], '<') << xml;
+        const std::size_t start = xml.find("value=\"") + 7;
+        const std::string written = xml.substr(start, xml.find('"', start) - start);
+        EXPECT_EQ(written.find('<'), std::string::npos) << xml;
         const mx::DocumentPtr read = mx::createDocument();
         mx::readFromXmlString(read, xml);
         EXPECT_EQ(read->getNode("node")->getInputValue("file")->getValueString(), text) << xml;
