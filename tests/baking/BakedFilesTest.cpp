@@ -20,21 +20,12 @@ namespace
 {
 using support::TemporaryFolder;
 
-OIIO::ImageBuf readFloats(const std::filesystem::path& path)
-{
-    OIIO::ImageBuf image(TemporaryFolder::utf8(path));
-    image.read(0, 0, true, OIIO::TypeFloat);
-    return image;
-}
-
 OIIO::ImageBuf heights(int size)
 {
     OIIO::ImageBuf image(OIIO::ImageSpec(size, size, 1, OIIO::TypeFloat));
     std::mt19937 random(1);
     for (OIIO::ImageBuf::Iterator<float> i(image); !i.done(); ++i)
-    {
         i[0] = static_cast<float>(random() % 256) / 255.0F;
-    }
     return image;
 }
 
@@ -51,31 +42,36 @@ NoiseBakeOptions noiseOptions(int size)
 }
 } // namespace
 
-TEST(BakedFiles, BumpImagesBecomeNormalMaps)
+TEST(BakedFiles, OfBumpImagesHoldTheBake)
 {
     const TemporaryFolder folder;
     const OIIO::ImageBuf height = heights(32);
-    writeImage(height, folder / "bröck.v2.exr");
     BumpImage bump;
     bump.image = folder / "bröck.v2.exr";
     bump.folder = folder / "out" / "wall";
-    bump.realWorldScaleX = 3.0F;
+    writeImage(height, bump.image);
     const BakedFile baked = bakeBumpImage(bump);
     ASSERT_TRUE(baked.result.success) << baked.result.message;
-    EXPECT_EQ(baked.path, folder / "out" / "wall" / "bröck.v2_normalmap.png");
-
+    EXPECT_EQ(baked.path, bump.folder / "bröck.v2_normalmap.png");
     writeImage(bakeNormalImage(height, {}), folder / "expected.png");
     EXPECT_EQ(support::readFile(baked.path), support::readFile(folder / "expected.png"));
 
-    bump.image = folder / "missing.png";
-    bump.folder = folder / "other";
-    const BakedFile missing = bakeBumpImage(bump);
-    EXPECT_FALSE(missing.result.success);
-    EXPECT_TRUE(missing.path.empty());
-    EXPECT_FALSE(std::filesystem::exists(bump.folder));
+    NormalBakeOptions options;
+    options.bumpAmount = 0.5F;
+    options.realWorldScale = {2.0F, 4.0F};
+    options.bumpScale = {1.0F, 3.0F};
+    ASSERT_TRUE(bakeNormalMapFile(bump.image, folder / "normal.exr", options).success);
+    OIIO::ImageSpec parameters;
+    const OIIO::TypeDesc pair(OIIO::TypeDesc::FLOAT, 2);
+    parameters.attribute("bump_amount", 0.5F);
+    parameters.attribute("real_world_scale", pair, options.realWorldScale.data());
+    parameters.attribute("bump_scale", pair, options.bumpScale.data());
+    OIIO::ImageBuf normal(TemporaryFolder::utf8(folder / "normal.exr"));
+    normal.read(0, 0, true, OIIO::TypeFloat);
+    EXPECT_EQ(differentFloats(normal, bakeNormalImage(height, parameters)), 0U);
 }
 
-TEST(BakedFiles, NoiseBecomesANormalMapOfItsSizeAndAmount)
+TEST(BakedFiles, OfNoiseHoldItsNormalsInItsSize)
 {
     const TemporaryFolder folder;
     NoiseBump bump;
@@ -85,42 +81,18 @@ TEST(BakedFiles, NoiseBecomesANormalMapOfItsSizeAndAmount)
     bump.folder = folder / "wall";
     bump.nodeName = "noise";
     const BakedFile baked = bakeNoiseBump(bump);
-    ASSERT_TRUE(baked.result.success) << baked.result.message;
-    EXPECT_EQ(baked.path, folder / "wall" / "noise_64normal_map.png");
+    EXPECT_EQ(baked.path, folder / "wall" / "noise_64normal_map.png") << baked.result.message;
     EXPECT_EQ(baked.result.warnings.size(), 1U);
-
     ASSERT_TRUE(bakeNoiseFile(folder / "noise.exr", bump.noise).success);
     NormalBakeOptions options;
     options.bumpAmount = 0.25F;
     ASSERT_TRUE(bakeNormalMapFile(folder / "noise.exr", folder / "expected.png", options).success);
     EXPECT_EQ(support::readFile(baked.path), support::readFile(folder / "expected.png"));
-}
 
-TEST(BakedFiles, HoldTheBakesFloats)
-{
-    const TemporaryFolder folder;
-    const OIIO::ImageBuf height = heights(50);
-    writeImage(height, folder / "height.tif");
-    NormalBakeOptions options;
-    options.bumpAmount = 0.5F;
-    options.realWorldScale = {2.0F, 4.0F};
-    options.bumpScale = {1.0F, 3.0F};
-    ASSERT_TRUE(bakeNormalMapFile(folder / "height.tif", folder / "normal.exr", options).success);
-    OIIO::ImageSpec parameters;
-    const OIIO::TypeDesc pair(OIIO::TypeDesc::FLOAT, 2);
-    parameters.attribute("bump_amount", 0.5F);
-    parameters.attribute("real_world_scale", pair, options.realWorldScale.data());
-    parameters.attribute("bump_scale", pair, options.bumpScale.data());
-    EXPECT_EQ(
-        differentFloats(readFloats(folder / "normal.exr"), bakeNormalImage(height, parameters)),
-        0U);
-
-    NoiseBakeOptions noise = noiseOptions(33);
-    noise.width = 45;
-    noise.color1 = {0.1F, 0.2F, 0.3F};
-    noise.color2 = {1.0F, 2.0F, -3.0F};
-    ASSERT_TRUE(bakeNoiseFile(folder / "noise.tif", noise).success);
-    const OIIO::ImageBuf image = readFloats(folder / "noise.tif");
+    bump.noise.width = 45;
+    bump.noise.color1 = bump.noise.color2 = {0.1F, 0.2F, -3.0F};
+    ASSERT_TRUE(bakeNoiseFile(folder / "noise.tif", bump.noise).success);
+    const OIIO::ImageBuf image(TemporaryFolder::utf8(folder / "noise.tif"));
     EXPECT_EQ(image.spec().width, 45);
     EXPECT_EQ(image.nchannels(), 3);
 }
@@ -178,9 +150,7 @@ TEST(EncodePng, IsFasterThanByDefaultAndNotMuchLarger)
     {
         OIIO::ImageBuf height(OIIO::ImageSpec(kSize, kSize, 1, OIIO::TypeFloat));
         for (OIIO::ImageBuf::Iterator<float> i(height); !i.done(); ++i)
-        {
             i[0] = c.height(static_cast<float>(i.x()), static_cast<float>(i.y()));
-        }
         const OIIO::ImageBuf image = bakeNormalImage(height, {}).copy(OIIO::TypeUInt8);
         const auto* pixels = static_cast<const unsigned char*>(image.localpixels());
         const auto byDefault =

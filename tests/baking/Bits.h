@@ -33,9 +33,7 @@ inline OIIO::imagesize_t differentFloats(const OIIO::ImageBuf& a, const OIIO::Im
     const auto* right = static_cast<const float*>(b.localpixels());
     OIIO::imagesize_t different = 0;
     for (OIIO::imagesize_t i = 0; i < values; ++i)
-    {
         different += sameBits(left[i], right[i]) ? 0U : 1U;
-    }
     return different;
 }
 

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <string_view>
 
 namespace vyr::MaterialTranslation::baking::reference
@@ -14,9 +13,7 @@ float hypot3(float x, float y, float z)
     z = std::fabs(z);
     const float m = x < y ? (y < z ? z : y) : (x < z ? z : x);
     if (m == 0.0F)
-    {
         return 0.0F;
-    }
     return m * std::sqrt((x / m) * (x / m) + (y / m) * (y / m) + (z / m) * (z / m));
 }
 
@@ -45,9 +42,7 @@ void bakeNormalRows(const OIIO::ImageBuf& height, float strengthX, float strengt
         for (int c = 0; c < 3; ++c)
         {
             if (length != 0.0F)
-            {
                 n[c] /= length;
-            }
             out[c] = n[c] * 0.5F + 0.5F;
         }
     }
@@ -65,10 +60,8 @@ Lattice lattice(float c)
 {
     const float i = std::nearbyint(c - 0.5F);
     if (i >= -2147483648.0F && i < 2147483648.0F)
-    {
         return {static_cast<std::uint32_t>(static_cast<std::int32_t>(i)), c - i};
-    }
-    return {static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::min()), 0.0F};
+    return {0x80000000U, 0.0F};
 }
 
 float fade(float f)
@@ -105,25 +98,14 @@ float interpolate(float a, float b, float s)
     return a + s * (b - a);
 }
 
-float octaveSum(float x, float y, float z, float w, float levels, bool turbulence)
+float octaveSum(const Noise& noise, float x, float y, bool turbulence)
 {
     float sum = 0.0F;
     float frequency = 1.0F;
-    float remaining = levels;
-    const auto add = [&]
+    for (float remaining = noise.levels; remaining > 0.0F; remaining -= 1.0F, frequency *= 2.0F)
     {
-        const float n = noise4(x * frequency, y * frequency, z * frequency, w) / frequency;
+        const float n = noise4(x * frequency, y * frequency, 0.0F, noise.phase) / frequency;
         sum += turbulence ? std::fabs(n) : n;
-    };
-    while (remaining >= 1.0F)
-    {
-        add();
-        frequency *= 2.0F;
-        remaining -= 1.0F;
-    }
-    if (remaining > 0.0F)
-    {
-        add();
     }
     return sum;
 }
@@ -132,24 +114,18 @@ float noiseValue(const Noise& noise, float x, float y)
 {
     const std::string_view type = noise.type;
     if (type == "noise_regular")
-    {
         return (noise4(x, y, 0.0F, noise.phase) + 1.0F) * 0.5F;
-    }
     const bool turbulence = type == "noise_turbulence";
-    const float sum = octaveSum(x, y, 0.0F, noise.phase, noise.levels, turbulence);
+    const float sum = octaveSum(noise, x, y, turbulence);
     return turbulence ? sum : (sum + 1.0F) * 0.5F;
 }
 
 float threshold(float v, float low, float high)
 {
     if (v < low)
-    {
         return 0.0F;
-    }
     if (v > high)
-    {
         return 1.0F;
-    }
     return low != high ? (v - low) / (high - low) : v;
 }
 } // namespace
@@ -175,9 +151,7 @@ float noise4(float x, float y, float z, float w)
     {
         values /= 2;
         for (int i = 0; i < values; ++i)
-        {
             value[i] = interpolate(value[2 * i], value[2 * i + 1], fade(axis.fraction));
-        }
     }
     return value[0] * 0.87F;
 }
@@ -202,9 +176,7 @@ void bakeNoiseRows(const Noise& noise, int yBegin, int yEnd, OIIO::ImageBuf& ima
             continue;
         }
         for (int c = 0; c < 3; ++c)
-        {
             out[c] = noise.color1[c] * (1.0F - v) + noise.color2[c] * v;
-        }
     }
 }
 } // namespace vyr::MaterialTranslation::baking::reference

@@ -1,196 +1,130 @@
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
+#include "host/HostTest.h"
 
-#include <MaterialTranslation/Diagnostics.h>
-#include <MaterialTranslation/MaterialXConverter.h>
-
-#include "support/AssetBuilder.h"
-#include "support/Documents.h"
-#include "support/Host.h"
-#include "support/TemporaryFolder.h"
-
-namespace vyr::MaterialTranslation
+namespace vyr::hosttests
 {
 
 namespace
 {
 
 namespace fs = std::filesystem;
-namespace mx = MaterialX;
 
-using namespace vyr::support;
-using kelvor::platform::core::string::UTF8String;
 using Names = std::vector<std::string>;
 
-/// Gathering by the public class: the images of "src" go to "out".
-class GatheringRoad : public ::testing::Test
+/// Gathering by the public class.
+class GatheringRoad : public HostTest
 {
   protected:
-    GatheringRoad()
+    std::string image(const char* name, const char* sample = "tile_height.png") const
     {
-        resetHost();
-        fs::create_directories(_folder / "src");
-        fs::create_directory(_folder / "out");
-        _options.outputDirectory = UTF8String(TemporaryFolder::utf8(_folder / "out"));
-        _options.copyTextures = true;
-    }
-    void TearDown() override { EXPECT_EQ(liveAssets(), 0u); }
-
-    fs::path image(const std::string& name, const std::string& sample = "tile_height.png") const
-    {
-        const fs::path to = _folder / "src" / name;
+        const fs::path to = _folder / name;
+        fs::create_directories(to.parent_path());
         fs::copy_file(fs::path(VYR_SOURCE_DIR) / "samples/textures" / sample, to);
-        return to;
+        return TemporaryFolder::utf8(to);
     }
 
-    bool translate(const AssetPtr& asset)
+    Translation gather(const AssetPtr& asset) const
     {
-        MaterialXConverter converter(_options);
-        _document = mx::createDocument();
-        return converter.TranslateToMaterialX(*asset, UTF8String("M"), _document);
+        return translate(asset, with(&ConverterOptions::copyTextures, true));
     }
 
-    /// The file that a node of the material's graph reads.
-    std::string fileOf(const std::string& node) const
+    /// The files that nodes of the material's graph read.
+    static Names filesOf(const Translation& translation, const Names& nodes)
     {
-        const mx::NodeGraphPtr graph = _document->getNodeGraph("M_nodegraph");
-        const mx::NodePtr found = graph ? graph->getNode(node) : nullptr;
-        return found ? found->getInput("file")->getValueString() : "no node";
+        Names files;
+        const mx::NodeGraphPtr graph = translation.document->getNodeGraph("M_nodegraph");
+        for (const std::string& name : nodes)
+        {
+            const mx::NodePtr node = graph ? graph->getNode(name) : nullptr;
+            files.push_back(node ? node->getInput("file")->getValueString() : "no node");
+        }
+        return files;
     }
-
-    static std::size_t warnings(DiagnosticCode code)
-    {
-        const auto& all = lastDiagnostics();
-        return static_cast<std::size_t>(std::count_if(
-            all.begin(), all.end(), [code](const Diagnostic& d) { return d.code == code; }));
-    }
-
-    TemporaryFolder _folder;
-    ConverterOptions _options;
-    mx::DocumentPtr _document;
 };
 
 TEST_F(GatheringRoad, EndsInAFolderThatHasEverythingOnce)
 {
-    const fs::path color = image("wood.png", "tile_color.png");
-    const fs::path height = image("relief.png");
-    const fs::path gloss = image("relief_normalmap.png", "tile_gloss.png");
+    const std::string color = image("src/wood.png", "tile_color.png");
+    const std::string height = image("src/relief.png");
+    const std::string gloss = image("src/relief_normalmap.png", "tile_gloss.png");
     const AssetPtr asset = AssetBuilder()
-                               .connect("generic_diffuse", bitmapAsset(color.string()))
-                               .connect("generic_cutout_opacity", bitmapAsset(color.string()))
-                               .connect("generic_glossiness", bitmapAsset(gloss.string()))
+                               .connect("generic_diffuse", bitmapAsset(color))
+                               .connect("generic_cutout_opacity", bitmapAsset(color))
+                               .connect("generic_glossiness", bitmapAsset(gloss))
                                .scalar("generic_bump_amount", 1)
-                               .connect("generic_bump_map", bitmapAsset(height.string()))
+                               .connect("generic_bump_map", bitmapAsset(height))
                                .build();
     const Names before = {readFile(color), readFile(height), readFile(gloss)};
+    const std::string out = _folder.text() + "/M/";
     std::string first;
     for (int run = 0; run < 3; ++run)
     {
-        ASSERT_TRUE(translate(asset));
-        const std::string out = TemporaryFolder::utf8(_folder / "out/M/");
-        EXPECT_EQ(fileOf("generic_diffuse"), out + "wood.png");
-        EXPECT_EQ(fileOf("generic_cutout_opacity"), out + "wood.png");
-        EXPECT_EQ(fileOf("generic_glossiness"), out + "relief_normalmap.png");
-        EXPECT_EQ(fileOf("generic_bump_map"), out + "relief_normalmap-2.png");
-        EXPECT_TRUE(readFile(fileOf("generic_glossiness")) == before[2]);
-        EXPECT_TRUE(readFile(fileOf("generic_bump_map")) != before[2]);
+        const Translation one = gather(asset);
+        EXPECT_EQ(filesOf(one, {"generic_diffuse", "generic_cutout_opacity", "generic_glossiness",
+                                "generic_bump_map"}),
+                  (Names{out + "wood.png", out + "wood.png", out + "relief_normalmap.png",
+                         out + "relief_normalmap-2.png"}));
+        EXPECT_TRUE(readFile(out + "relief_normalmap.png") == before[2]);
+        EXPECT_TRUE(readFile(out + "relief_normalmap-2.png") != before[2]);
         EXPECT_EQ(_folder.entries(),
-                  (Names{"out", "out/M", "out/M/relief_normalmap-2.png",
-                         "out/M/relief_normalmap.png", "out/M/wood.png", "src", "src/relief.png",
-                         "src/relief_normalmap.png", "src/wood.png"}));
+                  (Names{"M", "M/relief_normalmap-2.png", "M/relief_normalmap.png", "M/wood.png",
+                         "src", "src/relief.png", "src/relief_normalmap.png", "src/wood.png"}));
         EXPECT_TRUE((Names{readFile(color), readFile(height), readFile(gloss)}) == before);
-        EXPECT_TRUE(isSound(_document));
-        if (run == 0)
-            first = xmlOf(_document);
-        EXPECT_EQ(xmlOf(_document), first) << run;
+        first = run == 0 ? xmlOf(one.document) : first;
+        EXPECT_EQ(xmlOf(one.document), first) << run;
     }
 }
 
-/// The user works on the images where they were gathered.
+/// The user works on the images where they were gathered; a baked file yields its name to one.
 TEST_F(GatheringRoad, LeavesSourcesInTheFolderAsTheyAre)
 {
-    fs::create_directory(_folder / "out/M");
-    Names paths;
-    for (const char* name : {"wood.png", "wood_normalmap.png"})
-    {
-        const fs::path place = _folder / "out/M" / name;
-        fs::rename(image(name), place);
-        paths.push_back(place.string());
-    }
-    _folder.write("out/M/wood_normalmap.png", "mine, and no bake");
+    const std::string wood = image("M/wood.png");
+    const std::string mine = _folder.write("M/wood_normalmap.png", "mine, and no bake").string();
     const AssetPtr asset = AssetBuilder()
-                               .connect("generic_diffuse", bitmapAsset(paths[0]))
-                               .connect("generic_cutout_opacity", bitmapAsset(paths[1]))
+                               .connect("generic_diffuse", bitmapAsset(wood))
+                               .connect("generic_cutout_opacity", bitmapAsset(mine))
                                .scalar("generic_bump_amount", 1)
-                               .connect("generic_bump_map", bitmapAsset(paths[0]))
+                               .connect("generic_bump_map", bitmapAsset(wood))
                                .build();
     for (int run = 0; run < 2; ++run)
     {
-        ASSERT_TRUE(translate(asset));
-        EXPECT_EQ(fileOf("generic_diffuse"), paths[0]);
-        EXPECT_EQ(fileOf("generic_cutout_opacity"), paths[1]);
-        EXPECT_TRUE(readFile(paths[1]) == "mine, and no bake");
-        EXPECT_NE(fileOf("generic_bump_map"), paths[1]);
+        const Translation one = gather(asset);
+        EXPECT_EQ(filesOf(one, {"generic_diffuse", "generic_cutout_opacity"}), (Names{wood, mine}));
+        EXPECT_NE(filesOf(one, {"generic_bump_map"}), Names{mine});
+        EXPECT_TRUE(readFile(mine) == "mine, and no bake");
     }
 }
 
-TEST_F(GatheringRoad, MakesNothingForAMaterialWithoutImages)
+TEST_F(GatheringRoad, MakesNothingWhereNothingIsToBeGathered)
 {
-    const std::string missing = TemporaryFolder::utf8(_folder / "src/missing.png");
-    const struct
-    {
-        AssetPtr asset;
-        bool translated;
-    } cases[] = {
-        {AssetBuilder().color("generic_diffuse", 1, 0, 0).build(), true},
-        {AssetBuilder().connect("generic_diffuse", bitmapAsset(missing)).build(), true},
-        {AssetBuilder()
-             .connect("generic_diffuse", bitmapAsset(image("wood.png").string()))
-             .string("generic_glossiness", "shiny")
-             .build(),
-         false},
-    };
-    for (const auto& [asset, translated] : cases)
-    {
-        EXPECT_EQ(translate(asset), translated);
-        EXPECT_TRUE(fs::is_empty(_folder / "out"));
-    }
-    ASSERT_TRUE(translate(cases[1].asset));
-    EXPECT_EQ(fileOf("generic_diffuse"), missing);
-    EXPECT_EQ(warnings(DiagnosticCode::TextureFileMissing), 1u);
-}
-
-TEST_F(GatheringRoad, CopiesNothingUnlessAsked)
-{
-    _options.copyTextures = false;
-    const std::string wood = image("wood.png").string();
-    ASSERT_TRUE(translate(AssetBuilder().connect("generic_diffuse", bitmapAsset(wood)).build()));
-    EXPECT_EQ(fileOf("generic_diffuse"), wood);
-    EXPECT_TRUE(fs::is_empty(_folder / "out"));
+    const std::string missing = _folder.text() + "/src/missing.png";
+    const std::string wood = image("src/wood.png");
+    const auto colored = [](const std::string& path)
+    { return std::move(AssetBuilder().connect("generic_diffuse", bitmapAsset(path))); };
+    EXPECT_EQ(filesOf(gather(colored(missing).build()), {"generic_diffuse"}), Names{missing});
+    EXPECT_FALSE(gather(colored(wood).string("generic_glossiness", "shiny").build()).succeeded);
+    EXPECT_EQ(filesOf(translate(colored(wood).build()), {"generic_diffuse"}), Names{wood});
+    EXPECT_EQ(_folder.entries(), (Names{"src", "src/wood.png"}));
 }
 
 TEST_F(GatheringRoad, FollowsNoLinkOutOfTheOutputFolder)
 {
+    const std::string wood = image("src/wood.png");
     fs::create_directory(_folder / "elsewhere");
-    fs::create_directory_symlink(_folder / "elsewhere", _folder / "out/M");
-    const std::string wood = image("wood.png").string();
+    fs::create_directory_symlink(_folder / "elsewhere", _folder / "M");
     const AssetPtr relief = AssetBuilder()
                                 .scalar("generic_bump_amount", 1)
                                 .connect("generic_bump_map", bitmapAsset(wood))
                                 .build();
     const AssetPtr color = AssetBuilder().connect("generic_diffuse", bitmapAsset(wood)).build();
     for (const AssetPtr* asset : {&relief, &color})
-    {
-        EXPECT_THROW(translate(*asset), fs::filesystem_error);
-        EXPECT_TRUE(fs::is_empty(_folder / "elsewhere"));
-    }
+        EXPECT_THROW(gather(*asset), fs::filesystem_error);
+    EXPECT_TRUE(fs::is_empty(_folder / "elsewhere"));
 }
 
 } // namespace
 
-} // namespace vyr::MaterialTranslation
+} // namespace vyr::hosttests
