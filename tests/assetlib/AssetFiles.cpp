@@ -1,5 +1,7 @@
 #include "AssetFiles.h"
 
+#include <sstream>
+
 #include <gtest/gtest.h>
 #include <kelvor/platform/assets/IUriValue.h>
 
@@ -12,24 +14,17 @@ AssetFiles& AssetFiles::add(const std::string& name, const std::string& content)
     return *this;
 }
 
-LoadResult AssetFiles::load(const LoadOptions& options) const
+Library AssetFiles::library() const
 {
-    return assetlib::load(_files, options);
+    EXPECT_EQ(errors(), Lines());
+    return std::move(load(_files).library).value();
 }
 
-Library AssetFiles::library(const LoadOptions& options) const
+Lines AssetFiles::errors() const
 {
-    LoadResult result = load(options);
-    for (const LoadError& error : result.errors)
-        ADD_FAILURE() << error.format();
-    return std::move(result.library).value();
-}
-
-std::vector<std::string> AssetFiles::errors() const
-{
-    const LoadResult result = load();
+    const LoadResult result = load(_files);
     EXPECT_EQ(result.library.has_value(), result.errors.empty());
-    std::vector<std::string> lines;
+    Lines lines;
     for (const LoadError& error : result.errors)
         lines.push_back(relative(error.format()));
     return lines;
@@ -43,10 +38,25 @@ std::string AssetFiles::relative(std::string text) const
     return text;
 }
 
+void checkTable(const std::string& table, const std::function<Lines(const std::string&)>& function)
+{
+    std::vector<std::pair<std::string, Lines>> rows;
+    std::istringstream stream(table);
+    for (std::string line; std::getline(stream, line);)
+    {
+        if (const auto arrow = line.find(" => "); arrow != line.npos)
+            rows.push_back({line.substr(0, arrow), {line.substr(arrow + 4)}});
+        else if (!line.empty())
+            rows.at(rows.size() - 1).second.push_back(line.substr(2));
+    }
+    ASSERT_FALSE(rows.empty());
+    for (const auto& [input, expected] : rows)
+        EXPECT_EQ(function(input), expected) << input;
+}
+
 std::string materialFile(const std::string& members)
 {
-    return R"({"assetLibrary": 1, "materials": [{"id": "m", "schema": "GenericSchema", )" +
-           members + "}]}";
+    return R"({"assetLibrary": 1, "materials": [{"id": "m", "schema": "S", )" + members + "}]}";
 }
 
 std::string propertyFile(const std::string& property)
@@ -54,19 +64,16 @@ std::string propertyFile(const std::string& property)
     return materialFile(R"("properties": {"p": )" + property + "}");
 }
 
-const platform::IProperty* find(const platform::IPropertyConstTable& table, const char* name)
+const platform::IProperty* find(const Library& library, const char* name, std::size_t index)
 {
-    return table.FindProperty(UTF8String(name));
+    return library.materials().at(index).asset->FindProperty(UTF8String(name));
 }
 
 std::string uri(const platform::IProperty* property)
 {
-    const auto* value =
-        property ? dynamic_cast<const platform::IUriValue*>(property->GetValue()) : nullptr;
-    if (!value)
-        return "no uri";
     UTF8String text;
-    value->GetUri(text, platform::UriForm::Preferred);
+    dynamic_cast<const platform::IUriValue&>(*property->GetValue())
+        .GetUri(text, platform::UriForm::Preferred);
     return text.str();
 }
 

@@ -1,3 +1,7 @@
+#include <atomic>
+#include <memory>
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "AssetFiles.h"
@@ -8,28 +12,32 @@ namespace vyr::assetlib::tests
 namespace
 {
 
-/// The ids, or for inline assets the schemas in brackets, of what a property is connected to.
-std::vector<std::string> connected(const platform::IProperty* property)
+using AssetPointer = std::unique_ptr<platform::IAssetInstance, platform::IAssetInstanceDeleter>;
+
+AssetPointer connectedAsset(const platform::IProperty& property, std::size_t index = 0)
 {
-    std::vector<std::string> ids;
+    return AssetPointer(property.GetConnectedAsset(index));
+}
+
+/// The ids of what a property is connected to, for inline assets the schemas.
+Lines connected(const platform::IProperty* property)
+{
+    Lines ids;
     for (std::size_t i = 0; property && i < property->GetConnectionCount(); ++i)
     {
-        platform::IAssetInstance* asset = property->GetConnectedAsset(i);
-        const std::string id = text(*asset, &platform::IAssetInstance::GetIdentifier);
-        ids.push_back(
-            id.empty()
-                ? "(" + text(*asset->GetDefinition(), &platform::IAssetDefinition::GetName) + ")"
-                : id);
-        asset->Release();
+        const AssetPointer asset = connectedAsset(*property, i);
+        ids.push_back(text(*asset, &platform::IAssetInstance::GetIdentifier));
+        if (ids.back().empty())
+            ids.back() = text(*asset->GetDefinition(), &platform::IAssetDefinition::GetName);
     }
     return ids;
 }
 
-std::string asset(const std::string& id, const std::string& connected = {})
+std::string asset(const std::string& id, const std::string& connected = "[]")
 {
-    const std::string property =
-        connected.empty() ? "" : R"("c": {"type": "reference", "connected": )" + connected + "}";
-    return R"({"id": ")" + id + R"(", "schema": "S", "properties": {)" + property + "}}";
+    return R"({"id": ")" + id +
+           R"(", "schema": "S", "properties": {"p": {"type": "reference", "connected": )" +
+           connected + "}}}";
 }
 
 std::string file(const std::string& materials, const std::string& textures = {})
@@ -42,85 +50,123 @@ TEST(AssetConnections, CrossFilesAndKeepTheirOrder)
 {
     AssetFiles files;
     files.add("a.json", file(asset("m", R"(["late", {"schema": "Inline", "properties": {
-                            "c": {"type": "uri", "connected": ["late"]}}}, "t", "late"])")));
-    files.add("b.json", file(asset("late"), asset("t", "\"late\"")));
+                            "p": {"type": "uri", "connected": ["late"]}}}, "t", "late"])")));
+    files.add("b.json", file(R"({"id": "late", "schema": "S", "genericProperties": {"x": 1,
+                   "c": {"type": "color", "connected": {"schema": "T"}}}})",
+                             asset("t", "\"late\"")));
     const Library library = files.library();
-
-    const platform::IProperty* property = find(*library.findMaterial("m")->asset, "c");
+    const platform::IProperty* property = find(library, "p");
     EXPECT_TRUE(property->HasConnections());
-    EXPECT_EQ(connected(property), (std::vector<std::string>{"late", "(Inline)", "t", "late"}));
-    platform::IAssetInstance* inlined = property->GetConnectedAsset(1);
-    EXPECT_EQ(connected(find(*inlined, "c")), std::vector<std::string>{"late"});
-    inlined->Release();
+    EXPECT_EQ(connected(property), (Lines{"late", "Inline", "t", "late"}));
+    EXPECT_EQ(connected(connectedAsset(*property, 1)->FindProperty("p")), Lines{"late"});
     EXPECT_EQ(property->GetConnectedAsset(4), nullptr);
-    EXPECT_FALSE(find(*library.findMaterial("late")->asset, "Hidden")->HasConnections());
-    EXPECT_EQ(library.referenceCount(), 0u);
-}
+    EXPECT_FALSE(find(library, "Hidden", 1)->HasConnections());
 
-TEST(AssetConnections, OfTheGenericTable)
-{
-    AssetFiles files;
-    files.add("a.json", materialFile(R"("genericProperties": {
-        "x": 1, "c": {"type": "color", "connected": {"schema": "T"}}})"));
-    const Library library = files.library();
     const platform::IPropertyConstTable* table =
-        library.materials()[0].asset->GetGenericPropertyTable();
+        library.findMaterial("late")->asset->GetGenericPropertyTable();
     ASSERT_TRUE(table);
     EXPECT_EQ(table->GetPropertyCount(), 2u);
-    EXPECT_EQ(connected(find(*table, "c")), std::vector<std::string>{"(T)"});
-    EXPECT_EQ(find(*table, "Hidden"), nullptr);
+    EXPECT_EQ(connected(table->FindProperty("c")), Lines{"T"});
+    EXPECT_EQ(table->FindProperty("Hidden"), nullptr);
+    EXPECT_EQ(library.referenceCount(), 0u);
 }
 
 TEST(AssetConnections, ThatFailAreReported)
 {
-    const auto errors = [](const std::string& a, const std::string& b = {})
+    const auto errors = [](const std::string& a, const std::string& b = file(""))
     {
         AssetFiles files;
-        files.add("a.json", a);
-        if (!b.empty())
-            files.add("b.json", b);
-        return files.errors();
+        return files.add("a.json", a).add("b.json", b).errors();
     };
-    using Lines = std::vector<std::string>;
-    const std::string place = "a.json: /materials/0/properties/c/connected";
+    const std::string place = "a.json: /materials/0/properties/p/connected";
+    const std::string cycle = ": expected connections without a cycle, found \"m\" > ";
+    const std::string noFile = ": expected the id of an asset, no loaded file has ";
 
     EXPECT_EQ(errors(file(asset("m", R"(["x", "m2"])"), asset("m2", "\"\""))),
-              (Lines{place + "/0: expected the id of an asset, no loaded file has \"x\"",
-                     "a.json: /textures/0/properties/c/connected: expected the id of an asset, no "
-                     "loaded file has \"\""}));
-    EXPECT_EQ(errors(file(asset("m", "\"m\""))),
-              (Lines{place + ": expected connections without a cycle, found \"m\" > \"m\""}));
+              (Lines{place + "/0" + noFile + "\"x\"",
+                     "a.json: /textures/0/properties/p/connected" + noFile + "\"\""}));
+    EXPECT_EQ(errors(file(asset("m", "\"m\""))), Lines{place + cycle + "\"m\""});
     EXPECT_EQ(errors(file(asset("m", "\"t\"")), file("", asset("t", R"({"schema": "S", "properties":
                           {"c": {"type": "text", "connected": "m"}}})"))),
-              (Lines{"b.json: /textures/0/properties/c/connected/properties/c/connected: expected "
-                     "connections without a cycle, found \"m\" > \"t\" > \"m\""}));
+              Lines{"b.json: /textures/0/properties/p/connected/properties/c/connected" + cycle +
+                    "\"t\" > \"m\""});
     // Two ways to one texture are none.
     EXPECT_EQ(errors(file(asset("m", R"(["a", "b"])"), asset("a", "\"b\"") + "," + asset("b"))),
               Lines());
     // An id that may be in the file that could not be read is no error of this one.
     EXPECT_EQ(errors(file(asset("m", "\"x\"")), "[").size(), 1u);
     EXPECT_EQ(errors(file(asset("m")), file(asset("m"))),
-              (Lines{"b.json: /materials/0/id: expected an id of its own, \"m\" belongs to a.json: "
-                     "/materials/0"}));
+              Lines{"b.json: /materials/0/id: expected an id of its own, \"m\" belongs to a.json: "
+                    "/materials/0"});
 }
 
 TEST(AssetConnections, MayBeLongChains)
 {
     constexpr int length = 100000;
-    const auto chain = [](const std::string& last)
+    const auto errors = [](const std::string& last)
     {
         std::string textures = asset("t0", last);
         for (int i = 1; i < length; ++i)
             textures += "," + asset("t" + std::to_string(i), "\"t" + std::to_string(i - 1) + "\"");
-        return file("", textures);
+        AssetFiles files;
+        return files.add("a.json", file("", textures)).errors();
     };
-    AssetFiles good;
-    EXPECT_EQ(good.add("a.json", chain("")).errors(), std::vector<std::string>());
-    AssetFiles bad;
-    const auto errors =
-        bad.add("a.json", chain("\"t" + std::to_string(length - 1) + "\"")).errors();
-    ASSERT_EQ(errors.size(), 1u);
-    EXPECT_LT(errors[0].size(), 300u);
+    EXPECT_EQ(errors("[]"), Lines());
+    const Lines cycle = errors("\"t" + std::to_string(length - 1) + "\"");
+    ASSERT_EQ(cycle.size(), 1u);
+    EXPECT_LT(cycle[0].size(), 300u);
+}
+
+/// Two materials that share a texture.
+Library sharedTexture()
+{
+    AssetFiles files;
+    files.add("f.json", file(asset("a", "\"t\"") + "," + asset("b", "\"t\""), asset("t")));
+    return files.library();
+}
+
+TEST(AssetConnections, OutliveTheLibrary)
+{
+    AssetPointer clone, texture;
+    {
+        const Library library = sharedTexture();
+        clone.reset(library.materials()[0].asset->Clone());
+        EXPECT_NE(clone.get(), library.materials()[0].asset);
+        texture = connectedAsset(*clone->FindProperty("p"));
+        EXPECT_EQ(library.referenceCount(), 2u);
+        // One texture is one object, whoever asks.
+        EXPECT_EQ(connectedAsset(*find(library, "p", 1)), texture);
+    }
+    EXPECT_EQ(text(*clone, &platform::IAssetInstance::GetIdentifier), "a");
+    clone.reset();
+    EXPECT_EQ(text(*texture, &platform::IAssetInstance::GetIdentifier), "t");
+    const AssetPointer copy(texture->Clone());
+    texture.reset();
+    EXPECT_TRUE(copy->FindProperty("VersionGUID"));
+}
+
+TEST(AssetConnections, AreReadClonedAndReleasedBySeveralThreads)
+{
+    const Library library = sharedTexture();
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (std::size_t number = 0; number < 4; ++number)
+        threads.emplace_back(
+            [&, number]
+            {
+                for (int i = 0; i < 2000; ++i)
+                {
+                    AssetPointer clone(library.materials()[number % 2].asset->Clone());
+                    const AssetPointer texture = connectedAsset(*clone->FindProperty("p"));
+                    clone.reset();
+                    if (text(*texture, &platform::IAssetInstance::GetIdentifier) != "t")
+                        ++wrong;
+                }
+            });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(library.referenceCount(), 0u);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <memory>
 
 #include <kelvor/platform/assets/IProperty.h>
 #include <vyr/assetlib/Library.h>
@@ -15,9 +16,8 @@ using kelvor::platform::core::string::UTF8String;
 namespace
 {
 
-bool holdsAsset(const platform::IAssetInstance& asset);
-
-bool holdsTable(const platform::IPropertyConstTable& table)
+/// Whether a table finds what it lists, and so do all assets that it is connected to.
+bool holds(const platform::IPropertyConstTable& table)
 {
     for (std::size_t i = 0; i < table.GetPropertyCount(); ++i)
     {
@@ -28,21 +28,13 @@ bool holdsTable(const platform::IPropertyConstTable& table)
             return false;
         for (std::size_t k = 0; k < property->GetConnectionCount(); ++k)
         {
-            platform::IAssetInstance* connected = property->GetConnectedAsset(k);
-            const bool holds = connected && holdsAsset(*connected);
-            if (connected)
-                connected->Release();
-            if (!holds)
+            const std::unique_ptr<platform::IAssetInstance, platform::IAssetInstanceDeleter>
+                connected(property->GetConnectedAsset(k));
+            if (!connected || !connected->GetDefinition() || !holds(*connected))
                 return false;
         }
     }
     return true;
-}
-
-bool holdsAsset(const platform::IAssetInstance& asset)
-{
-    const platform::IPropertyConstTable* generic = asset.GetGenericPropertyTable();
-    return asset.GetDefinition() && holdsTable(asset) && (!generic || holdsTable(*generic));
 }
 
 bool isOneLine(const std::string& text)
@@ -71,7 +63,9 @@ std::string checkAssetFile(const std::filesystem::path& file, const std::string&
         return {};
     for (const Material& material : result.library->materials())
     {
-        if (!holdsAsset(*material.asset) || result.library->findMaterial(material.id) != &material)
+        const platform::IPropertyConstTable* generic = material.asset->GetGenericPropertyTable();
+        if (!holds(*material.asset) || (generic && !holds(*generic)) ||
+            result.library->findMaterial(material.id) != &material)
             return "material: " + material.id;
     }
     return result.library->referenceCount() == 0 ? "" : "references are left";
