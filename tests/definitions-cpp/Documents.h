@@ -1,27 +1,25 @@
 #pragma once
 
-/// @file
-/// Documents as the converter writes them, for the tests of definitions.
-
+#include <map>
 #include <string>
 #include <vector>
 
 #include <MaterialXCore/Document.h>
 
+#include <MaterialTranslation/Validation.h>
+
 namespace vyr::tests
 {
 
-struct Sample
-{
-    std::string name;
-    MaterialX::DocumentPtr document;
-};
+/// By shading node, a document of it with a graph of all textures, and every input with a value, a
+/// unit and a colour space as the converter writes them.
+std::map<std::string, MaterialX::DocumentPtr> samples();
 
-/// One document of each shading node, with a graph of textures and every unit and colour space that
-/// the converter writes.
-std::vector<Sample> samples();
-
-/// A document with `content` between the tags of its root.
+/// The text of a document with `content` between the tags of its root, and the document.
+std::string textOf(const std::string& content);
 MaterialX::DocumentPtr documentOf(const std::string& content);
+
+/// "path: code: text" of each message.
+std::vector<std::string> lines(const std::vector<MaterialTranslation::ValidationMessage>& messages);
 
 } // namespace vyr::tests

@@ -22,16 +22,6 @@ const std::map<std::string, mt::NodeForm> forms = {
     {"standard", mt::NodeForm::Standard},
 };
 
-void transform(const std::string& line, mt::NodeForm form)
-{
-    const std::size_t tab = line.find('\t');
-    const mx::DocumentPtr document = mx::createDocument();
-    mx::readFromXmlFile(document, line.substr(0, tab));
-    for (const mt::ValidationMessage& message : mt::applyNodeForm(document, form))
-        std::cerr << message.path << ": " << message.text << '\n';
-    mx::writeToXmlFile(document, line.substr(tab + 1));
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -41,7 +31,12 @@ int main(int argc, char** argv)
         const mt::NodeForm form = forms.at(argc == 2 ? argv[1] : "");
         for (std::string line; std::getline(std::cin, line);)
         {
-            transform(line, form);
+            const std::size_t tab = line.find('\t');
+            const mx::DocumentPtr document = mx::createDocument();
+            mx::readFromXmlFile(document, line.substr(0, tab));
+            for (const mt::ValidationMessage& message : mt::applyNodeForm(document, form))
+                std::cerr << message.path << ": " << message.text << '\n';
+            mx::writeToXmlFile(document, line.substr(tab + 1));
             std::cout << "done" << std::endl;
         }
     }
