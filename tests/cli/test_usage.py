@@ -21,45 +21,24 @@ class Usage(ToolTest):
 
     def test_wrong_arguments(self):
         self.refused("subcommand is required")
-        self.refused("bogus", "bogus")
         self.refused("--output is required", "convert", "lib.json")
         self.refused("FILE is required", "convert", "--output", "out")
-        self.refused("FILE is required", "list")
-        for message, option in [
-            ("--bogus", "--bogus"),
-            ("--output", "--output=other"),
-            ("--report", "--report="),
-            ("--asset", "--asset="),
-            ('looks like an option ("./-x"', "--report=-x"),
-            ("--texture-path", "--texture-path="),
-            ("--jobs", "--jobs=0"),
-            ("--jobs", "--jobs=1025"),
-            ("--jobs", "--jobs=nan"),
-            ("--jobs", "--jobs=1.5"),
-            ("--jobs", "--jobs=-1"),
-            ("--jobs", "--jobs="),
-            ("--image-size", "--image-size=0"),
-            ("--image-size", "--image-size=99999999999999999999"),
-            ("--color-mode", "--color-mode=2x"),
-            ("--color-mode", "--color-mode=0x2"),
-            ("--roughness-mode", "--roughness-mode=3000000000"),
-        ]:
-            self.refused(message, "convert", "lib.json", "--output", "out", option)
+        self.refused('looks like an option ("./-x"', "convert", "lib.json", "--output", "out", "--report=-x")
+        for option in ("--bogus", "--output=other", "--report=", "--asset=", "--texture-path=", "--jobs=0", "--jobs=1025",
+                       "--jobs=nan", "--jobs=1.5", "--jobs=-1", "--image-size=0", "--image-size=99999999999999999999",
+                       "--color-mode=2x", "--color-mode=0x2", "--roughness-mode=3000000000", "--nodes=flat"):  # fmt: skip
+            self.refused(option.split("=")[0], "convert", "lib.json", "--output", "out", option)
         for output in ("--output=-x", "--output=", "-o-x"):
             self.refused("--output", "convert", "lib.json", output)
         for message, *arguments in [
-            ("subcommand is required",),
             ("--resolution, or --width and --height", "noise", "--width", 8),
             ("--resolution", "noise", "--resolution", 0),
-            ("--resolution", "noise", "--resolution", 16385),
             ("--phase", "noise", "--resolution", 8, "--phase", "inf"),
-            ("--phase", "noise", "--resolution", 8, "--phase", "1e99"),
             ("--color1", "noise", "--resolution", 8, "--color1", 1, 0),
             ("--type", "noise", "--resolution", 8, "--type", "white"),
             ("--bump-scale", "normal", "lib.json", "--bump-scale", 1),
             ("IMAGE is required", "normal"),
             ("missing.png: ", "normal", "missing.png"),
-            (".: ", "normal", "."),
         ]:
             self.refused(message, "bake", *arguments, "--output", "out.png")
 
@@ -68,8 +47,8 @@ class Usage(ToolTest):
         (self.folder / "latin.json").write_bytes(b'{"assetLibrary": 1, "$schema": "\xe9"}')
         self.library({"schema": "GenericSchema"}, material("a", "Wall"), file="twice.json")
         for message, files in [
-            ("missing.json: ", ["missing.json"]),
-            (".: ", ["."]),
+            ("missing.json: ", ["missing.json", "lib.json", "lost.json"]),
+            ("lost.json: ", ["missing.json", "lib.json", "lost.json"]),
             ("truncated.json:1:", ["truncated.json"]),
             ("latin.json:", ["lib.json", "latin.json"]),
             ("twice.json: /materials/0", ["twice.json"]),
@@ -77,10 +56,6 @@ class Usage(ToolTest):
         ]:
             for command in (["convert", "--output", "out"], ["overlay", "--output", "out"], ["list"]):
                 self.refused(message, *command, *files)
-
-    def test_all_errors_are_told(self):
-        result = self.tool("list", "missing.json", "lib.json", "lost.json", status=2)
-        self.assertEqual([line.split(":")[0] for line in result.stderr.splitlines()], ["missing.json", "lost.json"])
 
     def test_places_that_cannot_be_written(self):
         (self.folder / "file").touch()

@@ -7,11 +7,9 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
-#include <map>
 #include <string>
 #include <utility>
-#include <variant>
+#include <vector>
 
 #include <kelvor/platform/assets/IAssetDefinition.h>
 #include <kelvor/platform/assets/IAssetInstance.h>
@@ -25,36 +23,16 @@ namespace consumer
 
 namespace assets = kelvor::platform::assets;
 using kelvor::platform::core::string::UTF8String;
-
 using Color = std::array<double, 3>;
-using Content = std::variant<double, Color>;
 
-/// What a number and a colour have in common; each overrides what it can deliver.
 template <class Interface> class Value : public Interface
 {
   public:
+    explicit Value(const Color& color) : _color(color) {}
+
     std::size_t GetComponentCount() const override { return 1; }
     std::uint32_t GetUnit() const override { return assets::eUnit_None; }
     bool GetBoolean(std::size_t) const override { return false; }
-    void GetColor(std::size_t, double&, double&, double&, double&) const override {}
-};
-
-class ScalarValue final : public Value<assets::IScalarValue>
-{
-  public:
-    explicit ScalarValue(double number) : _number(number) {}
-
-    double GetScalar(std::size_t) const override { return _number; }
-
-  private:
-    double _number;
-};
-
-class ColorValue final : public Value<assets::IValue>
-{
-  public:
-    explicit ColorValue(const Color& color) : _color(color) {}
-
     void GetColor(std::size_t, double& red, double& green, double& blue,
                   double& alpha) const override
     {
@@ -64,30 +42,33 @@ class ColorValue final : public Value<assets::IValue>
         alpha = 1;
     }
 
-  private:
+  protected:
     Color _color;
+};
+
+class Number final : public Value<assets::IScalarValue>
+{
+  public:
+    using Value::Value;
+    double GetScalar(std::size_t) const override { return _color[0]; }
 };
 
 class Property final : public assets::IProperty
 {
   public:
-    Property(std::string name, const Content& content) : _name(std::move(name))
+    /// A number is the first component.
+    Property(const char* name, std::uint32_t type, const Color& content)
+        : _name(name), _type(type), _number(content), _color(content)
     {
-        if (const double* number = std::get_if<double>(&content))
-            _value.emplace<ScalarValue>(*number);
-        else
-            _value.emplace<ColorValue>(std::get<Color>(content));
     }
 
+    bool isCalled(const UTF8String& name) const { return name.str() == _name; }
     void GetIdentifier(UTF8String& identifier) const override { identifier = UTF8String(_name); }
-    std::uint32_t GetType() const override
-    {
-        return std::holds_alternative<ColorValue>(_value) ? assets::ePropertyType_Color
-                                                          : assets::ePropertyType_Scalar;
-    }
+    std::uint32_t GetType() const override { return _type; }
     const assets::IValue* GetValue() const override
     {
-        return std::visit([](const assets::IValue& value) { return &value; }, _value);
+        return _type == assets::ePropertyType_Color ? &_color
+                                                    : static_cast<const assets::IValue*>(&_number);
     }
     bool HasConnections() const override { return false; }
     std::size_t GetConnectionCount() const override { return 0; }
@@ -95,7 +76,9 @@ class Property final : public assets::IProperty
 
   private:
     std::string _name;
-    std::variant<ScalarValue, ColorValue> _value = ScalarValue(0);
+    std::uint32_t _type;
+    Number _number;
+    Value<assets::IValue> _color;
 };
 
 class GenericDefinition final : public assets::IAssetDefinition
@@ -107,23 +90,17 @@ class GenericDefinition final : public assets::IAssetDefinition
 class Asset final : public assets::IAssetInstance
 {
   public:
-    using Properties = std::map<std::string, Content>;
+    using Properties = std::vector<Property>;
 
-    Asset(std::string name, const Properties& contents)
-        : _name(std::move(name)), _contents(contents)
-    {
-        for (const auto& [key, content] : contents)
-            _properties.try_emplace(key, key, content);
-    }
+    explicit Asset(Properties properties) : _properties(std::move(properties)) {}
 
     void Release() override
     {
         if (--_references == 0)
             delete this;
     }
-    IAssetInstance* Clone() const override { return new Asset(_name, _contents); }
-
-    void GetDisplayName(UTF8String& name, const char*) const override { name = UTF8String(_name); }
+    IAssetInstance* Clone() const override { return new Asset(_properties); }
+    void GetDisplayName(UTF8String& name, const char*) const override { name = "Red Paint"; }
     void GetDescription(UTF8String& description) const override { description = "One asset"; }
     void GetIdentifier(UTF8String& identifier) const override { identifier = "consumer-1"; }
     const assets::IAssetIdentity* GetIdentity() const override { return nullptr; }
@@ -133,21 +110,21 @@ class Asset final : public assets::IAssetInstance
 
     const assets::IProperty* FindProperty(const UTF8String& name) const override
     {
-        const auto found = _properties.find(name.str());
-        return found == _properties.end() ? nullptr : &found->second;
+        for (const Property& property : _properties)
+            if (property.isCalled(name))
+                return &property;
+        return nullptr;
     }
     std::size_t GetPropertyCount() const override { return _properties.size(); }
     const assets::IProperty* GetProperty(std::size_t index) const override
     {
-        return &std::next(_properties.begin(), static_cast<std::ptrdiff_t>(index))->second;
+        return &_properties[index];
     }
 
   private:
     ~Asset() = default;
 
-    std::string _name;
-    Properties _contents;
-    std::map<std::string, Property> _properties;
+    Properties _properties;
     GenericDefinition _definition;
     std::atomic<int> _references{1};
 };

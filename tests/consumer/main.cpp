@@ -25,9 +25,6 @@ IAssetLibraryManager* GetIAssetLibraryManager()
 namespace
 {
 
-using AssetPointer =
-    std::unique_ptr<consumer::assets::IAssetInstance, consumer::assets::IAssetInstanceDeleter>;
-
 int complain(const char* what)
 {
     std::cerr << "consumer: " << what << '\n';
@@ -41,17 +38,16 @@ int complain(const char* what)
 int main()
 {
     using namespace vyr::MaterialTranslation;
+    using namespace consumer::assets;
 
     ConverterOptions options;
     options.colorMode = 0;
     MaterialXConverter converter(options);
 
-    const AssetPointer asset(
-        new consumer::Asset("Red Paint", {
-                                             {"generic_diffuse", consumer::Color{0.5, 0.25, 0.125}},
-                                             {"generic_glossiness", 0.5},
-                                             {"generic_reflectivity_at_0deg", 0.25},
-                                         }));
+    const std::unique_ptr<consumer::Asset, IAssetInstanceDeleter> asset(
+        new consumer::Asset({{"generic_diffuse", ePropertyType_Color, {0.5, 0.25, 0.125}},
+                             {"generic_glossiness", ePropertyType_Scalar, {0.5}},
+                             {"generic_reflectivity_at_0deg", ePropertyType_Scalar, {0.25}}}));
     const auto document = MaterialX::createDocument();
     if (!converter.TranslateToMaterialX(*asset, converter.getMaterialName(*asset), document))
         return complain("the asset was not converted");

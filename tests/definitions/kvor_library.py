@@ -13,17 +13,9 @@ import MaterialX.PyMaterialXGenShader as mx_gen
 LIBRARIES = Path(__file__).resolve().parents[2] / "libraries"
 STANDARD_SEARCH_PATH = mx.getDefaultDataSearchPath()
 
-# Generator class by the name that it goes by here; two of them share the target "genglsl".
-GENERATORS = {
-    "glsl": "PyMaterialXGenGlsl.GlslShaderGenerator",
-    "essl": "PyMaterialXGenGlsl.EsslShaderGenerator",
-    "vulkan": "PyMaterialXGenGlsl.VkShaderGenerator",
-    "wgsl": "PyMaterialXGenGlsl.WgslShaderGenerator",
-    "osl": "PyMaterialXGenOsl.OslShaderGenerator",
-    "mdl": "PyMaterialXGenMdl.MdlShaderGenerator",
-    "msl": "PyMaterialXGenMsl.MslShaderGenerator",
-    "slang": "PyMaterialXGenSlang.SlangShaderGenerator",
-}
+# Module and class of a generator by the name that it goes by here; some of them share the target "genglsl".
+GENERATORS = {"glsl": "Glsl Glsl", "essl": "Glsl Essl", "vulkan": "Glsl Vk", "wgsl": "Glsl Wgsl", "osl": "Osl Osl",
+              "mdl": "Mdl Mdl", "msl": "Msl Msl", "slang": "Slang Slang"}  # fmt: skip
 
 
 def load(*folders_and_paths):
@@ -33,10 +25,8 @@ def load(*folders_and_paths):
     return library
 
 
-_STANDARD = (mx.getDefaultDataLibraryFolders(), STANDARD_SEARCH_PATH)
-_KVOR = (["kvor"], mx.FileSearchPath(str(LIBRARIES)))
-standard = load(_STANDARD)
-both = load(_STANDARD, _KVOR)
+standard = load((mx.getDefaultDataLibraryFolders(), STANDARD_SEARCH_PATH))
+both = load((mx.getDefaultDataLibraryFolders(), STANDARD_SEARCH_PATH), (["kvor"], mx.FileSearchPath(str(LIBRARIES))))
 
 
 def definitions():
@@ -54,8 +44,8 @@ def document(xml, library=both):
 def generate(doc, path, generator="glsl"):
     """Shader of the element at a path, lengths in metres, colours in lin_rec709."""
     library = doc.getDataLibrary()
-    module, name = GENERATORS[generator].split(".")
-    gen = getattr(import_module("MaterialX." + module), name).create()
+    module, name = GENERATORS[generator].split()
+    gen = getattr(import_module(f"MaterialX.PyMaterialXGen{module}"), f"{name}ShaderGenerator").create()
     colors = mx_gen.DefaultColorManagementSystem.create(gen.getTarget())
     colors.loadLibrary(library)
     gen.setColorManagementSystem(colors)

@@ -48,14 +48,9 @@ def texture(node, type, space="", form=lambda doc: doc, **values):
 
 
 class Placement(unittest.TestCase):
-    def placed(self, low, high, **values):
-        doc = kv.document(f'<kvor:placement name="p" type="vector2">{inputs(**values)}</kvor:placement>')
-        return picture(doc, "p", low=low, high=high)[..., :2]
-
     def test_follows_the_formula(self):
         low, high = (-0.5, 0.25), (2.0, 1.5)
         cases = {
-            "nothing set": ({}, (0, 0), (1, 1), (0, 0), (1, 1), 0),
             "real-world lengths": (
                 dict(realworld_offset=length(2, -4, "inch"), realworld_scale=length(1, 2, "foot")),
                 (2 * INCH, -4 * INCH), (12 * INCH, 24 * INCH), (0, 0), (1, 1), 0),
@@ -67,15 +62,14 @@ class Placement(unittest.TestCase):
             "angle without a unit": (dict(rotation_angle=("float", 90)), (0, 0), (1, 1), (0, 0), (1, 1), np.pi / 2),
             "scales of zero count as one": (
                 dict(realworld_scale=length(0, 2), uv_scale=numbers(3, 0)), (0, 0), (1, 2), (0, 0), (3, 1), 0),
-            "negative scale mirrors": (dict(realworld_scale=length(-2, 1)), (0, 0), (-2, 1), (0, 0), (1, 1), 0),
         }  # fmt: skip
         for name, (values, corner, size, shift, repeats, turn) in cases.items():
             with self.subTest(name):
-                from_corner = texture_coordinates(low, high) - corner
                 cos, sin = np.cos(turn), np.sin(turn)
-                along = from_corner @ np.array([[cos, -sin], [sin, cos]])
+                along = (texture_coordinates(low, high) - corner) @ np.array([[cos, -sin], [sin, cos]])
                 expected = along / size * repeats - shift
-                np.testing.assert_allclose(self.placed(low, high, **values), expected, atol=2e-5)
+                doc = kv.document(f'<kvor:placement name="p" type="vector2">{inputs(**values)}</kvor:placement>')
+                np.testing.assert_allclose(picture(doc, "p", low=low, high=high)[..., :2], expected, atol=2e-5)
 
     def test_every_distance_unit_gives_the_same_picture(self):
         meters = {"nanometer": 1e-9, "micron": 1e-6, "millimeter": 1e-3, "centimeter": 0.01, "inch": INCH,
@@ -190,15 +184,11 @@ class Shading(unittest.TestCase):
             ("metal", dict(surface_rotation=angle(45)), "tangent", (third, third, 0)),
             ("metal", dict(surface_rotation=angle(np.pi / 4, "radians")), "tangent", (third, third, 0)),
             ("metal", dict(surface_normal=("vector3", "0, 0, 0")), "normal", (0, 0, 1)),
-            ("metal", dict(surface_normal=("vector3", "0.6, 0, 0.8")), "normal", (0.6, 0, 0.8)),
             ("opaque", dict(opaque_f0=("float", 0.04)), "specular_IOR", 1.5),
-            ("opaque", dict(opaque_f0=("float", 0)), "specular_IOR", 1),
             ("opaque", dict(opaque_emission=("boolean", "true"), opaque_luminance_modifier=("color3", "1, 0.5, 0")), "emission_color", (0.001, 0.0005, 0)),
             ("opaque", dict(opaque_luminance_modifier=("color3", "1, 0.5, 0")), "emission_color", (0, 0, 0)),
-            ("opaque", dict(opaque_luminance=("float", 250)), "emission", 250),
             ("opaque", dict(opaque_luminance=("float", 2, "footlambert", "luminance")), "emission", 6.85252),
             ("opaque", dict(opaque_translucency=("boolean", "true")), "subsurface", 1),
-            ("layered", dict(layered_fraction=("float", 0.3)), "metalness", 0.3),
             ("layered", dict(layered_fraction=("float", 0.3), layered_fraction_invert=("boolean", "true")), "metalness", 0.7),
             ("layered", dict(layered_fraction=("float", 0.25), layered_diffuse=("color3", "0, 0.4, 1"), layered_bottom_f0=("color3", "1, 0.8, 0")), "base_color", (0.25, 0.5, 0.75)),
             ("layered", dict(surface_rotation=angle(30), layered_rotation=angle(120)), "coat_rotation", 0.25),
