@@ -1,7 +1,4 @@
-#include <clocale>
-
 #include <gtest/gtest.h>
-#include <kelvor/platform/assets/IScalarValue.h>
 
 #include "AssetFiles.h"
 
@@ -180,19 +177,6 @@ TEST(AssetErrors, OfFilesThatCannotBeRead)
               (Lines{"missing.json: no such file", folder + ": expected a file, this is a folder",
                      "empty.json: the file is empty", "bad.json: expected the key \"assetLibrary\"",
                      ": no such file"}));
-}
-
-TEST(AssetErrors, NoneFromDecimalCommasOfTheLocale)
-{
-    AssetFiles files;
-    files.add("f.json", propertyFile(R"({"type": "scalar", "value": 0.5})"));
-    const std::string former = std::setlocale(LC_ALL, nullptr);
-    if (!std::setlocale(LC_ALL, "de_DE.UTF-8"))
-        GTEST_SKIP() << "no locale with decimal commas";
-    const Library library = files.library();
-    std::setlocale(LC_ALL, former.c_str());
-    const platform::IValue* value = find(library, "p")->GetValue();
-    EXPECT_EQ(dynamic_cast<const platform::IScalarValue&>(*value).GetScalar(0), 0.5);
 }
 
 } // namespace

@@ -74,6 +74,7 @@ TEST(NodeForms, ConvertUnits)
         {R"(type="float" value="2" unit="radians" unittype="angle")", "114.592 degree angle", "114.592 degree angle"},
         {R"(type="float" value="2" unit="radian" unittype="angle")", "2 radian angle", "114.592 degree angle"},
         {R"(type="float" value="2" unit="footlambert" unittype="luminance")", "6.85252  ", "6.85252  "},
+        {R"(type="float" value="2" unit="candelapersquarefoot" unittype="luminance")", "21.5278  ", "21.5278  "},
         {R"(type="float" value="2" unittype="luminance")", "2  ", "2  "},
     };
     // clang-format on

@@ -1,20 +1,21 @@
-#include "FuzzCase.h"
-
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <fstream>
+#include <iostream>
 #include <memory>
 
 #include <kelvor/platform/assets/IProperty.h>
 #include <vyr/assetlib/Library.h>
 
-namespace vyr::assetlib::tests
+#include "support/TemporaryFolder.h"
+
+namespace
 {
 
 namespace platform = kelvor::platform::assets;
 using kelvor::platform::core::string::UTF8String;
-
-namespace
-{
+using namespace vyr::assetlib;
 
 /// Whether a table finds what it lists, and so do all assets that it is connected to.
 bool holds(const platform::IPropertyConstTable& table)
@@ -43,8 +44,8 @@ bool isOneLine(const std::string& text)
                                          { return static_cast<unsigned char>(c) < 0x20; });
 }
 
-} // namespace
-
+/// What is wrong with what came of a file's bytes, empty when all holds: a library or errors, each error on
+/// one line with a place inside the file, tables that find what they list, references all given back.
 std::string checkAssetFile(const std::filesystem::path& file, const std::string& bytes)
 {
     // A new file each time: some file systems write a truncated one to the disk at once.
@@ -71,4 +72,18 @@ std::string checkAssetFile(const std::filesystem::path& file, const std::string&
     return result.library->referenceCount() == 0 ? "" : "references are left";
 }
 
-} // namespace vyr::assetlib::tests
+} // namespace
+
+/// What libFuzzer calls, and the test as well.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const vyr::support::TemporaryFolder folder;
+    const std::string bytes(data, data + size);
+    const std::string wrong = checkAssetFile(folder / "f.json", bytes);
+    if (!wrong.empty())
+    {
+        std::cerr << wrong << '\n' << bytes << '\n';
+        std::abort();
+    }
+    return 0;
+}
