@@ -16,9 +16,12 @@ void forEachImage(MaterialX::ConstElementPtr root, const Visitor& visit)
 {
     for (const MaterialX::ElementPtr& element : root->traverseTree())
     {
+        // Few elements are images; what an element is costs more to ask than what it has.
+        if (element->getAttribute(MaterialX::TypedElement::TYPE_ATTRIBUTE) !=
+            MaterialX::FILENAME_TYPE_STRING)
+            continue;
         const MaterialX::InputPtr input = element->asA<MaterialX::Input>();
-        if (input && input->getType() == MaterialX::FILENAME_TYPE_STRING &&
-            !input->getValueString().empty())
+        if (input && !input->getValueString().empty())
             visit(*input);
     }
 }

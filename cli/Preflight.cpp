@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
-#include <set>
 #include <system_error>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "Console.h"
 #include "DocumentNames.h"
@@ -26,9 +26,14 @@ class Preflight
         : _folder(placeOf(pathFromUtf8(command.output) / "*").parent_path())
     {
         for (const std::string& file : command.files)
+        {
             _inputs.push_back(placeOf(pathFromUtf8(file)));
-        if (!command.report.empty())
-            _report = placeOf(pathFromUtf8(command.report));
+            keep(_inputs.back(), "an input file");
+        }
+        if (command.report.empty())
+            return;
+        _report = placeOf(pathFromUtf8(command.report));
+        keep(*_report, "the report");
     }
 
     /// Why the report cannot be written; empty when nothing speaks against it.
@@ -37,7 +42,7 @@ class Preflight
         std::error_code ignored;
         if (!_report)
             return {};
-        if (isInput(*_report))
+        if (std::ranges::find(_inputs, *_report) != _inputs.end())
             return "it is an input file";
         if (fs::exists(*_report, ignored) && !fs::is_regular_file(*_report, ignored) &&
             !fs::is_directory(*_report, ignored))
@@ -52,31 +57,28 @@ class Preflight
 
     /// An image is an input like a library, and must not lie where another material's images go: they
     /// might replace it.
-    /// @param materialFolders of all materials of the run.
+    /// @param names of all materials of the run, which are those of their folders.
     /// @return what is wrong; empty for nothing.
-    std::string imageProblem(const Task& task, const std::set<fs::path>& materialFolders)
+    std::string imageProblem(const Task& task, const std::unordered_set<std::string>& names)
     {
         for (const std::string& reference : reachOf(*task.material->asset).images)
         {
             const fs::path& image = placeOfImage(reference);
             if (image == _report)
                 return "the report would replace its image " + reference;
-            if (image.parent_path() != folderOf(task) &&
-                materialFolders.contains(image.parent_path()))
+            const fs::path folder = image.parent_path();
+            const std::string name = utf8FromPath(folder.filename());
+            if (folder.parent_path() == _folder && name != task.name && names.contains(name))
                 return "its image " + reference + " lies in the folder of another material";
         }
         return {};
     }
 
-    fs::path folderOf(const Task& task) const { return _folder / task.name; }
-
     /// What a document would be written over that must stay; empty for none.
     std::string documentProblem(const Task& task) const
     {
-        const fs::path document = _folder / documentFile(task.name);
-        if (isInput(document))
-            return "an input file";
-        return document == _report ? "the report" : "";
+        const auto kept = _kept.find(documentFile(task.name).native());
+        return kept == _kept.end() ? "" : kept->second;
     }
 
   private:
@@ -89,15 +91,18 @@ class Preflight
         return entry->second;
     }
 
-    bool isInput(const fs::path& place) const
+    void keep(const fs::path& place, const std::string& what)
     {
-        return std::ranges::find(_inputs, place) != _inputs.end();
+        if (place.parent_path() == _folder)
+            _kept.try_emplace(place.filename().native(), what);
     }
 
     fs::path _folder;
     std::vector<fs::path> _inputs;
     std::optional<fs::path> _report;
     std::unordered_map<std::string, fs::path> _images;
+    /// Files in the output folder that are not to be replaced, and what they are.
+    std::unordered_map<fs::path::string_type, std::string> _kept;
 };
 
 } // namespace
@@ -110,12 +115,12 @@ bool filesAreApart(const ConvertCommand& command, const std::vector<Task>& tasks
         complain("vyr-mtlx: --report " + command.report + ": " + problem);
         return false;
     }
-    std::set<fs::path> folders;
+    std::unordered_set<std::string> names;
     for (const Task& task : tasks)
-        folders.insert(preflight.folderOf(task));
+        names.insert(task.name);
     for (const Task& task : tasks)
     {
-        std::string problem = preflight.imageProblem(task, folders);
+        std::string problem = preflight.imageProblem(task, names);
         if (const std::string replaced = preflight.documentProblem(task); !replaced.empty())
             problem = "its document would replace " + replaced;
         if (problem.empty())

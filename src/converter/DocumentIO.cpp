@@ -1,6 +1,7 @@
 #include <MaterialTranslation/DocumentIO.h>
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 #include <MaterialXFormat/XmlIo.h>
@@ -13,37 +14,36 @@ namespace vyr::MaterialTranslation
 namespace
 {
 
-/// Takes the first `length` characters off a text.
-std::string_view take(std::string_view& text, std::size_t length)
-{
-    const std::string_view taken = text.substr(0, length);
-    text.remove_prefix(taken.size());
-    return taken;
-}
-
 /// MaterialX leaves "<" in attribute values as it is, which its own reader takes, but XML does not
 /// allow.
-/// @param rest tags, comments and white space.
-std::string escapeAttributes(std::string_view rest)
+/// @param text tags, comments and white space.
+std::string escapeAttributes(std::string text)
 {
-    constexpr std::string_view commentStart = "<!--";
     constexpr std::string_view commentEnd = "-->";
+    const std::string_view all = text;
     std::string result;
-    result.reserve(rest.size());
-    while (!rest.empty())
+    std::size_t done = 0; // what of the text is in the result
+    for (std::size_t at = 0; at < all.size();)
     {
-        result += take(rest, std::min(rest.find('"'), rest.find(commentStart)));
-        if (rest.starts_with(commentStart))
+        const std::size_t open = std::min(all.find('"', at), all.size());
+        // The quotes in a comment enclose nothing.
+        if (const auto comment = all.substr(at, open - at).find("<!--"); comment != all.npos)
         {
-            result += take(rest, rest.find(commentEnd));
+            at = std::min(all.find(commentEnd, at + comment), all.size());
             continue;
         }
-        result += take(rest, 1); // the opening quote
-        for (const char c : take(rest, rest.find('"')))
-            result += c == '<' ? std::string_view("&lt;") : std::string_view(&c, 1);
-        result += take(rest, 1); // the closing one
+        at = std::min(all.find('"', open + 1), all.size());
+        const std::string_view value = all.substr(0, at);
+        for (auto less = value.find('<', open); less != value.npos; less = value.find('<', done))
+        {
+            result.append(all, done, less - done).append("&lt;");
+            done = less + 1;
+        }
+        ++at;
     }
-    return result;
+    if (done == 0)
+        return text;
+    return result.append(all, done);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <string>
 #include <utility>
 
 #include "core/ReplaceFile.h"
@@ -89,8 +90,8 @@ class MachineFile : public NewFile
     /// Takes the file behind `path` for this process, empty. A symbolic link is not followed.
     std::error_code open(const fs::path& path)
     {
-        constexpr mode_t mode = 0666;
-        _descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, mode);
+        _descriptor =
+            ::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, permissions);
         if (_descriptor < 0)
             return lastError();
         const bool taken = ::flock(_descriptor, LOCK_EX | LOCK_NB) == 0;
@@ -118,6 +119,24 @@ class MachineFile : public NewFile
     }
 
 #if defined(__linux__)
+    /// A file without a name, of which nothing is left when the process dies. Not every file system has such.
+    std::error_code openUnnamed(const fs::path& folder)
+    {
+        _descriptor = ::open(folder.empty() ? "." : folder.c_str(),
+                             O_TMPFILE | O_WRONLY | O_CLOEXEC, permissions);
+        return _descriptor < 0 ? lastError() : std::error_code();
+    }
+
+    /// Gives such a file a name that nothing has yet.
+    std::error_code giveName(const fs::path& path) const
+    {
+        // The name of the descriptor: linking the descriptor itself is a privilege.
+        const std::string own = "/proc/self/fd/" + std::to_string(_descriptor);
+        return ::linkat(AT_FDCWD, own.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0
+                   ? std::error_code()
+                   : lastError();
+    }
+
     /// The kernel copies within itself, and only shares the blocks where the file system can.
     std::error_code copyFrom(const fs::path& file) override
     {
@@ -147,6 +166,9 @@ class MachineFile : public NewFile
     }
 
   private:
+    /// Less what the process withholds from new files.
+    static constexpr mode_t permissions = 0666;
+
     static bool isStill(const fs::path& path, const struct stat& opened)
     {
         struct stat named = {};
@@ -181,6 +203,18 @@ class MachineFileSystem : public FileSystem
         std::error_code ignored;
         fs::remove(path, ignored);
     }
+
+#if defined(__linux__)
+    bool writeNew(const fs::path& path, std::string_view bytes) override
+    {
+        struct stat former = {};
+        if (::lstat(path.c_str(), &former) == 0)
+            return false; // asking costs less than writing in vain
+        MachineFile file;
+        return !file.openUnnamed(path.parent_path()) && !file.write(bytes) && !file.close() &&
+               !file.giveName(path);
+    }
+#endif
 };
 
 } // namespace

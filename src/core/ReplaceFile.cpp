@@ -71,6 +71,11 @@ std::error_code NewFile::copyFrom(const fs::path& file)
     return source.bad() ? std::make_error_code(std::errc::io_error) : std::error_code();
 }
 
+bool FileSystem::writeNew(const fs::path& /*path*/, std::string_view /*bytes*/)
+{
+    return false;
+}
+
 fs::path temporaryBeside(const fs::path& file, int attempt)
 {
     std::array<char, 16> digits{};
@@ -104,6 +109,8 @@ std::error_code replaceFile(const fs::path& file, const Content& content,
 
 void writeFileAtomically(const fs::path& file, std::string_view bytes, FileSystem& files)
 {
+    if (files.writeNew(file, bytes))
+        return;
     const auto error =
         replaceFile(file, [&](NewFile& target) { return target.write(bytes); }, {}, files);
     if (error)

@@ -34,6 +34,9 @@ class FileSystem
     virtual std::error_code rename(const std::filesystem::path& from,
                                    const std::filesystem::path& to) = 0;
     virtual void remove(const std::filesystem::path& path) = 0;
+    /// Makes a file that is not there yet, which has no name before all of its content is in it.
+    /// @return whether it was made. If not, nothing has changed, and replacing the file tells why.
+    virtual bool writeNew(const std::filesystem::path& path, std::string_view bytes);
 };
 
 /// The file system of the machine.
@@ -55,7 +58,7 @@ std::error_code replaceFile(
     const std::function<void(const std::filesystem::path&)>& beforeRename = {},
     FileSystem& files = machineFileSystem());
 
-/// The same for bytes that are at hand.
+/// The same for bytes that are at hand; without a temporary name where the system can.
 /// @throws std::filesystem::filesystem_error "cannot write", with the file's path.
 void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes,
                          FileSystem& files = machineFileSystem());

@@ -149,18 +149,22 @@ TEST_F(MachineFiles, AreReplacedButFoldersAndLinksTargetsAreNot)
     _folder.write(temporaryBeside("a"), "left behind by a killed run, and much longer");
     _folder.write("a", "old and longer");
     fs::create_symlink(mine, _folder / "link");
-    for (const char* name : {"a", "link", "new"})
+    fs::create_symlink("nowhere", _folder / "dangling");
+    for (const char* name : {"a", "link", "dangling", "new"})
     {
         writeFileAtomically(_folder / name, "new");
         EXPECT_EQ(readFile(_folder / name), "new");
+        EXPECT_EQ(fs::symlink_status(_folder / name).type(), fs::file_type::regular);
+        EXPECT_EQ(fs::status(_folder / name).permissions(), fs::status(mine).permissions());
     }
-    fs::create_symlink(mine, temporaryBeside(_folder / "b"));
-    for (const char* name : {"folder", "missing/a", "b"})
+    for (const char* name : {"folder", "missing/a"})
         EXPECT_THROW(writeFileAtomically(_folder / name, "x"), fs::filesystem_error) << name;
+    fs::create_symlink(mine, temporaryBeside(_folder / "b"));
+    EXPECT_TRUE(replaceFile(_folder / "b", writing("x")));
     fs::remove(temporaryBeside(_folder / "b"));
     EXPECT_EQ(readFile(mine), "mine");
     EXPECT_EQ(_folder.entries(),
-              (std::vector<std::string>{"a", "folder", "folder/mine", "link", "new"}));
+              (std::vector<std::string>{"a", "dangling", "folder", "folder/mine", "link", "new"}));
 }
 
 /// A writer within a writer stands for another process at the worst moment.
@@ -224,9 +228,21 @@ TEST_F(MachineFiles, OfAFullDiskAreReportedAndRemoved)
             mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=1m") != 0)
             _exit(mayNotMount);
         const auto full = std::errc::no_space_on_device;
+        const auto writeNew = [&]
+        {
+            try
+            {
+                writeFileAtomically(disk / "c", bytes);
+            }
+            catch (const fs::filesystem_error& error)
+            {
+                return error.code();
+            }
+            return std::error_code();
+        };
         _exit((replaceFile(disk / "a", writing(bytes)) == full ? 0 : 1) +
               (copyFileAtomically(large, disk / "b") == full ? 0 : 2) +
-              (fs::is_empty(disk) ? 0 : 4));
+              (writeNew() == full ? 0 : 4) + (fs::is_empty(disk) ? 0 : 8));
     }
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
