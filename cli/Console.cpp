@@ -84,7 +84,8 @@ void Results::write(std::string_view text)
 
 bool Results::onTerminal()
 {
-    return isTerminal(stdout);
+    static const bool terminal = isTerminal(stdout);
+    return terminal;
 }
 
 Progress::Progress(bool wanted, std::size_t total)

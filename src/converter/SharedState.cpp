@@ -9,10 +9,10 @@ namespace vyr::MaterialTranslation::converter
 
 void RegisteredAssets::append(std::string name, assets::AssetHandle asset)
 {
-    _entries.push_back({name, std::move(asset)});
+    _entries.push_back({std::move(name), std::move(asset)});
     try
     {
-        _names.insert(std::move(name));
+        _names.insert(_entries.back().name);
     }
     catch (...)
     {

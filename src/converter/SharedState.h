@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 
 #include <MaterialTranslation/MaterialXConverter.h>
@@ -23,7 +24,7 @@ class RegisteredAssets
         assets::AssetHandle asset;
     };
 
-    bool contains(const std::string& name) const { return _names.contains(name); }
+    bool contains(std::string_view name) const { return _names.contains(name); }
     bool empty() const { return _entries.empty(); }
     std::size_t size() const { return _entries.size(); }
     const Entry& front() const { return _entries.front(); }
@@ -37,7 +38,8 @@ class RegisteredAssets
 
   private:
     std::deque<Entry> _entries;
-    std::unordered_set<std::string> _names;
+    /// Of the entries, which stay where they are as long as they are listed.
+    std::unordered_set<std::string_view> _names;
 };
 
 /// What all converter objects of the process share. Members are destroyed from the last to the
