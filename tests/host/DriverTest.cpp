@@ -1,6 +1,4 @@
 #include <filesystem>
-#include <string>
-#include <vector>
 
 #include "host/HostTest.h"
 
@@ -29,8 +27,6 @@ TEST_F(Driver, TakesAnyExistingFolderAndLeavesNoFile)
     fs::create_directory_symlink(wide, _folder / "link");
     for (const fs::path& folder : {_folder.path(), wide, _folder / "link", fs::path(".")})
         EXPECT_TRUE(into(folder).succeeded) << folder;
-    EXPECT_TRUE(
-        translate(AssetBuilder().build(), with(&ConverterOptions::copyTextures, true)).succeeded);
     EXPECT_EQ(_folder.entries().size(), 2u);
 }
 
@@ -42,7 +38,7 @@ TEST_F(Driver, RefusesWhatIsNoFolderBeforeAnythingIsDone)
     {
         const Translation translation = into(_folder / name);
         EXPECT_FALSE(translation.succeeded) << name;
-        EXPECT_EQ(xmlOf(translation.document), xmlOf(mx::createDocument())) << name;
+        EXPECT_TRUE(*translation.document == *mx::createDocument()) << name;
         const Diagnostic reason = translation.first(DiagnosticCode::OutputDirectory);
         EXPECT_NE(reason.text.find(name), std::string::npos) << reason.text;
     }
@@ -51,25 +47,26 @@ TEST_F(Driver, RefusesWhatIsNoFolderBeforeAnythingIsDone)
 
     fs::create_symlink(_folder / "loop", _folder / "loop");
     EXPECT_THROW(into(_folder / "loop"), fs::filesystem_error) << "it cannot be looked at";
-    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::Exception});
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::Exception});
 }
 
 /// The first translation settles the directory for the life of the instance.
 TEST_F(Driver, AnEmptyDirectoryBecomesTheTemporaryOneForGood)
 {
-    fs::create_directory(_folder / "first");
-    fs::create_directory(_folder / "second");
     ConverterOptions options;
     MaterialXConverter converter(options);
-    const AssetPtr asset = AssetBuilder().build();
+    const auto translates = [&](const char* temporary)
     {
-        const TemporaryDirectoryOverride redirect(_folder / "first");
-        EXPECT_TRUE(converter.TranslateToMaterialX(*asset, "A", mx::createDocument()));
+        const TemporaryDirectoryOverride redirect(_folder / temporary);
+        return converter.TranslateToMaterialX(*AssetBuilder().build(), "M", mx::createDocument());
+    };
+    for (const char* temporary : {"first", "second"})
+    {
+        fs::create_directory(_folder / temporary);
+        EXPECT_TRUE(translates(temporary));
     }
-    const TemporaryDirectoryOverride redirect(_folder / "second");
-    EXPECT_TRUE(converter.TranslateToMaterialX(*asset, "B", mx::createDocument()));
     fs::remove(_folder / "first");
-    EXPECT_FALSE(converter.TranslateToMaterialX(*asset, "C", mx::createDocument()));
+    EXPECT_FALSE(translates("second"));
 }
 
 TEST_F(Driver, NeedsADocument)
@@ -77,7 +74,7 @@ TEST_F(Driver, NeedsADocument)
     ConverterOptions options = plainOptions();
     EXPECT_FALSE(
         MaterialXConverter(options).TranslateToMaterialX(*AssetBuilder().build(), "M", nullptr));
-    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NoDocument});
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::NoDocument});
 }
 
 /// "Lyrex" schemas have a translator of their own whatever the path; the others need their table.
@@ -101,9 +98,8 @@ TEST_F(Driver, ChoosesTheTranslatorByTheExactSchemaAndThePath)
             translate(AssetBuilder(schema).generic().scalar("generic_glossiness", 0.5).build(),
                       with(&ConverterOptions::translationPath, path));
         EXPECT_EQ(translation.succeeded, succeeds) << schema << path << translation.report();
-        const mx::NodePtr shader = translation.document->getNode("M_shader");
-        EXPECT_EQ(shader && shader->getCategory() == "standard_surface", isGeneric) << schema;
-        EXPECT_EQ(translation.count(DiagnosticCode::LegacyUnavailable), succeeds ? 0u : 1u);
+        EXPECT_EQ(translation.document->getNodes("standard_surface").size(), isGeneric) << schema;
+        EXPECT_EQ(translation.count(DiagnosticCode::LegacyUnavailable), !succeeds);
     }
     for (const char* schema : {"genericschema", "GenericSchema ", "Generic", ""})
         translate(AssetBuilder(schema).build()).first(DiagnosticCode::NoGenericProperties);
@@ -123,7 +119,7 @@ TEST_F(Driver, TakesOnlyIdentifiersAsNames)
         const Translation translation = translate(AssetBuilder().build(), plainOptions(), name);
         EXPECT_FALSE(translation.succeeded) << name;
         translation.first(DiagnosticCode::NameInvalid);
-        EXPECT_EQ(xmlOf(translation.document), xmlOf(mx::createDocument()));
+        EXPECT_TRUE(translation.document->getChildren().empty());
     }
 }
 
@@ -139,7 +135,6 @@ TEST_F(Driver, ReducesDisplayNamesToIdentifiers)
         bool useIdentifier;
         std::string expected;
     } cases[] = {
-        {"Brick Wall 01", "x", false, "BrickWall01"},
         {"Ceramic_Tile-3", "x", false, "CeramicTile3"},
         {"3D Metal", "x", false, "M3DMetal"},
         {"-7-", "x", false, "M7"},
@@ -150,8 +145,7 @@ TEST_F(Driver, ReducesDisplayNamesToIdentifiers)
         {"Oak", "mat-12.a", true, "XID_Oak_mat12a"},
         {"3D", "_id_", true, "XID_3D__id_"},
         {"Oak_Wood", "", true, "XID_OakWood_"},
-        {"Line\nbreak\ttab", "x", false, "Linebreaktab"},
-        {"\xFF\xFE\x80 broken UTF-8", "x", false, "brokenUTF8"},
+        {"\xFF\xFE\x80 broken\nUTF-8\t", "x", false, "brokenUTF8"},
         {spaced, "a recursive pattern matcher runs out of stack", false, std::string(200000, 'a')},
     };
     for (const auto& [name, identifier, useIdentifier, expected] : cases)

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <functional>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <variant>
@@ -23,27 +23,27 @@ constexpr const char* refraction = "generic_refraction_index";
 constexpr const char* luminance = "generic_self_illum_luminance";
 constexpr const char* filter = "generic_self_illum_filter_map";
 
-/// Properties in, expected inputs out. A texture is an image of that name.
+/// A texture is an image of that name.
+using Value = std::variant<bool, double, Rgba, const char*>;
+
+/// Properties in, expected inputs out.
 struct RuleCase
 {
-    struct Given
-    {
-        const char* property;
-        std::variant<bool, double, Rgba, const char*> value;
-    };
-    std::vector<Given> given;
+    std::vector<std::pair<const char*, Value>> given;
     std::vector<ExpectedInput> expected;
 };
 
-struct Add
+void add(AssetBuilder& builder, const char* name, const Value& value)
 {
-    AssetBuilder& builder;
-    const char* name;
-    void operator()(bool value) const { builder.boolean(name, value); }
-    void operator()(double value) const { builder.scalar(name, value); }
-    void operator()(const Rgba& c) const { builder.color(name, c[0], c[1], c[2], c[3]); }
-    void operator()(const char* image) const { builder.connect(name, bitmapAsset(image)); }
-};
+    if (const auto* image = std::get_if<const char*>(&value))
+        builder.connect(name, bitmapAsset(*image));
+    else if (const auto* c = std::get_if<Rgba>(&value))
+        builder.color(name, (*c)[0], (*c)[1], (*c)[2], (*c)[3]);
+    else if (const auto* number = std::get_if<double>(&value))
+        builder.scalar(name, *number);
+    else
+        builder.boolean(name, std::get<bool>(value));
+}
 
 class GenericRules : public HostTest
 {
@@ -54,7 +54,7 @@ class GenericRules : public HostTest
         {
             AssetBuilder builder;
             for (const auto& [property, value] : one.given)
-                std::visit(Add{builder, property}, value);
+                add(builder, property, value);
             const Translation translation = translate(builder.build());
             SCOPED_TRACE("case " + std::to_string(&one - cases.data()));
             EXPECT_TRUE(translation.succeeded) << translation.report();
@@ -101,13 +101,11 @@ TEST_F(GenericRules, Reflectivity)
     } cases[] = {
         {false, 0, "0", "0", "0.2"},         {false, -0.0, "0", "0", "0.2"},
         {false, 0.0001, "0", "1", "0.25"},   {false, -0.5, "0", "1", "0.25"},
-        {false, 0.7, "0", "1", "0.25"},      {false, 1, "0", "1", "0.25"},
-        {true, 0, "0", "0", "0.2"},          {true, 0.0001, "0", "1", "0.25"},
-        {true, 0.15, "0", "1", "0.25"},      {true, 0.1555, "0.01", "1", "0.25"},
-        {true, 0.2875, "0.25", "1", "0.25"}, {true, 0.425, "0.5", "1", "0.25"},
+        {false, 0.7, "0", "1", "0.25"},      {true, 0, "0", "0", "0.2"},
+        {true, 0.0001, "0", "1", "0.25"},    {true, 0.15, "0", "1", "0.25"},
+        {true, 0.1555, "0.01", "1", "0.25"}, {true, 0.425, "0.5", "1", "0.25"},
         {true, 0.6945, "0.99", "1", "0.25"}, {true, 0.7, "1", "1", "0.15"},
-        {true, 1, "1", "1", "0.15"},         {true, 1.5, "1", "1", "0.15"},
-        {true, -1, "0", "1", "0.25"},
+        {true, 1.5, "1", "1", "0.15"},       {true, -1, "0", "1", "0.25"},
     };
     for (const auto& one : cases)
         check({{{{reflectivity, one.reflectivity}, {isMetal, one.metal}},
@@ -125,18 +123,16 @@ TEST_F(GenericRules, Reflectivity)
     });
 }
 
-/// Roughness of mode 1 at 1 - glossiness = 0, 0.05, ..., 1.
-const std::vector<double> curve = {0.0,    0.0125, 0.025, 0.0375, 0.05,   0.065, 0.08,
-                                   0.0975, 0.115,  0.134, 0.155,  0.1775, 0.2,   0.23,
-                                   0.26,   0.3,    0.35,  0.41,   0.5,    0.66,  1.0};
-
 TEST_F(GenericRules, GlossinessFollowsTheCurveWithoutAJump)
 {
+    // Roughness of mode 1 at 1 - glossiness = 0, 0.05, ..., 1.
+    const double curve[] = {0.0,    0.0125, 0.025, 0.0375, 0.05,   0.065, 0.08,
+                            0.0975, 0.115,  0.134, 0.155,  0.1775, 0.2,   0.23,
+                            0.26,   0.3,    0.35,  0.41,   0.5,    0.66,  1.0};
     for (int step = 0; step <= 1000; ++step)
     {
-        const double x = (1000 - step) / 50.0;
-        const auto i = std::min(static_cast<std::size_t>(x), curve.size() - 2);
-        const double f = x - static_cast<double>(i);
+        const int i = std::min((1000 - step) / 50, 19);
+        const double f = (1000 - step) / 50.0 - i;
         EXPECT_NEAR(roughness(step / 1000.0, 1), curve[i] + f * (curve[i + 1] - curve[i]), 5e-6)
             << step;
         EXPECT_NEAR(roughness(step / 1000.0, 2), 1 - step / 1000.0, 2e-6) << step;
@@ -208,6 +204,51 @@ TEST_F(GenericRules, PlainCutOutAndBumpChangeNothing)
                                            .scalar("generic_bump_map", 1)
                                            .build());
     EXPECT_EQ(xmlOf(both.document), xmlOf(plain.document));
+}
+
+/// Each mode decodes the asset's colours or states what they are, and touches nothing else.
+TEST_F(GenericRules, ColorModes)
+{
+    const struct
+    {
+        int mode;
+        /// The power that plain values are decoded with.
+        double power;
+        const char* colorSpace;
+    } modes[] = {
+        {0, 1, "lin_rec709"},  {1, 2.2, "lin_rec709"},     {2, 2.4, "lin_rec709"},
+        {3, 1, "g22_rec709"},  {4, 1, "rec709_display"},   {5, 1, "lin_rec709"},
+        {-1, 1, "lin_rec709"}, {1 << 30, 1, "lin_rec709"},
+    };
+    const AssetPtr asset = AssetBuilder()
+                               .color(diffuse, -0.5, 0.25, 1)
+                               .scalar(luminance, 100)
+                               .color(filter, 0.75, 0.01, 0.5)
+                               .scalar(transparency, 0.5)
+                               .build();
+    for (const auto& [mode, power, colorSpace] : modes)
+    {
+        SCOPED_TRACE(mode);
+        const auto decoded = [exponent = power](mx::Color3 color)
+        {
+            for (std::size_t channel = 0; channel < 3; ++channel)
+                if (color[channel] > 0) // no power is defined for what is below
+                    color[channel] = static_cast<float>(std::pow(color[channel], exponent));
+            return mx::toValueString(color);
+        };
+        const Translation translation = translate(asset, with(&ConverterOptions::colorMode, mode));
+        for (const char* input : {"base_color", "emission_color", "transmission_color"})
+            EXPECT_EQ(inputOf(translation.document, "M_shader", input)->getColorSpace(),
+                      colorSpace);
+        EXPECT_TRUE(hasInputs(translation.document, "M_shader",
+                              {{"base_color", decoded({-0.5f, 0.25f, 1})},
+                               {"emission_color", decoded({0.75f, 0.01f, 0.5f})},
+                               {"transmission_color", "1, 1, 1"},
+                               {"transmission", "0.5"},
+                               {"emission", "0.1"}}));
+        EXPECT_EQ(translation.document->getColorSpace(), "lin_rec709");
+        EXPECT_TRUE(isSound(translation.document));
+    }
 }
 
 /// What a texture takes the place of is not read, and what it does not is.

@@ -1,23 +1,11 @@
 #include "host/HostTest.h"
 
-#include <algorithm>
-
 namespace vyr::hosttests
 {
 
-namespace
+Codes lastCodes()
 {
-
-auto hasCode(DiagnosticCode code)
-{
-    return [code](const Diagnostic& diagnostic) { return diagnostic.code == code; };
-}
-
-} // namespace
-
-std::vector<DiagnosticCode> lastCodes()
-{
-    std::vector<DiagnosticCode> codes;
+    Codes codes;
     for (const Diagnostic& diagnostic : lastDiagnostics())
         codes.push_back(diagnostic.code);
     return codes;
@@ -25,15 +13,17 @@ std::vector<DiagnosticCode> lastCodes()
 
 std::size_t Translation::count(DiagnosticCode code) const
 {
-    return static_cast<std::size_t>(
-        std::count_if(diagnostics.begin(), diagnostics.end(), hasCode(code)));
+    std::size_t found = 0;
+    for (const Diagnostic& diagnostic : diagnostics)
+        found += diagnostic.code == code ? 1 : 0;
+    return found;
 }
 
 Diagnostic Translation::first(DiagnosticCode code) const
 {
-    const auto found = std::find_if(diagnostics.begin(), diagnostics.end(), hasCode(code));
-    if (found != diagnostics.end())
-        return *found;
+    for (const Diagnostic& diagnostic : diagnostics)
+        if (diagnostic.code == code)
+            return diagnostic;
     ADD_FAILURE() << "no " << diagnosticCodeName(code) << " among:\n" << report();
     return Diagnostic();
 }
@@ -45,11 +35,6 @@ std::string Translation::report() const
         lines += std::string(diagnosticCodeName(diagnostic.code)) + " [" + diagnostic.asset + "] " +
                  diagnostic.property + ": " + diagnostic.text + "\n";
     return lines;
-}
-
-HostTest::HostTest()
-{
-    resetHost();
 }
 
 void HostTest::TearDown()

@@ -12,7 +12,6 @@
 
 #include "support/AssetBuilder.h"
 #include "support/Documents.h"
-#include "support/Host.h"
 #include "support/TemporaryFolder.h"
 
 namespace vyr::hosttests
@@ -23,7 +22,8 @@ namespace mx = MaterialX;
 using namespace vyr::MaterialTranslation;
 using namespace vyr::support;
 using kelvor::platform::assets::IAssetInstance;
-using kelvor::platform::core::string::UTF8String;
+
+using Codes = std::vector<DiagnosticCode>;
 
 /// A text that public operations fill, and that knows how often they did.
 struct StringSink final : MaterialXConverter::IString
@@ -39,7 +39,7 @@ struct StringSink final : MaterialXConverter::IString
 };
 
 /// The codes of lastDiagnostics().
-std::vector<DiagnosticCode> lastCodes();
+Codes lastCodes();
 
 /// What one translation into an empty document yielded.
 struct Translation
@@ -61,7 +61,7 @@ struct Translation
 class HostTest : public ::testing::Test
 {
   protected:
-    HostTest();
+    HostTest() { resetHost(); }
     void TearDown() override;
 
     /// The defaults, but plain colours taken as linear, so that they are seen as they are, and an

@@ -1,5 +1,4 @@
-#include <string>
-#include <vector>
+#include <filesystem>
 
 #include "host/HostTest.h"
 
@@ -8,6 +7,8 @@ namespace vyr::hosttests
 
 namespace
 {
+
+namespace fs = std::filesystem;
 
 class Registration : public HostTest
 {
@@ -58,7 +59,7 @@ TEST_F(Registration, DrainsInTheOrderOfRegistration)
     EXPECT_EQ(_message.text, direct);
     EXPECT_FALSE(drains(""));
     EXPECT_EQ(_message.assignments, 3);
-    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NothingRegistered});
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::NothingRegistered});
 }
 
 TEST_F(Registration, TheFirstAssetOfANameWins)
@@ -66,7 +67,7 @@ TEST_F(Registration, TheFirstAssetOfANameWins)
     EXPECT_TRUE(registerAsset("Oak 1", "first"));
     EXPECT_TRUE(lastDiagnostics().empty());
     EXPECT_TRUE(registerAsset("Oak_1", "second"));
-    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NameDuplicate});
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::NameDuplicate});
     expectLeft(1);
     EXPECT_EQ(cloneCount(), 1u);
     EXPECT_TRUE(drains("Oak1"));
@@ -85,14 +86,6 @@ TEST_F(Registration, NamesAreThoseOfTheRegisteringInstance)
     EXPECT_TRUE(drains("XID_Oak_1") && drains("XID_Oak_2"));
 }
 
-TEST_F(Registration, AnAssetThatCannotBeClonedIsRefused)
-{
-    EXPECT_FALSE(
-        _converter.RegisterAssetForConversion(*AssetBuilder().withoutClone().build(), _message));
-    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::CloneFailed});
-    expectLeft(0);
-}
-
 /// A text of the host's that cannot take the result.
 struct FailingSink final : MaterialXConverter::IString
 {
@@ -102,10 +95,13 @@ struct FailingSink final : MaterialXConverter::IString
 /// Whatever happens to an entry, it is taken off and does not block the next.
 TEST_F(Registration, FailuresTakeTheEntryOff)
 {
+    EXPECT_FALSE(
+        _converter.RegisterAssetForConversion(*AssetBuilder().withoutClone().build(), _message));
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::CloneFailed});
     for (const char* name : {"Bad", "Unlucky", "Unheard", "Homeless", "Good"})
         registerAsset(name, "id", name == std::string("Bad") ? "CeramicSchema" : "GenericSchema");
     EXPECT_FALSE(drains("Bad"));
-    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::NoGenericProperties});
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::NoGenericProperties});
     expectLeft(4);
     failAfter(0);
     EXPECT_THROW(drains("Unlucky"), HostFault);
@@ -117,7 +113,7 @@ TEST_F(Registration, FailuresTakeTheEntryOff)
         with(&ConverterOptions::outputDirectory, UTF8String(_folder.text() + "/missing"));
     MaterialXConverter other(homeless);
     EXPECT_FALSE(other.SerializeRegisteredAssetsForConversion(_message, nullptr));
-    EXPECT_EQ(lastCodes(), std::vector{DiagnosticCode::OutputDirectory});
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::OutputDirectory});
     expectLeft(1);
     EXPECT_EQ(_message.assignments, 0);
     EXPECT_TRUE(drains("Good"));
@@ -135,6 +131,56 @@ TEST_F(Registration, DestroyingAnyInstanceEmptiesTheSharedList)
         const MaterialXConverter copy(_converter);
     }
     expectLeft(0);
+}
+
+/// Serialisation with the system's temporary directory inside the test's folder.
+class Output : public HostTest
+{
+  protected:
+    Output() { fs::create_directory(_temporary); }
+
+    bool serialise(const std::string& schema = "GenericSchema")
+    {
+        const TemporaryDirectoryOverride redirect(_temporary);
+        MaterialXConverter converter(_options);
+        EXPECT_TRUE(converter.RegisterAssetForConversion(*AssetBuilder(schema).name("Oak").build(),
+                                                         _message));
+        return converter.SerializeRegisteredAssetsForConversion(_message, nullptr);
+    }
+
+    fs::path _temporary = _folder / "temporary";
+    fs::path _file = _temporary / "Oak.mtlx";
+    ConverterOptions _options = with(&ConverterOptions::writeMtlxFile, true);
+    StringSink _message;
+};
+
+/// Whatever was there before, and no file is left over beside it.
+TEST_F(Output, GoesToTheTemporaryDirectoryWhenAskedFor)
+{
+    _folder.write("temporary/Oak.mtlx", std::string(100000, 'x'));
+    ASSERT_TRUE(serialise());
+    EXPECT_EQ(_folder.entries(), (std::vector<std::string>{"temporary", "temporary/Oak.mtlx"}));
+    EXPECT_EQ(readFile(_file), _message.text);
+    EXPECT_FALSE(serialise("CeramicSchema"));
+    EXPECT_EQ(readFile(_file), xmlOf(mx::createDocument())) << "for a failed material too";
+    EXPECT_EQ(_message.assignments, 1);
+
+    fs::remove(_file);
+    _options.writeMtlxFile = false;
+    ASSERT_TRUE(serialise());
+    EXPECT_FALSE(fs::exists(_file));
+}
+
+/// A folder of the file's name stands in the way, then the directory is gone.
+TEST_F(Output, ThatCannotBeWrittenIsAnException)
+{
+    fs::create_directories(_file / "inside");
+    EXPECT_THROW(serialise(), fs::filesystem_error);
+    EXPECT_EQ(registeredAssetCount(), 0u);
+    EXPECT_TRUE(fs::is_directory(_file / "inside")) << "nobody's data is lost over it";
+    fs::remove_all(_temporary);
+    EXPECT_THROW(serialise(), fs::filesystem_error);
+    EXPECT_EQ(registeredAssetCount(), 0u);
 }
 
 } // namespace

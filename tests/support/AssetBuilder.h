@@ -1,19 +1,13 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <utility>
-#include <vector>
+#include <algorithm>
 
 #include <kelvor/platform/assets/PropertyType.h>
 
-#include "support/AssetPool.h"
-#include "support/Values.h"
+#include "support/Assets.h"
 
 namespace vyr::support
 {
-
-namespace kpa = kelvor::platform::assets;
 
 /// Makes assets of the test library, one property a call:
 ///
@@ -45,22 +39,24 @@ class AssetBuilder
     AssetBuilder& withoutIdentity() { return set(_content.identity, std::nullopt); }
     AssetBuilder& withoutDefinition() { return set(_content.definition, std::nullopt); }
     AssetBuilder& withoutClone() { return set(_content.clonable, false); }
+    AssetBuilder& withoutWorkingNames() { return set(_content.hasWorkingNames, false); }
 
     AssetBuilder& scalar(Text name, double value, Unit unit = 0)
     {
         return scalars(name, {value}, unit);
     }
-    AssetBuilder& scalars(Text name, std::vector<double> values, Unit unit = 0)
+    AssetBuilder& scalars(Text name, const std::vector<double>& values, Unit unit = 0)
     {
-        return property(name, kpa::ePropertyType_Scalar, scalarValue(std::move(values), unit));
+        return property(name, kpa::ePropertyType_Scalar, scalarValue(values, unit));
     }
     AssetBuilder& integer(Text name, std::int32_t value)
     {
-        return property(name, kpa::ePropertyType_Integer, integerValue({value}));
+        return property(name, kpa::ePropertyType_Integer,
+                        integerValue({static_cast<double>(value)}));
     }
     AssetBuilder& boolean(Text name, bool value)
     {
-        return property(name, kpa::ePropertyType_Boolean, booleanValue({value}));
+        return property(name, kpa::ePropertyType_Boolean, booleanValue({value ? 1.0 : 0.0}));
     }
     AssetBuilder& color(Text name, double red, double green, double blue, double alpha = 1.0)
     {
@@ -85,12 +81,29 @@ class AssetBuilder
                         choiceValue({"another", selected}, {1}));
     }
     /// Any value, none included, under any type code.
-    AssetBuilder& property(Text name, std::uint32_t type, ValuePtr value);
-    /// Connects an asset to the property of that name; makes a property of type code 9, which has no
-    /// value, when there is none yet. The asset may be shared with others.
-    AssetBuilder& connect(Text name, const AssetPtr& asset);
-    /// How the property that was added last presents its connected assets.
-    AssetBuilder& claiming(Connections claim) { return set(table().back().connections, claim); }
+    AssetBuilder& property(Text name, std::uint32_t type, ValuePtr value)
+    {
+        TestProperty& added = table().emplace_back();
+        added.name = name;
+        added.type = type;
+        return set(added.value, std::move(value));
+    }
+    /// Connects an asset, or null, to the property of that name; makes a property of type code 9,
+    /// which has no value, when there is none yet. The asset may be shared with others.
+    AssetBuilder& connect(Text name, const AssetPtr& asset)
+    {
+        const auto find = [&]
+        {
+            return std::find_if(table().begin(), table().end(),
+                                [&](auto& p) { return p.name == name; });
+        };
+        if (find() == table().end())
+            property(name, kpa::ePropertyType_Reference, nullptr);
+        find()->connected.push_back(shareAsset(asset));
+        return *this;
+    }
+    /// The property that was added last says that it has connections, whatever it has.
+    AssetBuilder& claimingConnections() { return set(table().back().claimsConnections, true); }
     /// Later properties go to the generic property table that the asset carries.
     AssetBuilder& generic() { return set(_content.genericTable, PropertyTable()); }
 
@@ -111,6 +124,13 @@ class AssetBuilder
 };
 
 /// A bitmap texture over an image file.
-AssetPtr bitmapAsset(const std::string& path);
+inline AssetPtr bitmapAsset(const std::string& path)
+{
+    return AssetBuilder("UnifiedBitmapSchema")
+        .id("bitmap")
+        .text("VersionGUID", "UnifiedBitmapSchema")
+        .uri("unifiedbitmap_Bitmap", path)
+        .build();
+}
 
 } // namespace vyr::support

@@ -3,7 +3,6 @@
 /// @file
 /// What tests say about MaterialX documents.
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,11 +13,8 @@
 namespace vyr::support
 {
 
-/// MaterialX's data library and the project's own definitions, loaded once.
-MaterialX::ConstDocumentPtr dataLibrary();
-
-/// Whether the document validates against the data library, every node in it has a definition, and
-/// it reads back equal from its own text.
+/// Whether the document validates against MaterialX's data library and the project's own definitions,
+/// every node in it has a definition, and it reads back equal from its own text.
 ::testing::AssertionResult isSound(const MaterialX::DocumentPtr& document);
 
 /// The document as text.
@@ -27,9 +23,6 @@ std::string xmlOf(const MaterialX::DocumentPtr& document);
 /// An input of a top-level node; null when there is none.
 MaterialX::InputPtr inputOf(const MaterialX::DocumentPtr& document, const std::string& node,
                             const std::string& input);
-
-/// Whether an input reads another element.
-bool isConnected(const MaterialX::InputPtr& input);
 
 /// "category name" of each top-level element, in order.
 std::vector<std::string> topLevel(const MaterialX::DocumentPtr& document);

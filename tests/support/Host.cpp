@@ -2,10 +2,11 @@
 
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include <kelvor/platform/assets/IAssetLibraryManager.h>
 
-#include "support/AssetPool.h"
+#include "support/Assets.h"
 
 namespace vyr::support
 {
@@ -13,22 +14,18 @@ namespace vyr::support
 namespace
 {
 
-using kelvor::platform::assets::IAssetLibraryManager;
-using kelvor::platform::assets::IPathResolver;
-using kelvor::platform::core::string::UTF8String;
 using kelvor::platform::core::string::WideString;
 
-struct TestManager final : IAssetLibraryManager, IPathResolver
+struct TestManager final : kpa::IAssetLibraryManager, kpa::IPathResolver
 {
     const IPathResolver* GetPathResolver() const override
     {
-        return passing(presence == LibraryPresence::Full ? this : nullptr);
+        return passing(settings.hasResolver ? this : nullptr);
     }
     bool Resolve(const UTF8String& uri, UTF8String& path) const override
     {
-        passOperation();
         std::string found;
-        if (!resolver || !resolver(uri.str(), found))
+        if (!passing(settings).resolve || !settings.resolve(uri.str(), found))
             return false;
         path = UTF8String(found);
         return true;
@@ -36,18 +33,14 @@ struct TestManager final : IAssetLibraryManager, IPathResolver
     /// Only for texts of ASCII characters, which is all that the tests resolve in this form.
     bool Resolve(const WideString& uri, WideString& path) const override
     {
-        std::string narrow;
-        for (const wchar_t character : uri.str())
-            narrow += static_cast<char>(character);
         UTF8String found;
-        if (!Resolve(UTF8String(narrow), found))
+        if (!Resolve(UTF8String(std::string(uri.str().begin(), uri.str().end())), found))
             return false;
         path = WideString(std::wstring(found.str().begin(), found.str().end()));
         return true;
     }
 
-    Resolver resolver;
-    LibraryPresence presence = LibraryPresence::Full;
+    HostSettings settings;
 };
 
 TestManager manager;
@@ -56,6 +49,20 @@ std::vector<std::string> breaches;
 thread_local std::optional<std::size_t> operationsLeft;
 
 } // namespace
+
+HostSettings& hostSettings()
+{
+    return manager.settings;
+}
+
+void resetHost()
+{
+    cancelFailure();
+    manager.settings = {};
+    resetAssetPool();
+    const std::lock_guard lock(breachMutex);
+    breaches.clear();
+}
 
 std::vector<std::string> contractBreaches()
 {
@@ -87,30 +94,10 @@ void passOperation(std::source_location where)
     throw HostFault(where.function_name());
 }
 
-void setResolver(Resolver resolver)
-{
-    manager.resolver = std::move(resolver);
-}
-
-void setLibraryPresence(LibraryPresence presence)
-{
-    manager.presence = presence;
-}
-
-void resetHost()
-{
-    cancelFailure();
-    setResolver(nullptr);
-    setLibraryPresence(LibraryPresence::Full);
-    resetAssetPool();
-    const std::lock_guard lock(breachMutex);
-    breaches.clear();
-}
-
 } // namespace vyr::support
 
 kelvor::platform::assets::IAssetLibraryManager* kelvor::platform::assets::GetIAssetLibraryManager()
 {
-    using namespace vyr::support;
-    return manager.presence == LibraryPresence::NoManager ? nullptr : &manager;
+    using vyr::support::manager;
+    return manager.settings.hasManager ? &manager : nullptr;
 }

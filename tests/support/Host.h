@@ -9,10 +9,7 @@
 #include <source_location>
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
-
-#include <kelvor/platform/core/string/UTF8String.h>
 
 namespace vyr::support
 {
@@ -23,9 +20,21 @@ class HostFault : public std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
+/// What the host has besides assets; the process starts with these defaults.
+struct HostSettings
+{
+    /// Decides what the path resolver finds; an empty function finds nothing.
+    std::function<bool(const std::string& uri, std::string& path)> resolve;
+    bool hasResolver = true;
+    bool hasManager = true;
+};
+HostSettings& hostSettings();
+
+/// Back to the state of a fresh process; frees assets that nobody holds.
+void resetHost();
+
 /// Assets that somebody still holds a reference to, all threads together.
 std::size_t liveAssets();
-
 /// Number of successful IAssetInstance::Clone calls since the last resetHost().
 std::size_t cloneCount();
 
@@ -62,35 +71,5 @@ auto entryAt(const List& list, std::size_t index,
     recordBreach(std::string(where.function_name()) + ": index " + std::to_string(index));
     return nullptr;
 }
-
-/// An object of the interfaces that only knows its name.
-template <class Interface> class Named final : public Interface
-{
-  public:
-    explicit Named(std::string name) : _name(std::move(name)) {}
-    void GetName(kelvor::platform::core::string::UTF8String& name) const override
-    {
-        name = passing(_name);
-    }
-
-  private:
-    std::string _name;
-};
-
-/// Decides what the path resolver finds; an empty function finds nothing.
-using Resolver = std::function<bool(const std::string& uri, std::string& path)>;
-void setResolver(Resolver resolver);
-
-/// What GetIAssetLibraryManager delivers.
-enum class LibraryPresence
-{
-    Full,
-    NoResolver,
-    NoManager,
-};
-void setLibraryPresence(LibraryPresence presence);
-
-/// Back to the state of a fresh process; frees assets that nobody holds.
-void resetHost();
 
 } // namespace vyr::support

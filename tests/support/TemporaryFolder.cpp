@@ -22,21 +22,15 @@ void setTemporaryDirectory(const std::filesystem::path& folder)
 #endif
 }
 
-std::filesystem::path createUniqueFolder()
-{
-    std::random_device random;
-    for (;;)
-    {
-        std::filesystem::path path =
-            std::filesystem::temp_directory_path() / ("vyr-test-" + std::to_string(random()));
-        if (std::filesystem::create_directory(path))
-            return path;
-    }
-}
-
 } // namespace
 
-TemporaryFolder::TemporaryFolder() : _path(createUniqueFolder()) {}
+TemporaryFolder::TemporaryFolder()
+{
+    std::random_device random;
+    do
+        _path = std::filesystem::temp_directory_path() / ("vyr-test-" + std::to_string(random()));
+    while (!std::filesystem::create_directory(_path));
+}
 
 TemporaryFolder::~TemporaryFolder()
 {
@@ -50,10 +44,8 @@ std::filesystem::path TemporaryFolder::write(const std::filesystem::path& name,
     const std::filesystem::path path = _path / name;
     std::filesystem::create_directories(path.parent_path());
     std::ofstream file(path, std::ios::binary);
-    file << content;
-    file.close();
-    if (!file)
-        throw std::runtime_error("cannot write " + utf8(path));
+    file.exceptions(std::ios::badbit | std::ios::failbit);
+    file << content << std::flush;
     return path;
 }
 

@@ -1,18 +1,14 @@
-#include "support/AssetPool.h"
+#include "support/Assets.h"
 
 #include <algorithm>
 #include <atomic>
 #include <mutex>
-#include <utility>
 
 namespace vyr::support
 {
 
 namespace
 {
-
-using namespace kelvor::platform::assets;
-using kelvor::platform::core::string::UTF8String;
 
 std::atomic<std::size_t> live = 0;
 std::atomic<std::size_t> clones = 0;
@@ -22,7 +18,7 @@ template <class T> const T* addressOf(const std::optional<T>& object)
     return object ? &*object : nullptr;
 }
 
-class Asset final : public IAssetInstance
+class Asset final : public kpa::IAssetInstance
 {
   public:
     explicit Asset(std::shared_ptr<const AssetContent> content) : _content(std::move(content))
@@ -48,28 +44,27 @@ class Asset final : public IAssetInstance
         name = content().displayName;
     }
     void GetDescription(UTF8String& text) const override { text = content().description; }
-    const IAssetIdentity* GetIdentity() const override { return addressOf(content().identity); }
-    const IAssetDefinition* GetDefinition() const override
+    const kpa::IAssetIdentity* GetIdentity() const override
+    {
+        return addressOf(content().identity);
+    }
+    const kpa::IAssetDefinition* GetDefinition() const override
     {
         return addressOf(content().definition);
     }
-    bool HasWorkingPropertyNames() const override
-    {
-        content();
-        return true;
-    }
+    bool HasWorkingPropertyNames() const override { return content().hasWorkingNames; }
     IAssetInstance* Clone() const override;
     void GetIdentifier(UTF8String& text) const override { text = content().identifier; }
     const IPropertyConstTable* GetGenericPropertyTable() const override
     {
         return addressOf(content().genericTable);
     }
-    const IProperty* FindProperty(const UTF8String& name) const override
+    const kpa::IProperty* FindProperty(const UTF8String& name) const override
     {
         return content().table.FindProperty(name);
     }
     std::size_t GetPropertyCount() const override { return content().table.GetPropertyCount(); }
-    const IProperty* GetProperty(std::size_t index) const override
+    const kpa::IProperty* GetProperty(std::size_t index) const override
     {
         return content().table.GetProperty(index);
     }
@@ -91,13 +86,13 @@ class Asset final : public IAssetInstance
 std::mutex poolMutex;
 std::deque<Asset> pool;
 
-IAssetInstance* addToPool(std::shared_ptr<const AssetContent> content)
+kpa::IAssetInstance* addToPool(std::shared_ptr<const AssetContent> content)
 {
     const std::lock_guard lock(poolMutex);
     return &pool.emplace_back(std::move(content));
 }
 
-IAssetInstance* Asset::Clone() const
+kpa::IAssetInstance* Asset::Clone() const
 {
     if (!content().clonable)
         return nullptr;
@@ -107,21 +102,18 @@ IAssetInstance* Asset::Clone() const
 
 } // namespace
 
-IAssetInstance* TestProperty::GetConnectedAsset(std::size_t index) const
+kpa::IAssetInstance* TestProperty::GetConnectedAsset(std::size_t index) const
 {
-    if (connections == Connections::ClaimedButNull && index == 0)
-        return passing(nullptr);
     const AssetPtr* asset = entryAt(connected, index);
     return asset ? shareAsset(*asset).release() : nullptr;
 }
 
-const TestProperty* PropertyTable::FindProperty(const UTF8String& name) const
+const TestProperty* PropertyTable::FindProperty(const UTF8String& wanted) const
 {
-    passOperation();
-    const auto found =
-        std::find_if(properties.begin(), properties.end(),
-                     [&](const TestProperty& property) { return property.name == name.str(); });
-    return found == properties.end() ? nullptr : &*found;
+    for (const TestProperty& property : passing(properties))
+        if (property.name == wanted.str())
+            return &property;
+    return nullptr;
 }
 
 std::size_t liveAssets()
@@ -141,7 +133,8 @@ AssetPtr makeAsset(AssetContent content)
 
 AssetPtr shareAsset(const AssetPtr& asset)
 {
-    static_cast<Asset&>(*asset).addReference();
+    if (asset)
+        static_cast<Asset&>(*asset).addReference();
     return AssetPtr(asset.get());
 }
 
