@@ -1,5 +1,6 @@
 """Runs the tool as a person or a script would, in a folder of its own for each test."""
 
+import base64
 import json
 import os
 import pathlib
@@ -10,6 +11,7 @@ import xml.etree.ElementTree as ElementTree
 
 TOOL = os.environ["VYR_MTLX"]
 
+PIXEL = base64.b64decode("iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAAAAAA6fptVAAAACklEQVR4nGNoAAAAggCBd81ytgAAAABJRU5ErkJggg==")
 GREY = {"generic_diffuse": [0.5, 0.5, 0.5]}
 # The rule of this property asks for a number.
 BROKEN = {"generic_glossiness": {"type": "string", "value": "shiny"}}
@@ -20,6 +22,16 @@ MISSPELT = {**GREY, "generic_difuse": [1, 0, 0]}
 def material(identifier, name, properties=None, **more):
     properties = GREY if properties is None else properties
     return {"id": identifier, "schema": "GenericSchema", "name": name, "properties": properties, **more}
+
+
+def bitmap(image):
+    """A property that is connected to an image."""
+    return {"type": "reference", "connected": {"schema": "UnifiedBitmapSchema", "properties": {
+        "unifiedbitmap_Bitmap": {"type": "uri", "value": str(image)}}}}
+
+
+def textured(identifier, name, image):
+    return material(identifier, name, {"generic_diffuse": bitmap(image)})
 
 
 class ToolTest(unittest.TestCase):
@@ -40,6 +52,13 @@ class ToolTest(unittest.TestCase):
 
     def command(self, *arguments):
         return [TOOL, *map(str, arguments)]
+
+    def image(self, path):
+        """Writes a picture of one grey pixel and returns where."""
+        path = self.folder / path
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_bytes(PIXEL)
+        return path.resolve()
 
     def start(self, *arguments, **streams):
         process = subprocess.Popen(self.command(*arguments), cwd=self.folder, bufsize=0, **streams)

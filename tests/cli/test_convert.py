@@ -6,26 +6,7 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 import zlib
 
-from support import BROKEN, GREY, MISSPELT, ToolTest, material
-
-
-def png():
-    """A picture of one grey pixel."""
-
-    def chunk(kind, data):
-        body = kind + data
-        return struct.pack(">I", len(data)) + body + struct.pack(">I", zlib.crc32(body))
-
-    header = struct.pack(">IIBBBBB", 1, 1, 8, 0, 0, 0, 0)
-    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(b"\0\x80")) + chunk(b"IEND", b"")
-
-
-def textured(identifier, name, path):
-    bitmap = {
-        "schema": "UnifiedBitmapSchema",
-        "properties": {"unifiedbitmap_Bitmap": {"type": "uri", "value": str(path)}},
-    }
-    return material(identifier, name, {"generic_diffuse": {"type": "color", "value": [1, 1, 1], "connected": bitmap}})
+from support import BROKEN, GREY, MISSPELT, ToolTest, material, textured
 
 
 class Convert(ToolTest):
@@ -121,12 +102,6 @@ class Convert(ToolTest):
 
 
 class Images(ToolTest):
-    def image(self, path):
-        path = self.folder / path
-        path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_bytes(png())
-        return path.resolve()
-
     def test_paths_inside_the_output_folder_are_relative(self):
         inside = self.image("out/maps/brick 50%.png")
         outside = self.image("outer/brick.png")

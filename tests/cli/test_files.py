@@ -100,20 +100,6 @@ class Process(ToolTest):
             process.send_signal(signal.SIGINT)
             self.assertEqual(process.wait(timeout=60), 130)
 
-    def test_killed(self):
-        process = self.start("convert", "lib.json", "-q", "-o", self.out, stdout=subprocess.PIPE)
-        process.stdout.readline()
-        process.kill()
-        process.communicate(timeout=60)
-        finished = list((self.folder / self.out).glob("*.mtlx"))
-        self.assertLess(len(finished), self.count)
-        for path in finished:
-            ElementTree.parse(path)
-        self.tool("convert", "lib.json", "-q", "-o", self.out)
-        self.convert("lib.json")
-        documents = {name: text for name, text in self.written(self.out).items() if name[0] != "."}
-        self.assertEqual(documents, self.written())
-
     def test_reader_that_goes_away(self):
         process = self.start("convert", "lib.json", "-q", "-o", self.out, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         process.stdout.readline()

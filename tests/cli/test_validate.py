@@ -2,8 +2,7 @@
 
 import unittest
 
-from support import ToolTest, material
-from test_convert import png, textured
+from support import ToolTest, material, textured
 
 BAD = """<?xml version="1.0"?>
 <materialx version="1.39">
@@ -37,7 +36,7 @@ class Validate(ToolTest):
 class Forms(ToolTest):
     def setUp(self):
         super().setUp()
-        (self.folder / "grey.png").write_bytes(png())
+        self.image("grey.png")
         self.library(textured("m-1", "Wall", "grey.png"), material("m-2", "Plain"))
 
     def test_every_form_is_valid(self):

@@ -11,7 +11,7 @@ import subprocess
 import time
 import unittest
 
-from support import ToolTest, material
+from support import ToolTest, bitmap, material, textured
 
 try:
     import MaterialX
@@ -27,11 +27,6 @@ def hashes(folder):
         str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
         for path in sorted(folder.rglob("*")) if path.is_file()
     }
-
-
-def bitmap(image):
-    return {"type": "reference", "connected": {"schema": "UnifiedBitmapSchema", "properties": {
-        "unifiedbitmap_Bitmap": {"type": "uri", "value": image}}}}
 
 
 @unittest.skipUnless(MaterialX, "no Python package of MaterialX")
@@ -68,8 +63,7 @@ class Moved(ToolTest):
         (self.folder / "src").mkdir()
         for name in names:
             (self.folder / "src" / name).write_text(name)
-        self.library(*(material(f"m{i}", f"Wall {i:02}", {"generic_diffuse": bitmap(f"src/{name}")})
-                       for i, name in enumerate(names)))
+        self.library(*(textured(f"m{i}", f"Wall {i:02}", f"src/{name}") for i, name in enumerate(names)))
         self.assertEqual([image.read_text() for image in self.check("lib.json")], names)
 
 
