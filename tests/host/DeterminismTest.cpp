@@ -33,17 +33,16 @@ class Determinism : public HostTest
     {
         const AssetPtr image = bitmapAsset("wood.png");
         for (int seed = 0; seed < 40; ++seed)
-            _assets.push_back(AssetBuilder()
-                                  .name("Material " + std::to_string(seed))
-                                  .color("generic_diffuse", seed / 100.0, 0.123456789, 0.5)
-                                  .scalar("generic_glossiness", seed / 97.0)
-                                  .scalar("generic_transparency", 0.25)
-                                  .scalar("generic_refraction_index", 1234.5 + seed)
-                                  .scalar("generic_refraction_translucency_weight", 0.5)
-                                  .scalar("generic_self_illum_luminance", 123456789.0 / (seed + 1))
-                                  .scalar("unread", 1)
-                                  .connect("generic_cutout_opacity", image)
-                                  .build());
+        {
+            AssetBuilder builder;
+            builder.name("Material " + std::to_string(seed)).scalar("unread", 1);
+            builder.color("generic_diffuse", seed / 100.0, 0.123456789, 0.5);
+            builder.scalar("generic_glossiness", seed / 97.0).scalar("generic_transparency", 0.25);
+            builder.scalar("generic_refraction_index", 1234.5 + seed);
+            builder.scalar("generic_refraction_translucency_weight", 0.5);
+            builder.scalar("generic_self_illum_luminance", 123456789.0 / (seed + 1));
+            _assets.push_back(builder.connect("generic_cutout_opacity", image).build());
+        }
         for (auto& converter : _converters)
             converter = std::make_unique<MaterialXConverter>(_options);
     }

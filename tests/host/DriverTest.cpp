@@ -55,18 +55,16 @@ TEST_F(Driver, AnEmptyDirectoryBecomesTheTemporaryOneForGood)
 {
     ConverterOptions options;
     MaterialXConverter converter(options);
-    const auto translates = [&](const char* temporary)
-    {
-        const TemporaryDirectoryOverride redirect(_folder / temporary);
-        return converter.TranslateToMaterialX(*AssetBuilder().build(), "M", mx::createDocument());
-    };
     for (const char* temporary : {"first", "second"})
     {
         fs::create_directory(_folder / temporary);
-        EXPECT_TRUE(translates(temporary));
+        redirectTemporaryDirectory(_folder / temporary);
+        EXPECT_TRUE(
+            converter.TranslateToMaterialX(*AssetBuilder().build(), "M", mx::createDocument()));
     }
     fs::remove(_folder / "first");
-    EXPECT_FALSE(translates("second"));
+    EXPECT_FALSE(
+        converter.TranslateToMaterialX(*AssetBuilder().build(), "M", mx::createDocument()));
 }
 
 TEST_F(Driver, NeedsADocument)

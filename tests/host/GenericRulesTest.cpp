@@ -114,11 +114,9 @@ TEST_F(GenericRules, GlossinessFollowsTheCurveWithoutAJump)
 TEST_F(GenericRules, PlainCutOutAndBumpChangeNothing)
 {
     const Translation plain = translate(AssetBuilder().build());
-    const Translation both = translate(AssetBuilder()
-                                           .scalar("generic_cutout_opacity", 0.5)
-                                           .scalar("generic_bump_amount", 2)
-                                           .scalar("generic_bump_map", 1)
-                                           .build());
+    AssetBuilder builder;
+    builder.scalar("generic_cutout_opacity", 0.5).scalar("generic_bump_amount", 2);
+    const Translation both = translate(builder.scalar("generic_bump_map", 1).build());
     EXPECT_EQ(xmlOf(both.document), xmlOf(plain.document));
 }
 
@@ -136,12 +134,10 @@ TEST_F(GenericRules, ColorModes)
         {3, 1, "g22_rec709"},  {4, 1, "rec709_display"},   {5, 1, "lin_rec709"},
         {-1, 1, "lin_rec709"}, {1 << 30, 1, "lin_rec709"},
     };
-    const AssetPtr asset = AssetBuilder()
-                               .color("generic_diffuse", -0.5, 0.25, 1)
-                               .scalar("generic_self_illum_luminance", 100)
-                               .color("generic_self_illum_filter_map", 0.75, 0.01, 0.5)
-                               .scalar("generic_transparency", 0.5)
-                               .build();
+    AssetBuilder builder;
+    builder.color("generic_diffuse", -0.5, 0.25, 1).scalar("generic_self_illum_luminance", 100);
+    builder.color("generic_self_illum_filter_map", 0.75, 0.01, 0.5);
+    const AssetPtr asset = builder.scalar("generic_transparency", 0.5).build();
     for (const auto& [mode, power, colorSpace] : modes)
     {
         SCOPED_TRACE(mode);
@@ -173,12 +169,9 @@ TEST_F(GenericRules, ReadOneTable)
     for (const char* schema : {"GenericSchema", "CeramicSchema", "HardwoodSchema",
                                "MetallicPaintSchema", "SolidGlassSchema", "WaterSchema"})
     {
-        const Translation translation = translate(AssetBuilder(schema)
-                                                      .scalar("generic_glossiness", 0.1)
-                                                      .generic()
-                                                      .color("generic_diffuse", 0.25, 0.5, 0.75)
-                                                      .scalar("generic_glossiness", 0.4)
-                                                      .build());
+        AssetBuilder builder(schema);
+        builder.scalar("generic_glossiness", 0.1).generic().scalar("generic_glossiness", 0.4);
+        const Translation translation = translate(builder.build());
         const bool isGeneric = std::string(schema) == "GenericSchema";
         EXPECT_TRUE(hasInputs(translation.document, "M_shader",
                               {{"diffuse_roughness", isGeneric ? "0.9" : "0.6"}}))

@@ -1,7 +1,17 @@
 #include "host/HostTest.h"
 
+#include <cstdlib>
+#include <iterator>
+#include <sstream>
+
 namespace vyr::hosttests
 {
+
+std::vector<std::string> words(const std::string& text)
+{
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
 
 Codes lastCodes()
 {
@@ -42,6 +52,16 @@ void HostTest::TearDown()
     EXPECT_EQ(liveAssets(), 0u) << "references were not given back";
     for (const std::string& breach : contractBreaches())
         ADD_FAILURE() << breach;
+    redirectTemporaryDirectory(_temporaryDirectory);
+}
+
+void HostTest::redirectTemporaryDirectory(const std::filesystem::path& folder)
+{
+#if defined(_WIN32)
+    _putenv_s("TMP", folder.string().c_str());
+#else
+    setenv("TMPDIR", folder.c_str(), 1);
+#endif
 }
 
 ConverterOptions HostTest::plainOptions() const

@@ -38,6 +38,9 @@ struct StringSink final : MaterialXConverter::IString
     int assignments = 0;
 };
 
+/// The words of a text with spaces between them.
+std::vector<std::string> words(const std::string& text);
+
 /// The codes of lastDiagnostics().
 Codes lastCodes();
 
@@ -75,12 +78,18 @@ class HostTest : public ::testing::Test
         return options;
     }
 
+    /// Points the system's temporary directory elsewhere until the end of the test.
+    static void redirectTemporaryDirectory(const std::filesystem::path& folder);
+
     /// Translates under the name "M" with a converter of the call's own.
     Translation translate(const AssetPtr& asset) const;
     static Translation translate(const AssetPtr& asset, ConverterOptions options,
                                  const std::string& name = "M");
 
     TemporaryFolder _folder;
+
+  private:
+    const std::filesystem::path _temporaryDirectory = std::filesystem::temp_directory_path();
 };
 
 } // namespace vyr::hosttests

@@ -1,7 +1,5 @@
-#include <cmath>
+#include <functional>
 #include <limits>
-#include <string>
-#include <vector>
 
 #include "host/HostTest.h"
 
@@ -15,21 +13,15 @@ constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double largest = std::numeric_limits<float>::max();
 
-const std::vector<std::string> readProperties = {"color_by_object",
-                                                 "generic_diffuse",
-                                                 "generic_diffuse_image_fade",
-                                                 "generic_reflectivity_at_0deg",
-                                                 "generic_is_metal",
-                                                 "generic_glossiness",
-                                                 "generic_transparency",
-                                                 "generic_transparency_image_fade",
-                                                 "generic_refraction_translucency_weight",
-                                                 "generic_refraction_index",
-                                                 "generic_cutout_opacity",
-                                                 "generic_self_illum_luminance",
-                                                 "generic_self_illum_filter_map",
-                                                 "generic_bump_amount",
-                                                 "generic_bump_map"};
+const std::vector<std::string> readProperties = words(
+    "color_by_object generic_diffuse generic_diffuse_image_fade generic_reflectivity_at_0deg "
+    "generic_is_metal generic_glossiness generic_transparency generic_transparency_image_fade "
+    "generic_refraction_translucency_weight generic_refraction_index generic_cutout_opacity "
+    "generic_self_illum_luminance generic_self_illum_filter_map generic_bump_amount "
+    "generic_bump_map");
+const std::vector<std::string> scalars = words(
+    "generic_reflectivity_at_0deg generic_glossiness generic_transparency generic_refraction_index "
+    "generic_self_illum_luminance generic_bump_amount");
 
 /// Values of every kind, none and empty ones included.
 const std::vector<ValuePtr> allValues = {nullptr,
@@ -67,7 +59,8 @@ class HostileHost : public HostTest
     }
 
     /// The material fails for that reason, at that property, and nothing is built.
-    void expectRefused(AssetBuilder& builder, DiagnosticCode code, const std::string& property) const
+    void expectRefused(AssetBuilder& builder, DiagnosticCode code,
+                       const std::string& property) const
     {
         const Translation translation = translate(builder.build());
         EXPECT_FALSE(translation.succeeded) << property;
@@ -76,12 +69,13 @@ class HostileHost : public HostTest
     }
 };
 
-/// A property comes first, so that it is the one that is read of its name.
+/// Adds what makes the rules read all properties. Of one name the first is read.
 AssetBuilder& withRest(AssetBuilder& builder)
 {
-    builder.color("generic_diffuse", 1, 1, 1).scalar("generic_reflectivity_at_0deg", 0.5);
-    builder.scalar("generic_transparency", 0.5).scalar("generic_self_illum_luminance", 5);
-    return builder.scalar("generic_bump_amount", 1);
+    builder.color("generic_diffuse", 1, 0, 0).color("generic_self_illum_filter_map", 1, 1, 0);
+    for (const std::string& property : scalars)
+        builder.scalar(property, 0.5);
+    return builder.boolean("generic_is_metal", true);
 }
 
 /// Every property under every type code with a value of every kind, and with connections that are not
@@ -135,11 +129,9 @@ TEST_F(HostileHost, NumbersThatAreNoneAreRefused)
     for (const double number : {nan, infinity, -infinity, 1e39, -1e300})
     {
         SCOPED_TRACE(number);
-        for (const char* property :
-             {"generic_reflectivity_at_0deg", "generic_glossiness", "generic_transparency",
-              "generic_self_illum_luminance", "generic_bump_amount"})
-            expectRefused(AssetBuilder().scalar(property, number), DiagnosticCode::ValueNotFinite,
-                          property);
+        for (const std::string& property : scalars)
+            expectRefused(withRest(AssetBuilder().scalar(property, number)),
+                          DiagnosticCode::ValueNotFinite, property);
         expectRefused(AssetBuilder().color("generic_diffuse", 0, 0, number),
                       DiagnosticCode::ValueNotFinite, "generic_diffuse");
     }
@@ -155,9 +147,7 @@ TEST_F(HostileHost, NumbersAtTheEndsOfTheRangeStayNumbers)
             expectAnEnd(AssetBuilder().color("generic_diffuse", number, 2, number), mode);
             AssetBuilder all;
             all.color("generic_diffuse", number, number, number).boolean("generic_is_metal", true);
-            for (const char* property :
-                 {"generic_reflectivity_at_0deg", "generic_glossiness", "generic_transparency",
-                  "generic_refraction_index", "generic_self_illum_luminance"})
+            for (const std::string& property : scalars)
                 all.scalar(property, number);
             expectAnEnd(all, mode);
         }
@@ -195,6 +185,107 @@ TEST_F(HostileHost, WhatIsTooMuchIsNotRead)
                                                   .scalar("generic_glossiness", 0.75)
                                                   .build());
     EXPECT_TRUE(hasInputs(translation.document, "M_shader", {{"specular_roughness", "0.75"}}));
+}
+
+class References : public HostTest
+{
+  protected:
+    static AssetPtr textured()
+    {
+        AssetBuilder builder;
+        withRest(builder);
+        for (const std::string& property :
+             words("generic_diffuse generic_reflectivity_at_0deg generic_glossiness "
+                   "generic_cutout_opacity generic_self_illum_filter_map generic_bump_map"))
+            builder.connect(property, bitmapAsset("wood.png"));
+        return builder.build();
+    }
+
+    /// Runs `operation` again and again, each time letting the next of the host's operations throw,
+    /// until one run meets no failure. Every failure must reach the caller, be told of, leave nothing
+    /// registered and give every reference back.
+    static void failEverywhere(const std::function<void()>& operation,
+                               const std::function<void()>& afterFailure)
+    {
+        const std::size_t before = liveAssets();
+        for (std::size_t operations = 0; operations < 5000; ++operations)
+        {
+            failAfter(operations);
+            try
+            {
+                operation();
+                ASSERT_TRUE(cancelFailure()) << "failure " << operations << " was swallowed";
+                return;
+            }
+            catch (const HostFault& fault)
+            {
+                EXPECT_TRUE(!lastCodes().empty() && lastCodes().back() == DiagnosticCode::Exception)
+                    << operations << ": " << fault.what() << " is not told of";
+            }
+            EXPECT_EQ(liveAssets(), before) << operations;
+            EXPECT_EQ(registeredAssetCount(), 0u) << operations;
+            afterFailure();
+        }
+        FAIL() << "there is no end";
+    }
+
+    static void translateUnderFailures(const AssetPtr& asset, ConverterOptions options,
+                                       bool isTextured = false)
+    {
+        MaterialXConverter converter(options);
+        mx::DocumentPtr document;
+        failEverywhere(
+            [&]
+            {
+                document = mx::createDocument();
+                EXPECT_TRUE(converter.TranslateToMaterialX(*asset, "M", document));
+            },
+            // Only textures are still read when building has begun.
+            [&] { EXPECT_TRUE(isTextured || document->getChildren().empty()); });
+        EXPECT_TRUE(isSound(document));
+    }
+};
+
+TEST_F(References, ComeBackFromATranslationWhateverFails)
+{
+    for (const char* schema : {"GenericSchema", "HardwoodSchema", "MetallicPaintSchema",
+                               "SolidGlassSchema", "WaterSchema"})
+    {
+        AssetBuilder builder(schema);
+        builder.color("hardwood_tint_color", 1, 0, 0).boolean("Hidden", true);
+        if (std::string(schema) != "GenericSchema")
+            builder.generic();
+        translateUnderFailures(withRest(builder.scalar("unread", 1)).build(), plainOptions());
+    }
+    translateUnderFailures(textured(), plainOptions(), true);
+    ::testing::internal::CaptureStdout();
+    AssetBuilder told;
+    translateUnderFailures(withRest(told).build(), with(&ConverterOptions::verbose, true));
+    ::testing::internal::GetCapturedStdout();
+}
+
+TEST_F(References, ComeBackFromRegistrationAndDrainingWhateverFails)
+{
+    ConverterOptions options = plainOptions();
+    MaterialXConverter converter(options);
+    const AssetPtr asset = textured();
+    failEverywhere(
+        [&]
+        {
+            StringSink message;
+            EXPECT_TRUE(converter.RegisterAssetForConversion(*asset, message));
+            EXPECT_TRUE(converter.SerializeRegisteredAssetsForConversion(message, nullptr));
+        },
+        [] {});
+}
+
+TEST_F(References, ComeBackFromALateRefusal)
+{
+    AssetBuilder refused;
+    refused.connect("generic_diffuse", bitmapAsset("wood.png")).string("generic_bump_amount", "1");
+    const AssetPtr asset = refused.build();
+    EXPECT_FALSE(translate(asset).succeeded);
+    EXPECT_EQ(liveAssets(), 2u);
 }
 
 } // namespace

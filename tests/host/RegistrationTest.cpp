@@ -137,11 +137,14 @@ TEST_F(Registration, DestroyingAnyInstanceEmptiesTheSharedList)
 class Output : public HostTest
 {
   protected:
-    Output() { fs::create_directory(_temporary); }
+    Output()
+    {
+        fs::create_directory(_temporary);
+        redirectTemporaryDirectory(_temporary);
+    }
 
     bool serialise(const std::string& schema = "GenericSchema")
     {
-        const TemporaryDirectoryOverride redirect(_temporary);
         MaterialXConverter converter(_options);
         EXPECT_TRUE(converter.RegisterAssetForConversion(*AssetBuilder(schema).name("Oak").build(),
                                                          _message));

@@ -1,7 +1,6 @@
 #include "support/TemporaryFolder.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -9,20 +8,6 @@
 
 namespace vyr::support
 {
-
-namespace
-{
-
-void setTemporaryDirectory(const std::filesystem::path& folder)
-{
-#if defined(_WIN32)
-    _putenv_s("TMP", folder.string().c_str());
-#else
-    setenv("TMPDIR", folder.c_str(), 1);
-#endif
-}
-
-} // namespace
 
 TemporaryFolder::TemporaryFolder()
 {
@@ -70,17 +55,6 @@ std::string readFile(const std::filesystem::path& path)
     if (!file)
         throw std::runtime_error("cannot read " + TemporaryFolder::utf8(path));
     return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-}
-
-TemporaryDirectoryOverride::TemporaryDirectoryOverride(const std::filesystem::path& folder)
-    : _former(std::filesystem::temp_directory_path())
-{
-    setTemporaryDirectory(folder);
-}
-
-TemporaryDirectoryOverride::~TemporaryDirectoryOverride()
-{
-    setTemporaryDirectory(_former);
 }
 
 } // namespace vyr::support

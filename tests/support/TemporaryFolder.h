@@ -39,17 +39,4 @@ class TemporaryFolder
 
 std::string readFile(const std::filesystem::path& path);
 
-/// Points the system's temporary directory elsewhere while it lives.
-class TemporaryDirectoryOverride
-{
-  public:
-    explicit TemporaryDirectoryOverride(const std::filesystem::path& folder);
-    ~TemporaryDirectoryOverride();
-    TemporaryDirectoryOverride(const TemporaryDirectoryOverride&) = delete;
-    TemporaryDirectoryOverride& operator=(const TemporaryDirectoryOverride&) = delete;
-
-  private:
-    std::filesystem::path _former;
-};
-
 } // namespace vyr::support
