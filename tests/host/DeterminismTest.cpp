@@ -61,9 +61,7 @@ class Determinism : public HostTest
             const auto document = mx::createDocument();
             EXPECT_TRUE(converter.TranslateToMaterialX(*asset, converter.getMaterialName(*asset),
                                                        document));
-            result += xmlOf(document);
-            for (const Diagnostic& diagnostic : lastDiagnostics())
-                result += diagnostic.asset + diagnostic.property + diagnostic.text;
+            result += xmlOf(document) + Translation{true, document, lastDiagnostics()}.report();
         }
         return result;
     }
