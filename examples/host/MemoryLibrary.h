@@ -3,9 +3,9 @@
 /// @file
 /// A small asset library in memory: what a host implements over its own assets.
 ///
-/// An asset here is a schema, two names and a list of properties. A property holds a value or nothing, and may be
-/// connected to a texture, which is an asset too. Nothing changes after construction, so that several threads may
-/// read at once; only the reference count does.
+/// An asset here is a schema, two names and a list of properties. A property holds a value, or is
+/// connected to a texture, which is an asset too. Nothing but the reference count changes after
+/// construction, so that several threads may read at once.
 
 #include <array>
 #include <atomic>
@@ -34,10 +34,10 @@ namespace assets = kelvor::platform::assets;
 using kelvor::platform::core::string::UTF8String;
 using kelvor::platform::core::string::WideString;
 
-// ---- Values ----------------------------------------------------------------------------------------------------
+// Values
 
-/// What every value answers. Each kind below overrides what its type of property promises; the converter asks
-/// nothing else of it.
+/// What every value answers. Each kind below overrides what its type of property promises; the
+/// converter asks nothing else of it.
 template <class Interface> class Value : public Interface
 {
   public:
@@ -117,7 +117,7 @@ class Image final : public Value<assets::IUriValue>
     std::string _uri;
 };
 
-// ---- Properties and assets -------------------------------------------------------------------------------------
+// Properties and assets
 
 class Asset;
 
@@ -289,7 +289,7 @@ inline AssetPtr makeBitmap(const std::string& uri)
         {{"VersionGUID", Text("UnifiedBitmapSchema")}, {"unifiedbitmap_Bitmap", Image(uri)}}));
 }
 
-// ---- The library as a whole ------------------------------------------------------------------------------------
+// The library as a whole
 
 /// Finds images in one folder.
 class Library final : public assets::IAssetLibraryManager, public assets::IPathResolver

@@ -21,39 +21,30 @@ using support::AssetBuilder;
 
 TEST(Units, OfEveryCodeAndIndex)
 {
-    // The lengths in the order of their index.
-    const std::tuple<std::uint32_t, const char*, const char*> units[] = {
-        {0x2010, "nanometer", "distance"},
-        {0x2027, "micron", "distance"},
-        {0x200E, "millimeter", "distance"},
-        {0x200D, "centimeter", "distance"},
-        {0x2016, "inch", "distance"},
-        {0x2017, "foot", "distance"},
-        {0x201D, "yard", "distance"},
-        {0x2001, "meter", "distance"},
-        {0x2009, "kilometer", "distance"},
-        {0x2021, "mile", "distance"},
-        {0x8001, "radians", "angle"},
-        {0x8002, "degrees", "angle"},
-        {0x37001, "candelapersquaremeter", "luminance"},
-        {0x37002, "footlambert", "luminance"},
-        {0x37003, "candelapersquarefoot", "luminance"},
-        // Codes of a family that nobody knows; the distance bit comes before the angle's, and half of
-        // luminance's bits are not luminance.
-        {0x2005, "", "distance"},
-        {0x8003, "", "angle"},
-        {0x37000, "", "luminance"},
-        {0xFFFFFFFF, "", "luminance"},
-        {0xA001, "", "distance"},
-        {0x32001, "", "distance"},
-        // No family.
-        {0, "", ""},
-        {0x1001, "", ""},
-        {0x35001, "", ""}};
-    for (const auto& [code, unit, type] : units)
-        EXPECT_EQ(UnitForCode(code), Unit(unit, type)) << std::hex << code;
+    // Code, unit and family, "-" for none. First the lengths in the order of their index; last codes of
+    // a family that nobody knows: the distance bit comes before the angle's, and half of luminance's
+    // bits are not luminance.
+    std::istringstream rows(R"(
+        2010 nanometer distance   2027 micron distance    200E millimeter distance
+        200D centimeter distance  2016 inch distance      2017 foot distance
+        201D yard distance        2001 meter distance     2009 kilometer distance
+        2021 mile distance        8001 radians angle      8002 degrees angle
+        37001 candelapersquaremeter luminance             37002 footlambert luminance
+        37003 candelapersquarefoot luminance
+        2005 - distance           8003 - angle            37000 - luminance
+        FFFFFFFF - luminance      A001 - distance         32001 - distance
+        0 - -                     1001 - -                35001 - -)");
+    std::vector<std::string> names;
+    std::uint32_t code = 0;
+    for (std::string unit, family; rows >> std::hex >> code >> unit >> family;)
+    {
+        EXPECT_EQ(UnitForCode(code), Unit(unit == "-" ? "" : unit, family == "-" ? "" : family))
+            << std::hex << code;
+        names.push_back(unit);
+    }
+    ASSERT_EQ(names.size(), 24u);
     for (std::int32_t i = 0; i < 10; ++i)
-        EXPECT_EQ(DistanceUnitName(i), std::get<1>(units[i]));
+        EXPECT_EQ(DistanceUnitName(i), names[static_cast<std::size_t>(i)]);
     for (const std::int32_t outside : {-1, 10, INT_MAX, INT_MIN})
         EXPECT_EQ(DistanceUnitName(outside), "centimeter");
 }
@@ -101,7 +92,8 @@ TEST(ColorMeanings, OfPresetNumbersAndPropertyNames)
         EXPECT_EQ(presetMeaning(number), ColorMeaning::Unknown) << number;
     for (const auto& entries : {display, linear, entriesOf("albedo surface_albed surface_albedoo")})
         for (const std::string& entry : entries)
-            EXPECT_EQ(propertyMeaning(entry), entry[0] > '9' ? expected(entry) : ColorMeaning::Unknown)
+            EXPECT_EQ(propertyMeaning(entry),
+                      entry[0] > '9' ? expected(entry) : ColorMeaning::Unknown)
                 << entry;
 }
 

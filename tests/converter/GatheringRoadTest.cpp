@@ -44,8 +44,8 @@ class GatheringRoad : public HostTest
     }
 };
 
-/// Everything is there once, run after run. The user works on images where they were gathered: they stay
-/// as they are, and a baked file yields its name to one.
+/// Everything is there once, run after run. The user works on images where they were gathered: they
+/// stay as they are, and a baked file yields its name to one.
 TEST_F(GatheringRoad, EndsInAFolderThatHasEverythingOnce)
 {
     const std::string wood = image("src/wood.png", "tile_color.png");
@@ -88,7 +88,8 @@ TEST_F(GatheringRoad, MakesNothingWhereNothingIsToBeGathered)
     EXPECT_EQ(_folder.entries(), (Names{"src", "src/wood.png"}));
 }
 
-/// A link out of the output folder or a file in the folder's place, then an output folder that is read-only.
+/// A link out of the output folder, a file in the folder's place, and an output folder that is
+/// read-only.
 TEST_F(GatheringRoad, FailsWhereTheFolderCannotBeMade)
 {
     const std::string wood = image("src/wood.png");

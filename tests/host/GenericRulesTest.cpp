@@ -149,6 +149,7 @@ TEST_F(GenericRules, ColorModes)
             return mx::toValueString(color);
         };
         const Translation translation = translate(asset, with(&ConverterOptions::colorMode, mode));
+        ASSERT_TRUE(translation.succeeded) << translation.report();
         for (const char* input : {"base_color", "emission_color", "transmission_color"})
             EXPECT_EQ(inputOf(translation.document, "M_shader", input)->getColorSpace(),
                       colorSpace);

@@ -1,4 +1,4 @@
-#include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <functional>
 #include <stdexcept>
@@ -120,17 +120,15 @@ TEST_F(Lifecycle, RecordsHaveTheExportedDefaultsAndLayout)
     static_assert(sizeof(ConverterOptions) == sizeof(UTF8String) + 32);
     static_assert(sizeof(DecalInfo) == sizeof(TextureInfo) + 24);
     const ConverterOptions o;
-    const void* fields[] = {&o,
-                            &o.imageSize,
-                            &o.addLook,
-                            &o.copyTextures,
-                            &o.verbose,
-                            &o.writeMtlxFile,
-                            &o.useAssetIdInName,
-                            &o.colorMode,
-                            &o.roughnessMode,
-                            &o.translationPath};
-    EXPECT_TRUE(std::is_sorted(std::begin(fields), std::end(fields)));
+    const auto offsetOf = [&](const auto& field)
+    { return reinterpret_cast<const char*>(&field) - reinterpret_cast<const char*>(&o); };
+    constexpr std::ptrdiff_t text = sizeof(UTF8String);
+    EXPECT_EQ(std::tuple(offsetOf(o.imageSize), offsetOf(o.addLook), offsetOf(o.copyTextures),
+                         offsetOf(o.verbose), offsetOf(o.writeMtlxFile),
+                         offsetOf(o.useAssetIdInName), offsetOf(o.colorMode),
+                         offsetOf(o.roughnessMode), offsetOf(o.translationPath)),
+              std::tuple(text, text + 8, text + 9, text + 10, text + 11, text + 12, text + 16,
+                         text + 20, text + 24));
     EXPECT_EQ(std::tuple(o.outputDirectory.str(), o.imageSize, o.addLook, o.copyTextures, o.verbose,
                          o.writeMtlxFile, o.useAssetIdInName, o.colorMode, o.roughnessMode,
                          o.translationPath),
