@@ -3,6 +3,7 @@
 #include <limits>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -49,13 +50,8 @@ TEST_F(Readers, DeliverValuesOfTheirTypeAlone)
 {
     constexpr const char* scalar = "ePropertyType_Scalar";
     constexpr const char* color = "ePropertyType_Color";
-    const struct
-    {
-        std::string (*read)(const AssetView& view, const char* name);
-        std::string type;
-        std::string value;
-        std::string refusal;
-    } readers[] = {
+    using Reader = std::string(const AssetView&, const char*);
+    const std::tuple<Reader*, std::string, std::string, std::string> readers[] = {
         {printed<GetBooleanProperty>, "boolean", "true", "ePropertyType_Boolean"},
         {printed<GetIntegerProperty>, "integer", "7", "ePropertyType_Integer"},
         {printed<GetFloatProperty>, "scalar", "1.5", scalar},

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <map>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -179,13 +180,7 @@ TEST_F(Gathering, CopiesWhatIsNotUpToDate)
     const fs::path source = file("src/wood.png");
     const fs::path copy = _folder / "out/M/wood.png";
     const auto time = fs::last_write_time(source);
-    const struct
-    {
-        const char* what;
-        std::string content;
-        fs::file_time_type time;
-        bool copied;
-    } cases[] = {
+    const std::tuple<const char*, std::string, fs::file_time_type, bool> cases[] = {
         {"the copy itself", "src/wood.png", time, false},
         {"another image of that size and time", "SRC/WOOD.PNG", time, true},
         {"newer", "SRC/WOOD.PNG", time + 1h, false},
@@ -193,16 +188,15 @@ TEST_F(Gathering, CopiesWhatIsNotUpToDate)
         {"newer and shorter", "SRC", time + 1h, true},
         {"newer and longer", "SRC/WOOD.PNG, and more", time + 1h, true},
     };
-    for (const auto& one : cases)
+    for (const auto& [what, content, copyTime, isCopied] : cases)
     {
-        _folder.write("out/M/wood.png", one.content);
-        fs::last_write_time(copy, one.time);
+        _folder.write("out/M/wood.png", content);
+        fs::last_write_time(copy, copyTime);
         fs::permissions(copy, fs::perms::owner_read | fs::perms::group_read);
         gather({source.string()});
-        EXPECT_EQ(places(), Names{"wood.png: " + (one.copied ? "src/wood.png" : one.content)})
-            << one.what;
-        EXPECT_EQ(fs::last_write_time(copy), one.copied ? time : one.time) << one.what;
-        EXPECT_EQ(_folder.entries().size(), 5u) << one.what;
+        EXPECT_EQ(places(), Names{"wood.png: " + (isCopied ? "src/wood.png" : content)}) << what;
+        EXPECT_EQ(fs::last_write_time(copy), isCopied ? time : copyTime) << what;
+        EXPECT_EQ(_folder.entries().size(), 5u) << what;
     }
 }
 

@@ -41,26 +41,20 @@ TEST_F(Diagnostics, AreAllInTheTable)
 /// An error means false, a warning means true, and each names its place.
 TEST_F(Diagnostics, NameThePlaceAndTheReason)
 {
-    const struct
-    {
-        AssetPtr asset;
-        DiagnosticCode code;
-        const char* property;
-        const char* text = "";
-    } cases[] = {
+    const std::tuple<AssetPtr, DiagnosticCode, const char*, const char*> cases[] = {
         {AssetBuilder().string("generic_diffuse", "0.5").build(), DiagnosticCode::PropertyType,
          "generic_diffuse", "ePropertyType_Color"},
         {AssetBuilder("HardwoodSchema").scalar("hardwood_tint_enabled", 1).generic().build(),
          DiagnosticCode::PropertyType, "hardwood_tint_enabled", "Invalid property specified"},
         {AssetBuilder("CeramicSchema").build(), DiagnosticCode::NoGenericProperties, "",
          "CeramicSchema"},
-        {AssetBuilder().withoutClone().build(), DiagnosticCode::CloneFailed, ""},
+        {AssetBuilder().withoutClone().build(), DiagnosticCode::CloneFailed, "", ""},
         {AssetBuilder().scalar("generic_glosiness", 0.3).build(), DiagnosticCode::PropertyUnread,
-         "generic_glosiness"},
+         "generic_glosiness", ""},
         {AssetBuilder().scalar("generic_cutout_opacity", 0.5).build(),
-         DiagnosticCode::CutoutIgnored, "generic_cutout_opacity"},
+         DiagnosticCode::CutoutIgnored, "generic_cutout_opacity", ""},
         {AssetBuilder().connect("color_by_object", bitmapAsset("wood.png")).build(),
-         DiagnosticCode::TextureUnused, "color_by_object"},
+         DiagnosticCode::TextureUnused, "color_by_object", ""},
     };
     for (const auto& [asset, code, property, text] : cases)
     {

@@ -78,13 +78,8 @@ TEST_F(Driver, NeedsADocument)
 /// "Lyrex" schemas have a translator of their own whatever the path; the others need their table.
 TEST_F(Driver, ChoosesTheTranslatorByTheExactSchemaAndThePath)
 {
-    const struct
-    {
-        const char* schema;
-        int path;
-        bool succeeds;
-        bool isGeneric;
-    } cases[] = {
+    // Schema and path, whether there is a translator for them, and whether it is the Generic one.
+    const std::tuple<const char*, int, bool, bool> cases[] = {
         {"GenericSchema", 0, true, true},     {"GenericSchema", 1, false, false},
         {"GenericSchema", 2, true, true},     {"lyrexmetalschema", 0, true, true},
         {"CeramicSchema", 0, true, true},     {"", 0, true, true},
@@ -126,13 +121,7 @@ TEST_F(Driver, ReducesDisplayNamesToIdentifiers)
     std::string spaced;
     for (int i = 0; i < 200000; ++i)
         spaced += "a ";
-    const struct
-    {
-        std::string name;
-        const char* identifier;
-        bool useIdentifier;
-        std::string expected;
-    } cases[] = {
+    const std::tuple<std::string, const char*, bool, std::string> cases[] = {
         {"Ceramic_Tile-3", "x", false, "CeramicTile3"},
         {"3D Metal", "x", false, "M3DMetal"},
         {"-7-", "x", false, "M7"},

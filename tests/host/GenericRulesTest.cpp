@@ -123,13 +123,8 @@ TEST_F(GenericRules, PlainCutOutAndBumpChangeNothing)
 /// Each mode decodes the asset's colours or states what they are, and touches nothing else.
 TEST_F(GenericRules, ColorModes)
 {
-    const struct
-    {
-        int mode;
-        /// The power that plain values are decoded with.
-        double power;
-        const char* colorSpace;
-    } modes[] = {
+    // The power that plain values are decoded with, and what the document says that they are.
+    const std::tuple<int, double, const char*> modes[] = {
         {0, 1, "lin_rec709"},  {1, 2.2, "lin_rec709"},     {2, 2.4, "lin_rec709"},
         {3, 1, "g22_rec709"},  {4, 1, "rec709_display"},   {5, 1, "lin_rec709"},
         {-1, 1, "lin_rec709"}, {1 << 30, 1, "lin_rec709"},

@@ -105,12 +105,7 @@ TEST_F(HostileHost, AValueThatItsTypeDoesNotNameIsATypeError)
         if (property != "generic_bump_map") // its plain value is not read
             expectRefused(withRest(AssetBuilder().string(property, "0.5")),
                           DiagnosticCode::PropertyType, property);
-    const struct
-    {
-        const char* property;
-        std::uint32_t type;
-        std::vector<ValuePtr> values;
-    } cases[] = {
+    const std::tuple<const char*, std::uint32_t, std::vector<ValuePtr>> cases[] = {
         {"generic_glossiness",
          kpa::ePropertyType_Scalar,
          {scalarValue({}), textValue("0.5"), integerValue({1})}},

@@ -55,11 +55,7 @@ TEST_F(Skeleton, SaysWhereTheMaterialCameFrom)
 {
     EXPECT_STRNE(libraryVersion(), "");
     const std::string replaced = "\xEF\xBF\xBD";
-    const struct
-    {
-        std::string identifier;
-        std::string written;
-    } cases[] = {
+    const std::tuple<std::string, std::string> cases[] = {
         {"library/oak-7", "library/oak-7"},
         {"\xE6\x9C\xA8", "\xE6\x9C\xA8"},
         {"<&\"'>]]>", "<&\"'>]]>"},
@@ -82,13 +78,7 @@ TEST_F(Skeleton, SaysWhereTheMaterialCameFrom)
 /// half-way, and the first material stays as it was.
 TEST_F(Skeleton, TakenNamesDoNoHarm)
 {
-    const struct
-    {
-        const char* first;
-        const char* second;
-        bool addLook;
-        bool refused;
-    } cases[] = {
+    const std::tuple<const char*, const char*, bool, bool> cases[] = {
         {"Oak", "Oak", false, true},        {"Oak", "Oak_shader", false, true},
         {"Oak_shader", "Oak", false, true}, {"Oak", "Ash", true, false},
         {"Oak", "Ash", false, false},       {"Oak", "Oak", true, true},
