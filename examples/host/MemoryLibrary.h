@@ -122,8 +122,7 @@ class Image final : public Value<assets::IUriValue>
 class Asset;
 
 /// One reference to an asset, given back when the pointer goes.
-template <class T> using Owned = std::unique_ptr<T, assets::IAssetInstanceDeleter>;
-using AssetPtr = Owned<Asset>;
+using AssetPtr = std::unique_ptr<Asset, assets::IAssetInstanceDeleter>;
 
 /// The values of an asset and of its clones are shared: they never change.
 class Property final : public assets::IProperty

@@ -2,6 +2,7 @@
 //
 //     host OUTPUT-FOLDER [IMAGE-FOLDER]
 
+#include <cstddef>
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -100,6 +101,7 @@ try
     options.colorMode = 0; // the colours of this library are linear
     mt::MaterialXConverter converter(options);
 
+    // One material that fails is no reason to give up the others.
     std::size_t failed = 0;
     for (const host::AssetPtr& material : makeMaterials())
         failed += convert(converter, *material, argv[1]) ? 0 : 1;
