@@ -1,9 +1,9 @@
+#include "Reference.h"
 #include "baking/HeightImage.h"
 #include "baking/NoiseImage.h"
 #include "baking/NoiseRows.h"
 #include "baking/NormalImage.h"
 #include "baking/ParallelRows.h"
-#include "baking/Reference.h"
 #include "baking/kernels/Kernels.h"
 
 #include <MaterialTranslation/Bakes.h>

@@ -3,7 +3,6 @@
 #include <OpenImageIO/imagebuf.h>
 
 #include <cmath>
-#include <cstdint>
 #include <cstring>
 
 #if defined(__x86_64__) || defined(_M_X64)
@@ -12,43 +11,29 @@
 
 namespace vyr::MaterialTranslation::baking
 {
-/// Equal in every bit; any NaN equals any other.
-inline bool sameBits(float a, float b)
+/// Whether two float images are equal in every bit; any NaN equals any other.
+inline bool sameBits(const OIIO::ImageBuf& a, const OIIO::ImageBuf& b)
 {
-    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
-}
-
-/// How many floats of two float images differ; images of different shape differ in all.
-inline OIIO::imagesize_t differentFloats(const OIIO::ImageBuf& a, const OIIO::ImageBuf& b)
-{
-    const OIIO::imagesize_t values =
-        a.spec().image_pixels() * static_cast<OIIO::imagesize_t>(a.nchannels());
-    if (a.spec().width != b.spec().width || a.spec().height != b.spec().height ||
-        a.nchannels() != b.nchannels() || a.localpixels() == nullptr ||
-        b.localpixels() == nullptr || values == 0)
-    {
-        return values + 1;
-    }
+    const OIIO::ImageSpec& spec = a.spec();
     const auto* left = static_cast<const float*>(a.localpixels());
     const auto* right = static_cast<const float*>(b.localpixels());
-    OIIO::imagesize_t different = 0;
-    for (OIIO::imagesize_t i = 0; i < values; ++i)
-        different += sameBits(left[i], right[i]) ? 0U : 1U;
-    return different;
+    if (!left || !right || spec.width != b.spec().width || spec.height != b.spec().height ||
+        spec.nchannels != b.spec().nchannels)
+        return false;
+    for (OIIO::imagesize_t i = 0; i < spec.image_bytes() / sizeof(float); ++i)
+        if (std::memcmp(left + i, right + i, sizeof(float)) != 0 &&
+            !(std::isnan(left[i]) && std::isnan(right[i])))
+            return false;
+    return true;
 }
 
 /// Flushes denormals to zero in this thread, as a host may do; where the processor cannot, it does nothing.
-class FlushedDenormals
+struct FlushedDenormals
 {
-  public:
 #if defined(__x86_64__) || defined(_M_X64)
-    FlushedDenormals() : _saved(_mm_getcsr()) { _mm_setcsr(_saved | 0x8040U); }
-    ~FlushedDenormals() { _mm_setcsr(_saved); }
-    FlushedDenormals(const FlushedDenormals&) = delete;
-    FlushedDenormals& operator=(const FlushedDenormals&) = delete;
-
-  private:
-    unsigned _saved;
+    FlushedDenormals() { _mm_setcsr(saved | 0x8040U); }
+    ~FlushedDenormals() { _mm_setcsr(saved); }
+    const unsigned saved = _mm_getcsr();
 #else
     FlushedDenormals() {}
 #endif

@@ -1,10 +1,12 @@
-#include "baking/Reference.h"
+#include "Reference.h"
 
 #include <cmath>
 #include <cstdint>
 #include <string_view>
 
 namespace vyr::MaterialTranslation::baking::reference
+{
+namespace
 {
 float hypot3(float x, float y, float z)
 {
@@ -16,6 +18,7 @@ float hypot3(float x, float y, float z)
         return 0.0F;
     return m * std::sqrt((x / m) * (x / m) + (y / m) * (y / m) + (z / m) * (z / m));
 }
+} // namespace
 
 void bakeNormalRows(const OIIO::ImageBuf& height, float strengthX, float strengthY, int yBegin,
                     int yEnd, OIIO::ImageBuf& image)

@@ -6,8 +6,6 @@
 /// The bakes as plain as their formulas. What ships must equal them in every bit.
 namespace vyr::MaterialTranslation::baking::reference
 {
-float hypot3(float x, float y, float z);
-
 /// Fills the rows yBegin to yEnd of a three-channel float image of the size of `height`.
 void bakeNormalRows(const OIIO::ImageBuf& height, float strengthX, float strengthY, int yBegin,
                     int yEnd, OIIO::ImageBuf& image);
