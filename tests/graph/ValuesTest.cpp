@@ -19,7 +19,6 @@ namespace
 
 namespace mx = MaterialX;
 
-/// The converter's table against MaterialX's own, which knows the types by their values.
 template <class... Types> void expectMaterialXsNames()
 {
     EXPECT_EQ((std::vector<std::string>{typeStringOf<Types>()...}),

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <string>
 
+#include "graph/NodeLines.h"
 #include "host/HostTest.h"
 
 namespace vyr::hosttests
@@ -10,6 +11,8 @@ namespace
 {
 
 namespace fs = std::filesystem;
+using graphtests::Lines;
+using graphtests::linesOf;
 
 /// A textured property of the Generic rules, the shader input that it drives, and what it needs to.
 struct Slot
@@ -63,17 +66,16 @@ class Slots : public HostTest
 TEST_F(Slots, AreConnectedToANodeOfTheRightType)
 {
     AssetBuilder all;
+    all.scalar("generic_self_illum_luminance", 0.5).scalar("generic_bump_amount", 0.5);
     for (const Slot& slot : slots)
     {
         const AssetPtr bitmap = bitmapAsset(_image);
-        if (slot.condition && std::string(slot.condition) != slots[3].property)
-            all.scalar(slot.condition, 0.5);
         all.connect(slot.property, bitmap);
         const Translation one = translate(prepared(slot).connect(slot.property, bitmap).build());
         const mx::NodePtr node = nodeBehind(one.document, slot.input);
         ASSERT_TRUE(node) << slot.property << "\n" << one.report();
-        EXPECT_EQ(node->getName(), slot.property);
-        EXPECT_EQ(node->getType(), slot.type) << slot.property;
+        EXPECT_EQ(node->getName() + " " + node->getType(),
+                  std::string(slot.property) + " " + slot.type);
         EXPECT_EQ(node->getCategory(), &slot == &slots[7] ? "kvor:normal_map" : "kvor:bitmap");
         EXPECT_EQ(inputOf(one.document, "M_shader", slot.input)->getType(), slot.type);
         EXPECT_TRUE(one.diagnostics.empty()) << slot.property << "\n" << one.report();
@@ -83,7 +85,6 @@ TEST_F(Slots, AreConnectedToANodeOfTheRightType)
     for (const Slot& slot : slots)
         EXPECT_TRUE(nodeBehind(together.document, slot.input)) << slot.property;
     EXPECT_EQ(together.document->getNodeGraphs().size(), 1u);
-    EXPECT_TRUE(isSound(together.document));
 }
 
 /// Only the bump slot takes noise; no slot takes what nobody knows.
@@ -131,37 +132,36 @@ TEST_F(Slots, OfGlossinessTurnTheImageRound)
 
 TEST_F(Slots, OfReliefReadABakedMap)
 {
-    const auto expectMap = [&](AssetBuilder texture, const char* file, bool isBitmap)
-    {
-        texture.scalar("texture_RealWorldScaleX", 10, 0x2016);
-        const Translation one =
-            relief(texture.scalar("texture_RealWorldScaleY", 20, 0x2016).build());
-        const mx::NodePtr node = nodeBehind(one.document, "normal");
-        ASSERT_TRUE(node) << one.report();
-        const std::string path = node->getInput("file")->getValueString();
-        EXPECT_EQ(path, _folder.text() + "/M/" + file);
-        EXPECT_TRUE(fs::is_regular_file(path));
-        EXPECT_EQ(node->getInput("file")->getColorSpace(), "lin_rec709") << "normals are data";
-        EXPECT_EQ(node->getInput("realworld_scale")->getValueString(), "10, 20");
-        EXPECT_EQ(node->getInput("realworld_scale")->getUnit(), "inch");
-        EXPECT_TRUE(isSound(one.document));
-        // Noise is baked with its amount, and lies nowhere else.
-        if (isBitmap)
-        {
-            EXPECT_EQ(node->getInput("normal_scale")->getValueString(), "0.5");
-            EXPECT_EQ(node->getInput("rotation_angle")->getUnit(), "degrees");
-            EXPECT_EQ(node->getInput("uaddressmode")->getValueString(), "periodic");
-        }
-    };
     AssetBuilder bitmap("UnifiedBitmapSchema");
     bitmap.uri("unifiedbitmap_Bitmap", _image).boolean("texture_URepeat", true);
     bitmap.scalar("texture_WAngle", 30, 0x8002);
-    expectMap(std::move(bitmap), "tile_height_normalmap.png", true);
-    for (const char* type : {"noise_regular", "noise_fractal", "noise_turbulence"})
+    AssetBuilder noise("NoiseSchema");
+    noise.choice("noise_Type", "noise_turbulence").scalar("noise_Size", 0.5);
+    for (AssetBuilder* const texture : {&bitmap, &noise})
     {
-        AssetBuilder noise("NoiseSchema");
-        noise.choice("noise_Type", type).scalar("noise_Size", 0.5);
-        expectMap(std::move(noise), "generic_bump_map_64normal_map.png", false);
+        texture->scalar("texture_RealWorldScaleX", 10, 0x2016);
+        const Translation one =
+            relief(texture->scalar("texture_RealWorldScaleY", 20, 0x2016).build());
+        const mx::NodePtr node = nodeBehind(one.document, "normal");
+        ASSERT_TRUE(node) << one.report();
+        const std::string path = node->getInput("file")->getValueString();
+        EXPECT_TRUE(fs::is_regular_file(path)) << path;
+        EXPECT_TRUE(isSound(one.document));
+        const Lines placed{"file filename value=" + path + " colorspace=lin_rec709",
+                           "realworld_offset vector2 value=0, 0",
+                           "realworld_scale vector2 value=10, 20 unit=inch unittype=distance",
+                           "uv_offset vector2 value=0, 0",
+                           "uv_scale vector2 value=1, 1",
+                           "uaddressmode string value=periodic",
+                           "vaddressmode string value=clamp",
+                           "rotation_angle float value=30 unit=degrees unittype=angle",
+                           "normal_scale float value=0.5"};
+        const bool isNoise = texture == &noise;
+        EXPECT_EQ(path, _folder.text() + "/M/" +
+                            (isNoise ? "generic_bump_map_64normal_map.png"
+                                     : "tile_height_normalmap.png"));
+        // Noise is baked with its amount, and lies nowhere else.
+        EXPECT_EQ(linesOf(node), isNoise ? (Lines{placed[0], placed[2]}) : placed);
     }
 }
 
@@ -178,6 +178,89 @@ TEST_F(Slots, OfReliefThatCannotBeBakedStayEmpty)
         EXPECT_EQ(inputOf(one.document, "M_shader", "normal"), nullptr);
         EXPECT_TRUE(one.document->getNodeGraphs().empty());
         EXPECT_EQ(one.count(DiagnosticCode::BakeFailed), 1u) << one.report();
+    }
+}
+
+/// A material with something that its document cannot say, and the one warning that tells of it.
+class TextureWarnings : public HostTest
+{
+  protected:
+    void expectOne(AssetBuilder& material, DiagnosticCode code, const std::string& property) const
+    {
+        const Translation one = translate(material.build());
+        EXPECT_TRUE(one.succeeded);
+        ASSERT_EQ(one.diagnostics.size(), 1u) << property << "\n" << one.report();
+        EXPECT_EQ(one.diagnostics[0].severity, Severity::Warning);
+        EXPECT_EQ(one.count(code), 1u) << one.report();
+        EXPECT_EQ(one.diagnostics[0].property, property);
+        EXPECT_EQ(one.diagnostics[0].asset, "asset-id");
+    }
+
+    const std::string _image = TemporaryFolder::utf8(_folder.write("wood.png", ""));
+};
+
+TEST_F(TextureWarnings, TellOfImages)
+{
+    const auto expect = [&](const std::string& path, DiagnosticCode code)
+    {
+        AssetBuilder material;
+        expectOne(material.connect("generic_diffuse", bitmapAsset(path)), code,
+                  "generic_diffuse/unifiedbitmap_Bitmap");
+    };
+    expect(_folder.text() + "/missing.png", DiagnosticCode::TextureFileMissing);
+    expect(_folder.text(), DiagnosticCode::TextureFileMissing);
+    expect("", DiagnosticCode::TexturePathEmpty);
+    for (const std::string& name :
+         {std::string("a\nb"), std::string("a\0b", 3), std::string("\xFF")})
+        expect(name, DiagnosticCode::TextureNameRefused);
+    // An image that drives several inputs is told of once for each.
+    const AssetPtr missing = bitmapAsset(_folder.text() + "/missing.png");
+    AssetBuilder builder;
+    builder.connect("generic_diffuse", missing).connect("generic_cutout_opacity", missing);
+    const Translation one = translate(builder.build(), with(&ConverterOptions::copyTextures, true));
+    EXPECT_EQ(one.count(DiagnosticCode::TextureFileMissing), 2u) << one.report();
+    EXPECT_EQ(one.diagnostics.size(), 2u);
+}
+
+TEST_F(TextureWarnings, TellOfAFadeBetweenNothingAndAll)
+{
+    for (const std::string property : {"generic_diffuse", "generic_transparency"})
+        for (const double value : {-1.0, 0.0, 0.001, 0.999, 1.0, 2.0})
+        {
+            const std::string fade = property + "_image_fade";
+            AssetBuilder asset;
+            asset.connect(property, bitmapAsset(_image)).scalar(fade, value);
+            if (value > 0 && value < 1)
+                expectOne(asset, DiagnosticCode::FadeIgnored, fade);
+            else
+                EXPECT_TRUE(translate(asset.build()).diagnostics.empty()) << value;
+        }
+}
+
+TEST_F(TextureWarnings, TellOfWhatIsNotRead)
+{
+    const auto bitmap = [&]
+    {
+        AssetBuilder builder("UnifiedBitmapSchema");
+        return std::move(builder.uri("unifiedbitmap_Bitmap", _image));
+    };
+    const AssetPtr plain = bitmap().build();
+    const AssetPtr misspelt = bitmap().scalar("texture_RealWorldScalex", 2).build();
+    const AssetPtr textured = bitmap()
+                                  .scalar("unifiedbitmap_RGBAmount", 1)
+                                  .connect("unifiedbitmap_RGBAmount", plain)
+                                  .build();
+    expectOne(AssetBuilder().connect("generic_diffuse", misspelt), DiagnosticCode::PropertyUnread,
+              "generic_diffuse/texture_RealWorldScalex");
+    expectOne(AssetBuilder().connect("generic_diffuse", textured), DiagnosticCode::TextureUnused,
+              "generic_diffuse/unifiedbitmap_RGBAmount");
+    expectOne(AssetBuilder().connect("generic_diffuse", plain).connect("generic_diffuse", plain),
+              DiagnosticCode::ConnectionsIgnored, "generic_diffuse");
+    for (const char* property : {"generic_bump_map", "generic_self_illum_filter_map",
+                                 "generic_refraction_translucency_weight", "color_by_object"})
+    {
+        const Translation unused = translate(AssetBuilder().connect(property, plain).build());
+        EXPECT_EQ(unused.diagnostics.size(), 1u) << property << "\n" << unused.report();
     }
 }
 
