@@ -1,12 +1,14 @@
 #pragma once
 
-#include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <kelvor/platform/assets/IAssetDefinition.h>
 #include <kelvor/platform/assets/IAssetIdentity.h>
 #include <kelvor/platform/assets/IProperty.h>
+#include <kelvor/platform/assets/IUriValue.h>
 #include <vyr/assetlib/Library.h>
 
 #include "support/TemporaryFolder.h"
@@ -19,35 +21,88 @@ using kelvor::platform::core::string::UTF8String;
 using Lines = std::vector<std::string>;
 
 /// Asset files in a folder of their own, loaded together.
-class AssetFiles
+struct AssetFiles
 {
-  public:
     /// Writes a file and adds it to the load.
-    AssetFiles& add(const std::string& name, const std::string& content);
+    AssetFiles& add(const std::string& name, const std::string& content)
+    {
+        paths.push_back(support::TemporaryFolder::utf8(folder.write(name, content)));
+        return *this;
+    }
+
     /// What was loaded from files that must be good.
-    Library library() const;
+    Library library() const
+    {
+        EXPECT_EQ(errors(), Lines());
+        return std::move(load(paths).library).value();
+    }
+
     /// The formatted errors of the load, without the folder.
-    Lines errors() const;
+    Lines errors() const
+    {
+        const LoadResult result = load(paths);
+        EXPECT_EQ(result.library.has_value(), result.errors.empty());
+        Lines lines;
+        for (const LoadError& error : result.errors)
+            lines.push_back(relative(error.format()));
+        return lines;
+    }
 
-    const support::TemporaryFolder& folder() const { return _folder; }
     /// The text without the folder's path.
-    std::string relative(std::string text) const;
+    std::string relative(std::string text) const
+    {
+        const std::string prefix = folder.text() + '/';
+        for (auto at = text.find(prefix); at != text.npos; at = text.find(prefix))
+            text.erase(at, prefix.size());
+        return text;
+    }
 
-  private:
-    support::TemporaryFolder _folder;
-    std::vector<std::string> _files;
+    support::TemporaryFolder folder;
+    std::vector<std::string> paths;
 };
 
 /// Compares a function with a table of lines `input => result`; an indented line is one result more.
-void checkTable(const std::string& table, const std::function<Lines(const std::string&)>& function);
+template <class Function> void checkTable(const std::string& table, const Function& function)
+{
+    std::vector<std::pair<std::string, Lines>> rows;
+    std::istringstream stream(table);
+    for (std::string line; std::getline(stream, line);)
+    {
+        if (const auto arrow = line.find(" => "); arrow != line.npos)
+            rows.push_back({line.substr(0, arrow), {line.substr(arrow + 4)}});
+        else if (!line.empty())
+            rows.at(rows.size() - 1).second.push_back(line.substr(2));
+    }
+    ASSERT_FALSE(rows.empty());
+    for (const auto& [input, expected] : rows)
+        EXPECT_EQ(function(input), expected) << input;
+}
+
+/// A file with these members at its top.
+inline std::string memberFile(const std::string& members)
+{
+    return R"({"assetLibrary": 1, )" + members + "}";
+}
 
 /// A file with one material "m" and, in it, the members that are given.
-std::string materialFile(const std::string& members);
+inline std::string materialFile(const std::string& members)
+{
+    return memberFile(R"("materials": [{"id": "m", "schema": "S", )" + members + "}]");
+}
+
 /// A file with one material "m" and one property "p".
-std::string propertyFile(const std::string& property);
+inline std::string propertyFile(const std::string& property)
+{
+    return materialFile(R"("properties": {"p": )" + property + "}");
+}
 
 /// A property of a material, by default of the only one.
-const platform::IProperty* find(const Library& library, const char* name, std::size_t index = 0);
+inline const platform::IProperty* find(const Library& library, const char* name,
+                                       std::size_t index = 0)
+{
+    return library.materials().at(index).asset->FindProperty(UTF8String(name));
+}
+
 /// The text that an operation fills, for example `text(*asset, &IAssetInstance::GetIdentifier)`.
 template <class Object, class Owner>
 std::string text(const Object& object, void (Owner::*fill)(UTF8String&) const)
@@ -56,6 +111,13 @@ std::string text(const Object& object, void (Owner::*fill)(UTF8String&) const)
     (object.*fill)(result);
     return result.str();
 }
-std::string uri(const platform::IProperty* property);
+
+inline std::string uri(const platform::IProperty* property)
+{
+    UTF8String text;
+    dynamic_cast<const platform::IUriValue&>(*property->GetValue())
+        .GetUri(text, platform::UriForm::Preferred);
+    return text.str();
+}
 
 } // namespace vyr::assetlib::tests

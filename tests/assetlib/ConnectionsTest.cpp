@@ -2,8 +2,6 @@
 #include <memory>
 #include <thread>
 
-#include <gtest/gtest.h>
-
 #include "AssetFiles.h"
 
 namespace vyr::assetlib::tests
@@ -42,8 +40,7 @@ std::string asset(const std::string& id, const std::string& connected = "[]")
 
 std::string file(const std::string& materials, const std::string& textures = {})
 {
-    return R"({"assetLibrary": 1, "materials": [)" + materials + R"(], "textures": [)" + textures +
-           "]}";
+    return memberFile(R"("materials": [)" + materials + R"(], "textures": [)" + textures + "]");
 }
 
 TEST(AssetConnections, CrossFilesAndKeepTheirOrder)

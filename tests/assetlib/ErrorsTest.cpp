@@ -24,14 +24,9 @@ void checkErrors(const std::string& place, std::string (*wrap)(const std::string
                });
 }
 
-std::string memberFile(const std::string& members)
-{
-    return R"({"assetLibrary": 1, )" + members + "}";
-}
-
 std::string overlayFile(const std::string& members)
 {
-    return R"({"assetLibrary": 1, "overlays": [{"name": "o", )" + members + "}]}";
+    return memberFile(R"("overlays": [{"name": "o", )" + members + "}]");
 }
 
 TEST(AssetErrors, OfNoAssetFileHaveLineAndColumn)
@@ -164,16 +159,11 @@ TEST(AssetErrors, AreAllToldWithTheirPlaces)
 TEST(AssetErrors, OfFilesThatCannotBeRead)
 {
     AssetFiles files;
+    const std::string folder = files.folder.text();
+    files.paths = {folder + "/missing.json", folder};
     files.add("empty.json", "").add("good.json", materialFile("\"name\": \"n\""));
-    files.add("bad.json", "{}");
-    const std::string folder = files.folder().text();
-    const LoadResult result = load({folder + "/missing.json", folder, folder + "/empty.json",
-                                    folder + "/good.json", folder + "/bad.json", ""});
-    EXPECT_FALSE(result.library);
-    Lines lines;
-    for (const LoadError& error : result.errors)
-        lines.push_back(files.relative(error.format()));
-    EXPECT_EQ(lines,
+    files.add("bad.json", "{}").paths.emplace_back();
+    EXPECT_EQ(files.errors(),
               (Lines{"missing.json: no such file", folder + ": expected a file, this is a folder",
                      "empty.json: the file is empty", "bad.json: expected the key \"assetLibrary\"",
                      ": no such file"}));

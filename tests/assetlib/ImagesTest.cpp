@@ -1,6 +1,5 @@
 #include <filesystem>
 
-#include <gtest/gtest.h>
 #include <kelvor/platform/assets/IAssetLibraryManager.h>
 
 #include "AssetFiles.h"
@@ -24,22 +23,21 @@ class AssetImages : public testing::Test
               u8"program/program.png", u8"tex/Sub/Wood.PNG", u8"tex/two.png", u8"program/Two.png",
               u8"tex/dot.png", u8"tex/exact.", u8"tex/exact", u8"tex/a b#\u00E4.png",
               u8"program/W\u00C4NDE.png", u8"tex/folder.png/x"})
-            _files.folder().write(name, "x");
+            _files.folder.write(name, "x");
     }
 
     LoadResult load(const std::string& members)
     {
-        const auto path = _files.folder().write(
-            "lib/f.json",
-            R"({"assetLibrary": 1, "texturePaths": ["../tex", "gone"], )" + members + "}");
+        const auto path = _files.folder.write(
+            "lib/f.json", memberFile(R"("texturePaths": ["../tex", "gone"], )" + members));
         return assetlib::load({support::TemporaryFolder::utf8(path)},
-                              {{_files.folder().text() + "/program"}});
+                              {{_files.folder.text() + "/program"}});
     }
 
     /// For a reference as JSON, "~" for the folder: the value, and the warnings in short.
     Lines found(std::string reference)
     {
-        const std::string folder = _files.folder().text();
+        const std::string folder = _files.folder.text();
         if (const auto at = reference.find('~'); at != reference.npos)
             reference.replace(at, 1, folder);
         const LoadResult result = load(
@@ -100,7 +98,7 @@ TEST_F(AssetImages, OfOverlaysAndTheirWarnings)
     const LoadResult result = load(R"("overlays": [
         {"name": "T", "type": "thread", "threadTexture": {"path": "sub/wood.png"}}])");
     EXPECT_EQ(std::get<Thread>(result.library.value().overlays()[0].content).threadTexture->path,
-              _files.folder().text() + "/tex/Sub/Wood.PNG");
+              _files.folder.text() + "/tex/Sub/Wood.PNG");
     ASSERT_EQ(result.warnings.size(), 1u);
     EXPECT_EQ(result.warnings[0].asset + '/' + result.warnings[0].property, "T/threadTexture");
     EXPECT_EQ(_files.relative(result.warnings[0].format()),
@@ -110,9 +108,10 @@ TEST_F(AssetImages, OfOverlaysAndTheirWarnings)
 
 TEST_F(AssetImages, EachFileUsesItsOwnFolders)
 {
-    _files.add("lib/a.json", propertyFile(R"({"type": "uri", "value": "own.png"})"));
-    _files.add("tex/b.json", R"({"assetLibrary": 1, "materials": [{"id": "n", "schema": "S",
-        "properties": {"p": {"type": "uri", "value": "own.png"}}}]})");
+    const std::string material =
+        R"("schema": "S", "properties": {"p": {"type": "uri", "value": "own.png"}}}])";
+    _files.add("lib/a.json", memberFile(R"("materials": [{"id": "m", )" + material));
+    _files.add("tex/b.json", memberFile(R"("materials": [{"id": "n", )" + material));
     const Library library = _files.library();
     EXPECT_EQ(_files.relative(uri(find(library, "p", 0))), "lib/own.png");
     EXPECT_EQ(_files.relative(uri(find(library, "p", 1))), "tex/own.png");
@@ -122,7 +121,7 @@ TEST_F(AssetImages, TheResolverOfTheProcess)
 {
     const platform::IPathResolver& resolver =
         *platform::GetIAssetLibraryManager()->GetPathResolver();
-    const std::string folder = _files.folder().text();
+    const std::string folder = _files.folder.text();
     const auto resolved = [&](const std::string& reference)
     {
         UTF8String path("unchanged");

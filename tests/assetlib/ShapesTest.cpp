@@ -1,4 +1,3 @@
-#include <gtest/gtest.h>
 #include <kelvor/platform/assets/IChoiceListValue.h>
 #include <kelvor/platform/assets/IIntegerValue.h>
 #include <kelvor/platform/assets/IScalarValue.h>
@@ -50,6 +49,30 @@ std::string described(const platform::IProperty& property)
     return out.str();
 }
 
+Lines describedJson(const std::string& property)
+{
+    AssetFiles files;
+    const Library library = files.add("f.json", propertyFile(property)).library();
+    return {described(*find(library, "p"))};
+}
+
+TEST(AssetShapes, OfUnits)
+{
+    const std::pair<const char*, const char*> units[] = {
+        {"nanometer", "2010"},    {"micron", "2027"},
+        {"centimeter", "200d"},   {"inch", "2016"},
+        {"foot", "2017"},         {"yard", "201d"},
+        {"meter", "2001"},        {"kilometer", "2009"},
+        {"mile", "2021"},         {"radians", "8001"},
+        {"degrees", "8002"},      {"candelapersquaremeter", "37001"},
+        {"footlambert", "37002"}, {"candelapersquarefoot", "37003"},
+    };
+    for (const auto& [unit, code] : units)
+        EXPECT_EQ(describedJson(std::string(R"({"type": "scalar", "value": 1, "unit": ")") + unit +
+                                "\"}"),
+                  Lines{std::string("7: 1 unit ") + code});
+}
+
 TEST(AssetShapes, OfValues)
 {
     checkTable(R"-({"type": "string", "value": "\u00e4"} => 2: )-"
@@ -63,20 +86,6 @@ TEST(AssetShapes, OfValues)
 {"type": "scalar", "value": 0.1} => 7: 0.1
 {"type": "scalar", "value": [1, 2, 3], "unit": "millimeter"} => 7: 1 2 3 unit 200e
 {"type": "scalar", "value": 1, "unit": 268435455} => 7: 1 unit fffffff
-{"type": "scalar", "value": 1, "unit": "nanometer"} => 7: 1 unit 2010
-{"type": "scalar", "value": 1, "unit": "micron"} => 7: 1 unit 2027
-{"type": "scalar", "value": 1, "unit": "centimeter"} => 7: 1 unit 200d
-{"type": "scalar", "value": 1, "unit": "inch"} => 7: 1 unit 2016
-{"type": "scalar", "value": 1, "unit": "foot"} => 7: 1 unit 2017
-{"type": "scalar", "value": 1, "unit": "yard"} => 7: 1 unit 201d
-{"type": "scalar", "value": 1, "unit": "meter"} => 7: 1 unit 2001
-{"type": "scalar", "value": 1, "unit": "kilometer"} => 7: 1 unit 2009
-{"type": "scalar", "value": 1, "unit": "mile"} => 7: 1 unit 2021
-{"type": "scalar", "value": 1, "unit": "radians"} => 7: 1 unit 8001
-{"type": "scalar", "value": 1, "unit": "degrees"} => 7: 1 unit 8002
-{"type": "scalar", "value": 1, "unit": "candelapersquaremeter"} => 7: 1 unit 37001
-{"type": "scalar", "value": 1, "unit": "footlambert"} => 7: 1 unit 37002
-{"type": "scalar", "value": 1, "unit": "candelapersquarefoot"} => 7: 1 unit 37003
 {"type": "scalar", "unit": "degrees"} => 7: none
 {"type": "color", "value": [0.1, 0.2, 3]} => 8: 0.1 0.2 3 1
 {"type": "color", "value": [0, 0, 0, 0.5]} => 8: 0 0 0 0.5
@@ -90,12 +99,7 @@ false => 5: false
 -1.5 => 7: -1.5
 [1, 2, 3] => 8: 1 2 3 1
 )-",
-               [](const std::string& property)
-               {
-                   AssetFiles files;
-                   const Library library = files.add("f.json", propertyFile(property)).library();
-                   return Lines{described(*find(library, "p"))};
-               });
+               describedJson);
 }
 
 TEST(AssetShapes, OfAssets)
