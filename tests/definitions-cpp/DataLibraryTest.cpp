@@ -18,9 +18,8 @@ namespace
 using namespace MaterialTranslation;
 
 /// Leaves the folders as they are by default.
-class DataLibrary : public ::testing::Test
+struct DataLibrary : ::testing::Test
 {
-  protected:
     ~DataLibrary() override { setDefinitionFolders({}); }
     support::TemporaryFolder _folder;
 };

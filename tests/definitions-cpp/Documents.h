@@ -4,22 +4,109 @@
 #include <string>
 #include <vector>
 
-#include <MaterialXCore/Document.h>
+#include <MaterialXFormat/XmlIo.h>
 
+#include <MaterialTranslation/Definitions.h>
 #include <MaterialTranslation/Validation.h>
 
 namespace vyr::tests
 {
 
+namespace mx = MaterialX;
+using Lines = std::vector<std::string>;
+
+/// A node with every input of its definition set.
+inline mx::NodePtr addNode(const mx::GraphElementPtr& graph, const mx::NodeDefPtr& definition,
+                           const std::string& name)
+{
+    static const std::map<std::string, std::string> values = {
+        {"vector2", "0.5, 2"},
+        {"vector3", "0, 0, 1"},
+        {"color3", "0.2, 0.4, 0.6"},
+        {"float", "0.5"},
+        {"boolean", "true"},
+        {"string", "clamp"},
+        {"filename", VYR_SOURCE_DIR "/samples/textures/oak_color.jpg"},
+    };
+    static const std::map<std::string, std::string> units = {
+        {"distance", "inch"}, {"angle", "degrees"}, {"luminance", "footlambert"}};
+    const mx::NodePtr node =
+        graph->addNode("kvor:" + definition->getNodeString(), name, definition->getType());
+    for (const mx::InputPtr& declared : definition->getInputs())
+    {
+        const std::string type = declared->getType();
+        const mx::InputPtr input = node->addInput(declared->getName(), type);
+        input->setValueString(values.at(type));
+        if (declared->hasUnitType())
+        {
+            input->setUnitType(declared->getUnitType());
+            input->setUnit(units.at(declared->getUnitType()));
+        }
+        if (type == "color3" || type == "filename")
+            input->setColorSpace(type == "color3" ? "g22_rec709" : "srgb_texture");
+    }
+    return node;
+}
+
 /// By shading node, a document of it with a graph of all textures, and every input with a value, a
 /// unit and a colour space as the converter writes them.
-std::map<std::string, MaterialX::DocumentPtr> samples();
+inline std::map<std::string, mx::DocumentPtr> samples()
+{
+    std::map<std::string, mx::DocumentPtr> result;
+    const auto definitions = MaterialTranslation::definitionLibrary()->getNodeDefs();
+    for (const mx::NodeDefPtr& definition : definitions)
+    {
+        if (definition->getNamespace() != "kvor" || definition->getType() != "surfaceshader")
+            continue;
+        const mx::DocumentPtr document = mx::createDocument();
+        document->setColorSpace("lin_rec709");
+        const mx::NodePtr shader = addNode(document, definition, "sample_shader");
+        document->addMaterialNode("sample", shader);
+        const mx::NodeGraphPtr graph = document->addNodeGraph("NG_sample");
+        for (const mx::NodeDefPtr& texture : definitions)
+        {
+            if (texture->getNamespace() != "kvor" || !texture->getInput("file"))
+                continue;
+            const std::string name = texture->getNodeString() + "_" + texture->getType();
+            const mx::OutputPtr output = graph->addOutput(name + "_output", texture->getType());
+            output->setConnectedNode(addNode(graph, texture, name));
+            // It drives the first input of its type.
+            for (const mx::InputPtr& input : shader->getInputs())
+                if (input->getType() == texture->getType() && input->hasValueString())
+                {
+                    shader->removeInput(input->getName());
+                    shader->addInput(input->getName(), input->getType())
+                        ->setConnectedOutput(output);
+                    break;
+                }
+        }
+        result[definition->getNodeString()] = document;
+    }
+    return result;
+}
 
 /// The text of a document with `content` between the tags of its root, and the document.
-std::string textOf(const std::string& content);
-MaterialX::DocumentPtr documentOf(const std::string& content);
+inline std::string textOf(const std::string& content)
+{
+    return "<?xml version=\"1.0\"?><materialx version=\"1.39\">" + content + "</materialx>";
+}
+
+inline mx::DocumentPtr documentOf(const std::string& content)
+{
+    const mx::DocumentPtr document = mx::createDocument();
+    mx::readFromXmlString(document, textOf(content));
+    return document;
+}
 
 /// "path: code: text" of each message.
-std::vector<std::string> lines(const std::vector<MaterialTranslation::ValidationMessage>& messages);
+inline Lines lines(const std::vector<MaterialTranslation::ValidationMessage>& messages)
+{
+    Lines result;
+    for (const auto& message : messages)
+        result.push_back(message.path + ": " +
+                         MaterialTranslation::validationCodeName(message.code) + ": " +
+                         message.text);
+    return result;
+}
 
 } // namespace vyr::tests

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <MaterialXFormat/XmlIo.h>
-
 #include <MaterialTranslation/NodeForms.h>
 
 #include "Documents.h"
@@ -11,9 +9,7 @@ namespace vyr::tests
 namespace
 {
 
-namespace mx = MaterialX;
 using namespace MaterialTranslation;
-using Lines = std::vector<std::string>;
 
 const ValidationOptions alone{{}, DefinitionSet::Standard};
 
@@ -41,7 +37,7 @@ TEST(NodeForms, OfEverySampleStandAloneAndAreTheSameEveryTime)
         EXPECT_EQ((standard + embedded).find("xi:include"), embedded.npos);
         EXPECT_EQ(standard.find("kvor:"), standard.npos);
         EXPECT_EQ(standard.find("<nodedef"), standard.npos);
-        for (const std::string other : {"metal", "opaque", "transparent", "layered", "glazing"})
+        for (const auto& [other, unused] : samples())
             EXPECT_EQ(embedded.find("\"kvor:ND_" + other + "_surfaceshader\"") != embedded.npos,
                       other == node);
         for (const std::string& text : {embedded, standard})
@@ -54,20 +50,17 @@ TEST(NodeForms, OfEverySampleStandAloneAndAreTheSameEveryTime)
                 EXPECT_TRUE(document->getDescendant(name)) << name;
             EXPECT_EQ(document->getNode("sample")->getInput("surfaceshader")->getConnectedNode(),
                       document->getNode("sample_shader"));
+            for (const mx::NodePtr& image : document->getNodeGraph("NG_sample")->getNodes("image"))
+                EXPECT_EQ(image->getInput("file")->hasColorSpace(), image->isColorType());
         }
     }
 }
 
 TEST(NodeForms, ConvertUnits)
 {
-    struct Case
-    {
-        const char* attributes;
-        const char* embedded;
-        const char* standard;
-    };
+    // The attributes of an input, and its value, unit and unit type in the two forms that stand alone.
     // clang-format off
-    const Case cases[] = {
+    const char* const cases[][3] = {
         {R"(type="vector2" value="2, 10" unit="inch" unittype="distance")", "2, 10 inch distance", "0.0508, 0.254 meter distance"},
         {R"(type="vector2" value="2, 10")", "2, 10  ", "2, 10  "},
         {R"(type="float" value="90" unit="degrees" unittype="angle")", "90 degree angle", "90 degree angle"},
@@ -78,53 +71,17 @@ TEST(NodeForms, ConvertUnits)
         {R"(type="float" value="2" unittype="luminance")", "2  ", "2  "},
     };
     // clang-format on
-    for (const Case& c : cases)
-        for (const NodeForm form : {NodeForm::Embed, NodeForm::Standard})
+    for (const auto& [attributes, embedded, standard] : cases)
+        for (const bool embed : {true, false})
         {
             const mx::DocumentPtr document =
-                documentOf(std::string(R"(<constant name="n"><input name="value" )") +
-                           c.attributes + "/></constant>");
-            EXPECT_EQ(lines(applyNodeForm(document, form)), Lines());
+                documentOf(std::string(R"(<constant name="n"><input name="value" )") + attributes +
+                           "/></constant>");
+            applyNodeForm(document, embed ? NodeForm::Embed : NodeForm::Standard);
             const mx::InputPtr input = document->getNode("n")->getInput("value");
             EXPECT_EQ(input->getValueString() + " " + input->getUnit() + " " + input->getUnitType(),
-                      form == NodeForm::Embed ? c.embedded : c.standard);
+                      embed ? embedded : standard);
         }
-}
-
-TEST(NodeForms, KeepColourTransformsWhereTheyBelong)
-{
-    struct Case
-    {
-        std::string type;
-        std::string space;
-        std::string setting;
-        const char* imageSpace;
-        bool transformed;
-    };
-    const char* invert = R"("invert" type="boolean" value="true")";
-    const char* amount = R"("rgbamount" type="float" value="0.5")";
-    const char* nothing = R"("rgbamount" type="float" value="1.0")";
-    const Case cases[] = {
-        {"color3", "srgb_texture", nothing, "srgb_texture", false},
-        {"color3", "srgb_texture", invert, "none", true},
-        {"color4", "srgb_texture", amount, "none", true},
-        {"color3", "lin_rec709", invert, "lin_rec709", false},
-        {"float", "srgb_texture", invert, "", false},
-    };
-    for (const Case& c : cases)
-    {
-        const mx::DocumentPtr document = documentOf(
-            R"(<nodegraph name="g"><kvor:bitmap name="b" type=")" + c.type +
-            R"("><input name="file" type="filename" value="a.png" colorspace=")" + c.space +
-            "\"/><input name=" + c.setting + R"(/></kvor:bitmap><output name="o" type=")" + c.type +
-            R"(" nodename="b"/></nodegraph>)");
-        EXPECT_EQ(lines(applyNodeForm(document, NodeForm::Standard)), Lines());
-        const mx::NodeGraphPtr graph = document->getNodeGraph("g");
-        ASSERT_EQ(graph->getNodes("image").size(), 1u);
-        EXPECT_EQ(graph->getNodes("image")[0]->getInput("file")->getColorSpace(), c.imageSpace);
-        EXPECT_EQ(graph->getOutput("o")->getNodeName(), c.transformed ? "b_linear" : "b");
-        EXPECT_EQ(graph->getNodes("srgb_texture_to_lin_rec709").size(), c.transformed ? 1u : 0u);
-    }
 }
 
 TEST(NodeForms, LeaveWhatTheyDoNotKnowAndSaySo)

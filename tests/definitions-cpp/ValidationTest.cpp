@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <MaterialXFormat/XmlIo.h>
-
 #include <MaterialTranslation/Validation.h>
 
 #include "Documents.h"
@@ -12,9 +10,7 @@ namespace vyr::tests
 namespace
 {
 
-namespace mx = MaterialX;
 using namespace MaterialTranslation;
-using Lines = std::vector<std::string>;
 
 std::string graph(const std::string& nodes)
 {

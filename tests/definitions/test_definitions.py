@@ -6,23 +6,6 @@ import kvor_library as kv
 import MaterialX.PyMaterialXGenShader as mx_gen
 from gl_picture import compiled
 
-PLACEMENT = "file realworld_offset realworld_scale uv_offset uv_scale uaddressmode vaddressmode rotation_angle"
-SURFACE = "surface_albedo surface_roughness surface_anisotropy surface_rotation surface_normal surface_cutout"
-
-# What the converter writes: nodes with their types, and their inputs.
-WRITTEN = {
-    "bitmap color3, bitmap color4, bitmap float, bitmap vector3": f"{PLACEMENT} rgbamount invert",
-    "height_map vector3": f"{PLACEMENT} depth",
-    "normal_map vector3": f"{PLACEMENT} normal_scale",
-    "metal surfaceshader": f"{SURFACE} metal_f0",
-    "opaque surfaceshader": f"{SURFACE} opaque_albedo opaque_f0 opaque_translucency opaque_mfp_modifier opaque_mfp "
-    "opaque_emission opaque_luminance opaque_luminance_modifier",
-    "transparent surfaceshader": f"{SURFACE} transparent_ior transparent_color transparent_distance",
-    "layered surfaceshader": f"{SURFACE} layered_f0 layered_roughness layered_anisotropy layered_rotation "
-    "layered_diffuse layered_bottom_f0 layered_fraction layered_fraction_invert layered_normal",
-    "glazing surfaceshader": f"{SURFACE} glazing_transmission_color glazing_transmission_roughness glazing_f0 "
-    "glazing_backface_culling",
-}
 UNITS = {
     "distance": "nanometer micron millimeter centimeter inch foot yard meter kilometer mile".split(),
     "angle": ["degrees", "radians"],
@@ -34,23 +17,25 @@ VALUES = {
 }  # fmt: skip
 
 
+def nodes():
+    """The definitions of what the converter writes."""
+    return [d for d in kv.definitions() if d.getType() == "surfaceshader" or d.getInput("file")]
+
+
 def every_document(unit_names):
     """Documents with one node each, whose inputs all have values, units and colour spaces."""
-    for nodes, inputs in WRITTEN.items():
-        for node, type in map(str.split, nodes.split(", ")):
-            doc = kv.document("")
-            element = doc.addNode(f"kvor:{node}", "node", type)
-            definition = next(d for d in kv.definitions() if d.getNodeString() == node and d.getType() == type)
-            for name in inputs.split():
-                declared = definition.getInput(name)
-                value = element.addInput(name, declared.getType())
-                value.setValueString(VALUES[declared.getType()])
-                if unit_type := declared.getUnitType():
-                    value.setUnitType(unit_type)
-                    value.setUnit(unit_names[unit_type])
-                if declared.getType() in ("filename", "color3", "vector3"):
-                    value.setColorSpace("srgb_texture")
-            yield f"{node} {type}", doc
+    for definition in nodes():
+        doc = kv.document("")
+        element = doc.addNode(f"kvor:{definition.getNodeString()}", "node", definition.getType())
+        for declared in definition.getInputs():
+            value = element.addInput(declared.getName(), declared.getType())
+            value.setValueString(VALUES[declared.getType()])
+            if unit_type := declared.getUnitType():
+                value.setUnitType(unit_type)
+                value.setUnit(unit_names[unit_type])
+            if declared.getType() in ("filename", "color3", "vector3"):
+                value.setColorSpace("srgb_texture")
+        yield definition.getName(), doc
 
 
 class Definitions(unittest.TestCase):
@@ -75,11 +60,13 @@ class Definitions(unittest.TestCase):
             value = definition.getInput(name)
             return {a: value.getAttribute(a) for a in value.getAttributeNames() if (name, a) != ("file", "doc")}
 
-        textures = [d for d in kv.definitions() if d.getInput("file")]
-        self.assertEqual(len(textures), 6)
-        for definition in textures:
-            for name in PLACEMENT.split():
-                self.assertEqual(attributes(definition, name), attributes(textures[0], name), definition.getName())
+        first, *others = [d for d in nodes() if d.getInput("file")]
+        self.assertEqual((len(nodes()), len(others)), (11, 5))
+        placement = [i.getName() for i in first.getInputs() if all(d.getInput(i.getName()) for d in others)]
+        self.assertEqual(len(placement), 8)
+        for definition in others:
+            for name in placement:
+                self.assertEqual(attributes(definition, name), attributes(first, name), definition.getName())
 
 
 class Documents(unittest.TestCase):
