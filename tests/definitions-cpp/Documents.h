@@ -68,17 +68,16 @@ inline std::map<std::string, mx::DocumentPtr> samples()
             if (texture->getNamespace() != "kvor" || !texture->getInput("file"))
                 continue;
             const std::string name = texture->getNodeString() + "_" + texture->getType();
-            const mx::OutputPtr output = graph->addOutput(name + "_output", texture->getType());
-            output->setConnectedNode(addNode(graph, texture, name));
-            // It drives the first input of its type.
-            for (const mx::InputPtr& input : shader->getInputs())
-                if (input->getType() == texture->getType() && input->hasValueString())
-                {
-                    shader->removeInput(input->getName());
-                    shader->addInput(input->getName(), input->getType())
-                        ->setConnectedOutput(output);
-                    break;
-                }
+            graph->addOutput(name + "_output", texture->getType())
+                ->setConnectedNode(addNode(graph, texture, name));
+        }
+        for (const auto& [input, texture] : {std::pair("surface_albedo", "bitmap_color3_output"),
+                                             {"surface_normal", "height_map_vector3_output"},
+                                             {"surface_roughness", "bitmap_float_output"}})
+        {
+            shader->removeInput(input);
+            const mx::OutputPtr output = graph->getOutput(texture);
+            shader->addInput(input, output->getType())->setConnectedOutput(output);
         }
         result[definition->getNodeString()] = document;
     }

@@ -36,19 +36,18 @@ const std::string pieces[] = {
 /// generator's numbers, since the standard distributions differ from one library to the next.
 std::string mutated(std::string text, std::mt19937& random)
 {
-    const auto below = [&](std::size_t limit) { return limit == 0 ? 0 : random() % limit; };
-    for (std::size_t changes = 1 + below(4); changes > 0; --changes)
+    for (std::size_t changes = 1 + random() % 4; changes > 0; --changes)
     {
-        const std::size_t at = below(text.size() + 1);
-        const std::string part = text.substr(at, below(40));
-        const std::string& piece = pieces[below(std::size(pieces))];
-        const std::size_t kind = below(5);
-        if (kind == 0 && at < text.size())
-            text[at] = static_cast<char>(random());
+        const std::size_t at = random() % (text.size() + 1);
+        const std::string part = text.substr(at, random() % 40);
+        const std::string& piece = pieces[random() % std::size(pieces)];
+        const std::size_t kind = random() % 5;
+        if (kind == 0)
+            text.replace(at, 1, 1, static_cast<char>(random()));
         else if (kind == 1)
             text.erase(at, part.size());
         else if (kind == 2)
-            text.insert(below(text.size() + 1), part);
+            text.insert(random() % (text.size() + 1), part);
         else
             text.replace(at, kind == 3 ? 0 : part.size(), piece);
     }

@@ -38,12 +38,6 @@ bool holds(const platform::IPropertyConstTable& table)
     return true;
 }
 
-bool isOneLine(const std::string& text)
-{
-    return !text.empty() && std::none_of(text.begin(), text.end(), [](char c)
-                                         { return static_cast<unsigned char>(c) < 0x20; });
-}
-
 /// What is wrong with what came of a file's bytes, empty when all holds: a library or errors, each error on
 /// one line with a place inside the file, tables that find what they list, references all given back.
 std::string checkAssetFile(const std::filesystem::path& file, const std::string& bytes)
@@ -54,11 +48,14 @@ std::string checkAssetFile(const std::filesystem::path& file, const std::string&
     const LoadResult result = load({file.string()});
     if (result.library.has_value() != result.errors.empty())
         return "neither library nor errors";
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20; };
     const auto lines = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n')) + 1;
     for (const LoadError& error : result.errors)
     {
-        if (!isOneLine(error.format()) || error.line > lines || error.column > bytes.size() + 1)
-            return "error: " + error.format();
+        const std::string text = error.format();
+        const bool isOneLine = !text.empty() && std::none_of(text.begin(), text.end(), isControl);
+        if (!isOneLine || error.line > lines || error.column > bytes.size() + 1)
+            return "error: " + text;
     }
     if (!result.library)
         return {};

@@ -94,21 +94,6 @@ TEST_F(BitmapNode, StatesTheUnitOfTheFirstComponent)
     }
 }
 
-TEST_F(BitmapNode, RefusesPropertiesOfTheWrongType)
-{
-    for (const char* property :
-         {"texture_RealWorldOffsetX", "texture_RealWorldScaleY", "texture_UOffset",
-          "texture_VScale", "texture_URepeat", "texture_WAngle", "unifiedbitmap_Invert"})
-    {
-        AssetBuilder bitmap("UnifiedBitmapSchema");
-        EXPECT_FALSE(nodeOf(bitmap.string(property, "text")));
-        EXPECT_FALSE(_translation.succeeded) << property;
-        EXPECT_EQ(_translation.first(DiagnosticCode::PropertyType).property,
-                  std::string("generic_diffuse/") + property);
-        EXPECT_TRUE(_translation.document->getChildren().empty()) << property;
-    }
-}
-
 } // namespace
 
 } // namespace vyr::hosttests
