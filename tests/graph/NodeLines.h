@@ -10,11 +10,13 @@ namespace vyr::graphtests
 
 using Lines = std::vector<std::string>;
 
-/// Each input of a node as "name type", with what it reads and states; none for no node.
+/// "category type", then each input as "name type" with what it reads and states; none for no node.
 inline Lines linesOf(const MaterialX::NodePtr& node)
 {
-    Lines lines;
-    for (const auto& input : node ? node->getInputs() : std::vector<MaterialX::InputPtr>())
+    if (!node)
+        return {};
+    Lines lines{node->getCategory() + " " + node->getType()};
+    for (const MaterialX::InputPtr& input : node->getInputs())
     {
         lines.push_back(input->getName() + " " + input->getType());
         for (const char* attribute : {"nodename", "interfacename", "nodegraph", "output", "value",

@@ -89,6 +89,7 @@ struct Expected
         : builder(lyrexBuilder("Lyrex" + family + "Schema")),
           category("kvor:" + mx::stringToLower(family))
     {
+        inputs.push_back(category + " surfaceshader");
         const mx::NodeDefPtr definition = dataLibrary()->getMatchingNodeDefs(category).at(0);
         for (const std::string& name : mx::splitString(names, " "))
             add(name, definition->getInput(name)->getType(), stateOf(name), position++);
@@ -115,7 +116,7 @@ struct Expected
         if (state.name == unhandled.name && refused.empty() && type != "boolean")
             refused = name;
         // The fraction has decided its direction already: only an image of it is not inverted.
-        const bool decided = !inputs.empty() && inputs.back().starts_with(name + " ");
+        const bool decided = inputs.back().starts_with(name + " ");
         if (decided && state.plain &&
             !inputs.back().ends_with(position % 2 == 1 ? "true" : "false"))
             lost.insert(name);

@@ -36,9 +36,8 @@ TEST_F(BitmapNode, HasAllItsInputsInOrder)
     AssetBuilder bare("UnifiedBitmapSchema");
     mx::NodePtr node = nodeOf(bare);
     ASSERT_TRUE(node) << _translation.report();
-    EXPECT_EQ(node->getCategory() + " " + node->getType(), "kvor:bitmap color3");
     EXPECT_EQ(linesOf(node),
-              (Lines{file, "realworld_offset vector2 value=0, 0",
+              (Lines{"kvor:bitmap color3", file, "realworld_offset vector2 value=0, 0",
                      "realworld_scale vector2 value=1, 1", "uv_offset vector2 value=0, 0",
                      "uv_scale vector2 value=1, 1", "uaddressmode string value=clamp",
                      "vaddressmode string value=clamp", "rotation_angle float value=0",
@@ -60,7 +59,8 @@ TEST_F(BitmapNode, HasAllItsInputsInOrder)
     node = nodeOf(full);
     ASSERT_TRUE(node);
     EXPECT_EQ(linesOf(node),
-              (Lines{file, "realworld_offset vector2 value=1.5, -2 unit=inch unittype=distance",
+              (Lines{"kvor:bitmap color3", file,
+                     "realworld_offset vector2 value=1.5, -2 unit=inch unittype=distance",
                      "realworld_scale vector2 value=300, 600 unit=millimeter unittype=distance",
                      "uv_offset vector2 value=0.25, 0.5", "uv_scale vector2 value=2, 3",
                      "uaddressmode string value=periodic", "vaddressmode string value=clamp",
@@ -88,7 +88,7 @@ TEST_F(BitmapNode, StatesTheUnitOfTheFirstComponent)
         bitmap.scalar("texture_RealWorldScaleX", 2, x).scalar("texture_RealWorldScaleY", 3, y);
         const mx::NodePtr node = nodeOf(bitmap);
         ASSERT_TRUE(node);
-        EXPECT_EQ(linesOf(node).at(2), "realworld_scale vector2 value=2, 3" + unit);
+        EXPECT_EQ(linesOf(node).at(3), "realworld_scale vector2 value=2, 3" + unit);
         EXPECT_EQ(_translation.diagnostics.size(), told == none ? 0u : 1u) << _translation.report();
         EXPECT_EQ(_translation.count(told), told == none ? 0u : 1u) << _translation.report();
     }

@@ -60,6 +60,18 @@ class Slots : public HostTest
                          with(&ConverterOptions::imageSize, size));
     }
 
+    /// A material with something that its document cannot say, and the one warning that tells of it.
+    void expectOne(AssetBuilder& material, DiagnosticCode code, const std::string& property) const
+    {
+        const Translation one = translate(material.build());
+        EXPECT_TRUE(one.succeeded);
+        ASSERT_EQ(one.diagnostics.size(), 1u) << property << "\n" << one.report();
+        EXPECT_EQ(one.diagnostics[0].severity, Severity::Warning);
+        EXPECT_EQ(one.count(code), 1u) << one.report();
+        EXPECT_EQ(one.diagnostics[0].property, property);
+        EXPECT_EQ(one.diagnostics[0].asset, "asset-id");
+    }
+
     const std::string _image = fs::path(VYR_SOURCE_DIR) / "samples/textures/tile_height.png";
 };
 
@@ -74,9 +86,9 @@ TEST_F(Slots, AreConnectedToANodeOfTheRightType)
         const Translation one = translate(prepared(slot).connect(slot.property, bitmap).build());
         const mx::NodePtr node = nodeBehind(one.document, slot.input);
         ASSERT_TRUE(node) << slot.property << "\n" << one.report();
-        EXPECT_EQ(node->getName() + " " + node->getType(),
-                  std::string(slot.property) + " " + slot.type);
-        EXPECT_EQ(node->getCategory(), &slot == &slots[7] ? "kvor:normal_map" : "kvor:bitmap");
+        EXPECT_EQ(node->getName(), slot.property);
+        EXPECT_EQ(linesOf(node)[0], (&slot == &slots[7] ? "kvor:normal_map " : "kvor:bitmap ") +
+                                        std::string(slot.type));
         EXPECT_EQ(inputOf(one.document, "M_shader", slot.input)->getType(), slot.type);
         EXPECT_TRUE(one.diagnostics.empty()) << slot.property << "\n" << one.report();
         EXPECT_TRUE(isSound(one.document)) << slot.property;
@@ -147,7 +159,8 @@ TEST_F(Slots, OfReliefReadABakedMap)
         const std::string path = node->getInput("file")->getValueString();
         EXPECT_TRUE(fs::is_regular_file(path)) << path;
         EXPECT_TRUE(isSound(one.document));
-        const Lines placed{"file filename value=" + path + " colorspace=lin_rec709",
+        const Lines placed{"kvor:normal_map vector3",
+                           "file filename value=" + path + " colorspace=lin_rec709",
                            "realworld_offset vector2 value=0, 0",
                            "realworld_scale vector2 value=10, 20 unit=inch unittype=distance",
                            "uv_offset vector2 value=0, 0",
@@ -161,7 +174,7 @@ TEST_F(Slots, OfReliefReadABakedMap)
                             (isNoise ? "generic_bump_map_64normal_map.png"
                                      : "tile_height_normalmap.png"));
         // Noise is baked with its amount, and lies nowhere else.
-        EXPECT_EQ(linesOf(node), isNoise ? (Lines{placed[0], placed[2]}) : placed);
+        EXPECT_EQ(linesOf(node), isNoise ? (Lines{placed[0], placed[1], placed[3]}) : placed);
     }
 }
 
@@ -181,25 +194,7 @@ TEST_F(Slots, OfReliefThatCannotBeBakedStayEmpty)
     }
 }
 
-/// A material with something that its document cannot say, and the one warning that tells of it.
-class TextureWarnings : public HostTest
-{
-  protected:
-    void expectOne(AssetBuilder& material, DiagnosticCode code, const std::string& property) const
-    {
-        const Translation one = translate(material.build());
-        EXPECT_TRUE(one.succeeded);
-        ASSERT_EQ(one.diagnostics.size(), 1u) << property << "\n" << one.report();
-        EXPECT_EQ(one.diagnostics[0].severity, Severity::Warning);
-        EXPECT_EQ(one.count(code), 1u) << one.report();
-        EXPECT_EQ(one.diagnostics[0].property, property);
-        EXPECT_EQ(one.diagnostics[0].asset, "asset-id");
-    }
-
-    const std::string _image = TemporaryFolder::utf8(_folder.write("wood.png", ""));
-};
-
-TEST_F(TextureWarnings, TellOfImages)
+TEST_F(Slots, TellOfImages)
 {
     const auto expect = [&](const std::string& path, DiagnosticCode code)
     {
@@ -222,7 +217,7 @@ TEST_F(TextureWarnings, TellOfImages)
     EXPECT_EQ(one.diagnostics.size(), 2u);
 }
 
-TEST_F(TextureWarnings, TellOfAFadeBetweenNothingAndAll)
+TEST_F(Slots, TellOfAFadeBetweenNothingAndAll)
 {
     for (const std::string property : {"generic_diffuse", "generic_transparency"})
         for (const double value : {-1.0, 0.0, 0.001, 0.999, 1.0, 2.0})
@@ -237,7 +232,7 @@ TEST_F(TextureWarnings, TellOfAFadeBetweenNothingAndAll)
         }
 }
 
-TEST_F(TextureWarnings, TellOfWhatIsNotRead)
+TEST_F(Slots, TellOfWhatIsNotRead)
 {
     const auto bitmap = [&]
     {
