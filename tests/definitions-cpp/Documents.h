@@ -15,41 +15,33 @@ namespace vyr::tests
 namespace mx = MaterialX;
 using Lines = std::vector<std::string>;
 
-/// A node with every input of its definition set.
+/// A node with every input that its definition has a value for.
 inline mx::NodePtr addNode(const mx::GraphElementPtr& graph, const mx::NodeDefPtr& definition,
                            const std::string& name)
 {
-    static const std::map<std::string, std::string> values = {
-        {"vector2", "0.5, 2"},
-        {"vector3", "0, 0, 1"},
-        {"color3", "0.2, 0.4, 0.6"},
-        {"float", "0.5"},
-        {"boolean", "true"},
-        {"string", "clamp"},
-        {"filename", VYR_SOURCE_DIR "/samples/textures/oak_color.jpg"},
-    };
     static const std::map<std::string, std::string> units = {
         {"distance", "inch"}, {"angle", "degrees"}, {"luminance", "footlambert"}};
     const mx::NodePtr node =
         graph->addNode("kvor:" + definition->getNodeString(), name, definition->getType());
     for (const mx::InputPtr& declared : definition->getInputs())
     {
-        const std::string type = declared->getType();
-        const mx::InputPtr input = node->addInput(declared->getName(), type);
-        input->setValueString(values.at(type));
+        if (!declared->hasValueString())
+            continue;
+        const mx::InputPtr input = node->addInput(declared->getName(), declared->getType());
+        input->setValueString(declared->getValueString());
         if (declared->hasUnitType())
         {
             input->setUnitType(declared->getUnitType());
             input->setUnit(units.at(declared->getUnitType()));
         }
-        if (type == "color3" || type == "filename")
-            input->setColorSpace(type == "color3" ? "g22_rec709" : "srgb_texture");
+        if (input->getType() == "color3" || input->getType() == "filename")
+            input->setColorSpace("srgb_texture");
     }
     return node;
 }
 
-/// By shading node, a document of it with a graph of all textures, and every input with a value, a
-/// unit and a colour space as the converter writes them.
+/// By shading node, a document of it with a graph of all textures, and inputs with a value, a unit and
+/// a colour space as the converter writes them.
 inline std::map<std::string, mx::DocumentPtr> samples()
 {
     std::map<std::string, mx::DocumentPtr> result;
