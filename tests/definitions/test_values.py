@@ -97,7 +97,8 @@ class Bitmap(unittest.TestCase):
     def test_address_modes(self):
         ramp = np.linspace(0, 1, 4)[None, :, None] * [1, 0, 0] + np.linspace(0, 1, 4)[:, None, None] * [0, 1, 0]
         modes = dict(uaddressmode=("string", "clamp"), vaddressmode=("string", "periodic"))
-        doc = texture("bitmap", "color3", **modes)
+        # Standard nodes say which mode the image itself reads.
+        doc = texture("bitmap", "color3", form=kv.flattened, **modes)
         inside, above, right = (
             picture(doc, OUTPUT, {"image": ramp}, low, np.add(low, 0.5)) for low in ((0.25, 0.25), (0.25, 1.25), (1.25, 0.25))
         )
