@@ -1,6 +1,8 @@
 #include <functional>
 #include <set>
 
+#include <MaterialTranslation/Definitions.h>
+
 #include "materials/LyrexAssets.h"
 
 namespace vyr::materialtests
@@ -90,7 +92,7 @@ struct Expected
           category("kvor:" + mx::stringToLower(family))
     {
         inputs.push_back(category + " surfaceshader");
-        const mx::NodeDefPtr definition = dataLibrary()->getMatchingNodeDefs(category).at(0);
+        const mx::NodeDefPtr definition = definitionLibrary()->getMatchingNodeDefs(category).at(0);
         for (const std::string& name : mx::splitString(names, " "))
             add(name, definition->getInput(name)->getType(), stateOf(name), position++);
         builder.scalar("unheard", 1);
