@@ -125,16 +125,45 @@ void flattenGraph(const mx::GraphElementPtr& graph, const Definitions& definitio
         sortGeometryNodes(graph);
 }
 
+/// Gives the nodes at the top level that are not among `before` names that no node of a graph has: the
+/// shader generation of MaterialX up to 1.39.4 takes the two for one.
+void keepApart(const mx::DocumentPtr& document, const std::vector<mx::NodeGraphPtr>& graphs,
+               const std::set<std::string>& before)
+{
+    const auto inGraph = [&](const std::string& name)
+    {
+        return std::any_of(graphs.begin(), graphs.end(), [&](const mx::NodeGraphPtr& graph)
+                           { return graph->getChild(name) != nullptr; });
+    };
+    for (const mx::NodePtr& node : document->getNodes())
+    {
+        const std::string name = node->getName();
+        if (before.count(name) != 0 || mx::stringStartsWith(name, geometryPrefix) || !inGraph(name))
+            continue;
+        node->setNameGlobal(
+            graph::freeName(name, [&](const std::string& candidate)
+                            { return document->getChild(candidate) || inGraph(candidate); }));
+    }
+}
+
 } // namespace
 
 void flattenNodes(const mx::DocumentPtr& document, const Definitions& definitions,
                   std::vector<ValidationMessage>& messages)
 {
     // Not getNodeGraphs(), which gives those of the shared data library too.
+    std::vector<mx::NodeGraphPtr> graphs;
+    std::set<std::string> before;
     for (const mx::ElementPtr& child : document->getChildren())
+    {
+        before.insert(child->getName());
         if (const auto graph = child->asA<mx::NodeGraph>())
-            flattenGraph(graph, definitions, messages);
+            graphs.push_back(graph);
+    }
+    for (const mx::NodeGraphPtr& graph : graphs)
+        flattenGraph(graph, definitions, messages);
     flattenGraph(document, definitions, messages);
+    keepApart(document, graphs, before);
 }
 
 } // namespace vyr::MaterialTranslation::definitions

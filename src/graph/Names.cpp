@@ -42,12 +42,19 @@ std::string takenName(const mx::DocumentPtr& document, const std::vector<std::st
     return lookIsTaken ? defaultLookName : std::string();
 }
 
-std::string freeName(const mx::ConstElementPtr& parent, const std::string& name)
+std::string freeName(const std::string& name,
+                     const std::function<bool(const std::string&)>& isTaken)
 {
     std::string candidate = name;
-    for (int number = 2; parent->getChild(candidate); ++number)
+    for (int number = 2; isTaken(candidate); ++number)
         candidate = name + std::to_string(number);
     return candidate;
+}
+
+std::string freeName(const mx::ConstElementPtr& parent, const std::string& name)
+{
+    return freeName(name, [&](const std::string& candidate)
+                    { return parent->getChild(candidate) != nullptr; });
 }
 
 } // namespace vyr::MaterialTranslation::graph

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,7 +27,10 @@ bool isIdentifier(std::string_view name);
 std::string takenName(const MaterialX::DocumentPtr& document, const std::vector<std::string>& names,
                       bool addLook);
 
-/// `name`, or `name` with the smallest number from 2 behind it that is free in `parent`.
+/// `name`, or `name` with the smallest number from 2 behind it that is not taken.
+std::string freeName(const std::string& name,
+                     const std::function<bool(const std::string&)>& isTaken);
+/// The same, free in `parent`.
 std::string freeName(const MaterialX::ConstElementPtr& parent, const std::string& name);
 
 } // namespace vyr::MaterialTranslation::graph

@@ -112,5 +112,20 @@ TEST(NodeForms, SurviveNamesThatTheirGraphsUse)
         EXPECT_EQ(document->getDescendant(name)->getCategory(), "multiply") << name;
 }
 
+TEST(NodeForms, NameNoNodeAtTheTopLikeOneInAGraph)
+{
+    // The shading node and the normal map both bring a node called "turned".
+    const mx::DocumentPtr document = documentOf(
+        R"(<kvor:metal name="m" type="surfaceshader"><input name="surface_normal" type="vector3" nodegraph="g" output="o"/></kvor:metal>)"
+        R"(<nodegraph name="g"><kvor:normal_map name="n" type="vector3"/><output name="o" type="vector3" nodename="n"/></nodegraph>)");
+    EXPECT_EQ(lines(applyNodeForm(document, NodeForm::Standard)), Lines());
+    EXPECT_EQ(lines(validateDocument(document, alone)), Lines());
+    const mx::NodeGraphPtr graph = document->getNodeGraph("g");
+    EXPECT_TRUE(graph->getNode("turned"));
+    for (const mx::NodePtr& node : document->getNodes())
+        EXPECT_TRUE(node->getName().rfind("geomNode_", 0) == 0 || !graph->getNode(node->getName()))
+            << node->getName();
+}
+
 } // namespace
 } // namespace vyr::tests
