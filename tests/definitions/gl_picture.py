@@ -1,9 +1,12 @@
 """Runs generated GLSL in OpenGL without a window, and gives back what it computes."""
 
+import functools
 import os
 
-os.environ.setdefault("LIBGL_ALWAYS_SOFTWARE", "1")
-os.environ.setdefault("EGL_PLATFORM", "surfaceless")
+# Pictures are small and shaders large: the driver that compiles least is by far the fastest. It can do all that the
+# shaders use of OpenGL 4.0.
+os.environ |= {"LIBGL_ALWAYS_SOFTWARE": "1", "EGL_PLATFORM": "surfaceless", "GALLIUM_DRIVER": "softpipe",
+               "MESA_GL_VERSION_OVERRIDE": "4.0", "MESA_GLSL_VERSION_OVERRIDE": "400"}  # fmt: skip
 
 import moderngl  # noqa: E402 (the driver reads the environment when it is loaded)
 import numpy as np  # noqa: E402
@@ -14,6 +17,8 @@ SIZE = 16
 _WRAPS = {"1": False, "2": True}  # the generators' numbers for "clamp" and "periodic"
 _FRAME = {"i_normal": (0, 0, 1), "i_tangent": (1, 0, 0), "i_bitangent": (0, 1, 0)}
 _CORNERS = np.array([(0, 0), (1, 0), (0, 1), (1, 1)], "f4")
+# Light from all around, rows of the sky from below: nothing is black, and no two directions are alike.
+_SKY = 0.2 + np.random.default_rng(1).random((8, 16, 3)) * [2.0, 1.5, 1.0]
 _context = None
 
 
@@ -31,7 +36,12 @@ def texture_coordinates(low, high):
 
 
 def compiled(shader):
-    return context().program(vertex_shader=shader.getSourceCode("vertex"), fragment_shader=shader.getSourceCode("pixel"))
+    return _program(shader.getSourceCode("vertex"), shader.getSourceCode("pixel"))
+
+
+@functools.cache
+def _program(vertex, pixel):
+    return context().program(vertex_shader=vertex, fragment_shader=pixel)
 
 
 def picture(doc, path, images=None, low=(0, 0), high=(1, 1)):
@@ -43,7 +53,8 @@ def picture(doc, path, images=None, low=(0, 0), high=(1, 1)):
     shader = generate(doc, path)
     program = compiled(shader)
     _bind_values(program, shader)
-    _bind_images(program, shader, images or {})
+    _bind_images(program, shader, {} if images is None else images)
+    _bind_light(program)
     for name in program:
         member = program[name]
         if isinstance(member, moderngl.Uniform) and member.dimension == 16:
@@ -65,16 +76,29 @@ def _bind_values(program, shader):
 def _bind_images(program, shader, images):
     ports = {port.getVariable(): port for port in shader.getStage("pixel").getUniformBlock("PublicUniforms")}
     files = [port for port in ports.values() if port.getType().getName() == "filename"]
-    for unit, port in enumerate(files):
-        pixels = np.atleast_3d(np.asarray(images[port.getValue().getValueString()], "f4"))
-        texture = context().texture(pixels.shape[1::-1], pixels.shape[2], pixels.tobytes(), dtype="f4")
+    for unit, port in enumerate(files, start=2):
+        texture = _bind_texture(program, port.getVariable(), images[port.getValue().getValueString()], unit)
         root = port.getVariable().removesuffix("file")
         texture.repeat_x, texture.repeat_y = (
             _WRAPS[ports[f"{root}{axis}addressmode"].getValue().getValueString()] for axis in "uv"
         )
-        texture.use(unit)
-        if port.getVariable() in program:
-            program[port.getVariable()].value = unit
+
+
+def _bind_light(program):
+    """Of the shading models: where they are seen from, and their surroundings, sharp and soft."""
+    if "u_viewPosition" in program:
+        program["u_viewPosition"].value = (0.5, 1.5, 2)
+    _bind_texture(program, "u_envRadiance", _SKY, 0)
+    _bind_texture(program, "u_envIrradiance", _SKY[::4, ::4], 1)
+
+
+def _bind_texture(program, variable, pixels, unit):
+    pixels = np.atleast_3d(np.asarray(pixels, "f4"))
+    texture = context().texture(pixels.shape[1::-1], pixels.shape[2], pixels.tobytes(), dtype="f4")
+    texture.use(unit)
+    if variable in program:
+        program[variable].value = unit
+    return texture
 
 
 def _square(program, low, high):
