@@ -1,6 +1,11 @@
 // The Chromium of the machine, without a window, a graphics card or a network.
 
+import { mkdtemp, rm, writeFile } from "node:fs/promises";
+import { tmpdir } from "node:os";
+import path from "node:path";
+import { fileURLToPath, pathToFileURL } from "node:url";
 import { chromium } from "playwright-core";
+import { bundle } from "./bundle.js";
 
 const FLAGS = [
     "--no-sandbox", "--disable-gpu", "--use-gl=angle", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
@@ -29,6 +34,19 @@ export async function withPage(url, ready, problems, action) {
         return await action(page);
     } finally {
         await browser.close();
+    }
+}
+
+/** The same with a page that has nothing but a script of this folder in it. */
+export async function withScript(script, ready, problems, action) {
+    const work = await mkdtemp(path.join(tmpdir(), "gallery-"));
+    try {
+        await bundle(path.join(path.dirname(fileURLToPath(import.meta.url)), script), path.join(work, "script.js"));
+        const page = path.join(work, "page.html");
+        await writeFile(page, '<!doctype html><meta charset="utf-8"><link rel="icon" href="data:,"><body><script src="script.js"></script>');
+        return await withPage(pathToFileURL(page).href, ready, problems, action);
+    } finally {
+        await rm(work, { recursive: true });
     }
 }
 

@@ -1,15 +1,12 @@
 // pictures.js <folder of the page> <folder>: draws the pictures of the documentation into the folder: gallery.webp, a
 // selection of the materials on the page, and node-<name>.webp of every kvor node.
 
-import { mkdtemp, rm, writeFile } from "node:fs/promises";
-import { tmpdir } from "node:os";
+import { writeFile } from "node:fs/promises";
 import path from "node:path";
-import { fileURLToPath, pathToFileURL } from "node:url";
+import { pathToFileURL } from "node:url";
+import { withPage, withScript } from "./browser.js";
 import { SELECTION } from "./selection.js";
-import { withPage } from "./browser.js";
-import { bundle } from "./bundle.js";
 
-const here = path.dirname(fileURLToPath(import.meta.url));
 const [gallery, folder] = process.argv.slice(2);
 const problems = [];
 
@@ -44,16 +41,8 @@ async function drawGallery() {
 }
 
 async function drawNodes() {
-    const work = await mkdtemp(path.join(tmpdir(), "gallery-"));
-    try {
-        await bundle(path.join(here, "src/rows.js"), path.join(work, "rows.js"));
-        const page = path.join(work, "rows.html");
-        await writeFile(page, '<!doctype html><meta charset="utf-8"><link rel="icon" href="data:,"><body><script src="rows.js"></script>');
-        const rows = await withPage(pathToFileURL(page).href, "rows", problems, (opened) => opened.evaluate(() => window.rows));
-        for (const [node, url] of Object.entries(rows)) await save(`node-${node}`, url);
-    } finally {
-        await rm(work, { recursive: true });
-    }
+    const rows = await withScript("src/rows.js", "rows", problems, (opened) => opened.evaluate(() => window.rows));
+    for (const [node, url] of Object.entries(rows)) await save(`node-${node}`, url);
 }
 
 await drawNodes();

@@ -17,6 +17,7 @@ const WHITE_LUMINANCE = 500;
 // Candela per square metre of one unit of radiance in the shaders, as the documents count emission.
 const LUMINANCE_OF_RADIANCE_ONE = 1000;
 const REFLECTION_SAMPLES = 24;
+/** Compiled shaders live as long as a material that uses them. */
 const KEPT_MATERIALS = 24;
 /** Share of the shade on the floor that things with holes cast. */
 const THIN_SHADE = 0.4;
@@ -29,9 +30,13 @@ const VIEWS = {
 };
 
 export class Studio {
-    /** @param images data URLs by the names that documents use */
-    constructor(images) {
+    /**
+     * @param images data URLs by the names that documents use
+     * @param limit how many materials are kept for others to share their shaders
+     */
+    constructor(images, limit = KEPT_MATERIALS) {
         this.images = images;
+        this.limit = limit;
         this.textures = new Map();
         this.errors = [];
         this.kept = [];
@@ -146,10 +151,9 @@ export class Studio {
         return shading;
     }
 
-    // A compiled shader lives as long as a material that uses it.
     #keep(shading) {
         this.kept.push(shading);
-        if (this.kept.length > KEPT_MATERIALS) this.kept.shift().dispose();
+        if (this.kept.length > this.limit) this.kept.shift().dispose();
     }
 
     #texture(name) {

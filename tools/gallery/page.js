@@ -1,4 +1,4 @@
-// test.js <folder of the page>: opens the page in Chromium and checks every picture; writes them to pictures/ in the
+// page.js <folder of the page>: opens the page in Chromium and checks every picture; writes them to pictures/ in the
 // folder.
 
 import { mkdir, rm, writeFile } from "node:fs/promises";

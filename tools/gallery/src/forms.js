@@ -1,0 +1,35 @@
+// Draws documents for comparison with others that must look the same.
+
+import { difference } from "../difference.js";
+import { createGenerator } from "./generator.js";
+import { tileSize } from "./measure.js";
+import { Studio } from "./studio.js";
+
+// Compiling the shaders takes most of the time; this is large enough for textures to be seen.
+const WIDTH = 120;
+const HEIGHT = 80;
+
+class Comparison {
+    async open(images) {
+        this.generator = await createGenerator();
+        this.studio = new Studio(images, Infinity);
+    }
+
+    /** How the pictures of other documents differ from that of the first. */
+    async differences(text, others) {
+        const { metres } = tileSize(text);
+        const own = await this.#pixels(text, metres);
+        const found = [];
+        for (const other of others) found.push(difference(own, await this.#pixels(other, metres)));
+        return found;
+    }
+
+    async #pixels(text, metres) {
+        const canvas = document.createElement("canvas");
+        Object.assign(canvas, { width: WIDTH, height: HEIGHT });
+        await this.studio.draw(await this.generator.material(text), { metres }, canvas);
+        return canvas.getContext("2d").getImageData(0, 0, WIDTH, HEIGHT).data;
+    }
+}
+
+window.comparison = new Comparison();
