@@ -9,8 +9,8 @@ const FORMS = ["embed", "standard"];
 // Channels of 0 to 255. The shaders do the same calculations, but not all in the same order: last digits differ,
 // and a value that lies between two steps may be rounded either way.
 const TOLERANCE = { most: 2, mean: 0.01 };
-// What a comparison must notice: textures that are larger by a tenth.
-const DAMAGE = [/unit="meter"/g, 'unit="yard"'];
+// What a comparison must notice: textures that are smaller by a tenth.
+const DAMAGE = ['unit="meter"', 'unit="yard"'];
 
 const tooFar = ({ most, mean }) => most > TOLERANCE.most || mean > TOLERANCE.mean;
 const figures = ({ most, mean }) => `at most ${most}, mean ${mean.toFixed(4)}`;
@@ -19,9 +19,11 @@ const figures = ({ most, mean }) => `at most ${most}, mean ${mean.toFixed(4)}`;
 async function readForms(folder) {
     const all = await materials(path.join(folder, "documents"));
     for (const form of FORMS) {
-        const others = await materials(path.join(folder, "forms", form));
-        if (others.length !== all.length) throw new Error(`${others.length} documents in the form ${form}, ${all.length} by reference`);
-        all.forEach((material, i) => (material[form] = others[i].text));
+        const others = new Map((await materials(path.join(folder, "forms", form))).map(({ key, text }) => [key, text]));
+        for (const material of all) {
+            if (!others.has(material.key)) throw new Error(`${material.key} has no document in the form ${form}`);
+            material[form] = others.get(material.key);
+        }
     }
     return all;
 }
@@ -31,8 +33,8 @@ const differences = (page, text, others) =>
 
 /** The comparison itself must tell pictures apart. */
 async function checkComparison(page, all) {
-    const { key, text, standard } = all.find((material) => DAMAGE[0].test(material.standard));
-    const [found] = await differences(page, text, [standard.replace(...DAMAGE)]);
+    const { key, text, standard } = all.find((material) => material.standard.includes(DAMAGE[0]));
+    const [found] = await differences(page, text, [standard.replaceAll(...DAMAGE)]);
     if (!tooFar(found)) throw new Error(`${key}: a damaged document goes unnoticed (${figures(found)})`);
     console.log(`${key}: a damaged document differs by ${figures(found)}`);
 }
