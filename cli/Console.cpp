@@ -37,6 +37,10 @@ void prepareStandardStreams()
 #if defined(SIGPIPE)
     std::signal(SIGPIPE, SIG_IGN);
 #endif
+#if defined(SIGXFSZ)
+    // A file that may not grow further fails its material, not the run.
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
 #if defined(_WIN32)
     SetConsoleOutputCP(CP_UTF8);
 #endif

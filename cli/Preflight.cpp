@@ -6,6 +6,7 @@
 #include <system_error>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "Console.h"
 #include "DocumentNames.h"
@@ -27,8 +28,12 @@ class Preflight
     {
         for (const std::string& file : command.files)
         {
-            _inputs.push_back(placeOf(pathFromUtf8(file)));
-            keep(_inputs.back(), "an input file");
+            const fs::path place = placeOf(pathFromUtf8(file));
+            for (const fs::path& input : {place, targetOf(place)})
+            {
+                _inputs.push_back(input);
+                keep(input, "an input file");
+            }
         }
         if (command.report.empty())
             return;
@@ -44,11 +49,12 @@ class Preflight
             return {};
         if (std::ranges::find(_inputs, *_report) != _inputs.end())
             return "it is an input file";
-        if (fs::exists(*_report, ignored) && !fs::is_regular_file(*_report, ignored) &&
-            !fs::is_directory(*_report, ignored))
-            return "it is no ordinary file";
         if (fs::is_directory(*_report, ignored))
             return "it is a folder";
+        // A link may lead to what this process has open, as "/dev/stdout" does.
+        const fs::file_status status = fs::symlink_status(*_report, ignored);
+        if (fs::exists(status) && !fs::is_regular_file(status))
+            return "it is no ordinary file";
         const fs::path parent = _report->parent_path();
         if (parent != _folder && !fs::is_directory(parent, ignored))
             return "there is no such folder";
@@ -63,8 +69,8 @@ class Preflight
     {
         for (const std::string& reference : reachOf(*task.material->asset).images)
         {
-            const fs::path& image = placeOfImage(reference);
-            if (image == _report)
+            const auto& [image, target] = placeOfImage(reference);
+            if (image == _report || target == _report)
                 return "the report would replace its image " + reference;
             const fs::path folder = image.parent_path();
             const std::string name = utf8FromPath(folder.filename());
@@ -82,12 +88,24 @@ class Preflight
     }
 
   private:
-    /// Many materials share an image, and finding its place asks the file system.
-    const fs::path& placeOfImage(const std::string& reference)
+    /// Where a file lies that a link leads to; the place itself for any other.
+    static fs::path targetOf(const fs::path& place)
+    {
+        std::error_code error;
+        const fs::path target = fs::canonical(place, error);
+        return error ? place : target;
+    }
+
+    /// Where an image lies, and where it does if that is a link. Many materials share one, and both ask
+    /// the file system.
+    const std::pair<fs::path, fs::path>& placeOfImage(const std::string& reference)
     {
         const auto [entry, isNew] = _images.try_emplace(reference);
         if (isNew)
-            entry->second = placeOf(pathFromUtf8(reference));
+        {
+            const fs::path place = placeOf(pathFromUtf8(reference));
+            entry->second = {place, targetOf(place)};
+        }
         return entry->second;
     }
 
@@ -100,7 +118,7 @@ class Preflight
     fs::path _folder;
     std::vector<fs::path> _inputs;
     std::optional<fs::path> _report;
-    std::unordered_map<std::string, fs::path> _images;
+    std::unordered_map<std::string, std::pair<fs::path, fs::path>> _images;
     /// Files in the output folder that are not to be replaced, and what they are.
     std::unordered_map<fs::path::string_type, std::string> _kept;
 };

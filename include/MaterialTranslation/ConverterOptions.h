@@ -55,7 +55,8 @@ struct VYR_MTLX_API ConverterOptions
     /// perceived size of a highlight (0.5 gives 0.155).
     std::int32_t roughnessMode = 2;
     /// 1 selects the translator of the legacy schema family for assets outside the "Lyrex" family;
-    /// any other value the Generic translator.
+    /// any other value the Generic translator. That translator does not exist yet: with 1, such assets
+    /// fail with a diagnostic.
     std::int32_t translationPath = 0;
 };
 

@@ -61,6 +61,7 @@ enum class DiagnosticCode : std::int32_t
     TextureCaseDiffers = 1018,
     UnitIgnored = 1019,
     TintIgnored = 1020,
+    UnitMisfit = 1021,
 };
 
 /// One thing worth telling about a conversion. All texts are UTF-8 and owned by the record.

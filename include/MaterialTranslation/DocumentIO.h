@@ -23,9 +23,14 @@ VYR_MTLX_API void writeDocumentFile(const MaterialX::DocumentPtr& document,
                                     const std::filesystem::path& file);
 
 /// Writes a file as a whole: to a temporary name beside it (".vyr-<hash>-<n>.tmp"), then renamed, so
-/// that nobody ever sees half of it and an existing file is only replaced by a whole one. On failure
-/// the temporary file is removed and an existing file stays as it was. The folder must exist. A
-/// temporary file that a killed process left behind is taken over by the next writing of the file.
+/// that nobody ever sees half of it and an existing file is only replaced by a whole one. A new file
+/// gets its name when it is whole instead, where the system can. On failure the temporary file is
+/// removed and an existing file stays as it was. The folder must exist. A temporary file that a killed
+/// process left behind is taken over by the next writing of the file.
+///
+/// What is replaced is the name: a symbolic link there is not followed, other hard links keep the old
+/// content, and the file has the permissions of a new one. Devices, pipes, sockets, and links to them
+/// are refused.
 /// @throws std::filesystem::filesystem_error
 VYR_MTLX_API void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes);
 

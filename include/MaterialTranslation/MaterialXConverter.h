@@ -116,8 +116,8 @@ class VYR_MTLX_API MaterialXConverter : public kelvor::platform::assets::IConver
 
     /// Builds an overlay material with the converter registered for `info.type`.
     /// @param result receives the document's XML text.
-    /// @return what the registered converter returns (the built-in ones: true); false when none is
-    ///         registered for the type.
+    /// @return what the registered converter returns; false when none is registered for the type.
+    ///         The built-in ones build nothing yet: false, with DiagnosticCode::NoConverter.
     /// @throws std::invalid_argument "invalid decal info" or "invalid thread info" for a null
     ///         payload; `std::bad_function_call` when an empty function was registered.
     bool Convert(MaterialInfo& info, IString& result);

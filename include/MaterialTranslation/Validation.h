@@ -31,6 +31,8 @@ enum class ValidationCode
     UnitUnknown,
     /// A value has a unit type, but no unit.
     UnitMissing,
+    /// A unit of another kind than the input takes, such as an angle for a length.
+    UnitMisfit,
     /// An image or other file that does not exist.
     FileMissing,
     /// A node graph without nodes, or without an output.

@@ -28,7 +28,7 @@ struct UnitFamily
 constexpr UnitFamily unitFamilies[] = {
     {0x37000, "luminance"},
     {0x2000, distanceUnitType},
-    {0x8000, "angle"},
+    {0x8000, angleUnitType},
 };
 
 struct UnitRow
@@ -50,8 +50,8 @@ constexpr UnitRow units[] = {
     {platform::eUnit_Meter, distanceUnitType, "meter"},
     {platform::eUnit_Kilometer, distanceUnitType, "kilometer"},
     {platform::eUnit_Mile, distanceUnitType, "mile"},
-    {platform::eUnit_Radian, "angle", "radians"},
-    {platform::eUnit_Degree, "angle", "degrees"},
+    {platform::eUnit_Radian, angleUnitType, "radians"},
+    {platform::eUnit_Degree, angleUnitType, "degrees"},
     {platform::eUnit_CandelaPerSquareMeter, "luminance", "candelapersquaremeter"},
     {platform::eUnit_FootLambert, "luminance", "footlambert"},
     {platform::eUnit_CandelaPerSquareFoot, "luminance", "candelapersquarefoot"},
@@ -76,6 +76,22 @@ Unit UnitForCode(std::uint32_t code)
 std::string DistanceUnitName(std::int32_t index)
 {
     return units[index >= 0 && index < distanceCount ? index : centimeterIndex].name;
+}
+
+Unit readUnit(const AssetView& view, const char* name, const std::string& unitType,
+              const core::Log& log)
+{
+    if (!HasPropertyUnit(view, name))
+        return {};
+    Unit unit = UnitForCode(GetPropertyUnit(view, name));
+    if (!unit.second.empty() && unit.second != unitType)
+        log.warning(DiagnosticCode::UnitMisfit, name,
+                    "a unit of the kind \"" + unit.second +
+                        "\" does not fit here; renderers will refuse it");
+    else if (unit.first.empty())
+        log.warning(DiagnosticCode::UnitUnknown, name,
+                    "the unit of the value is not known; the document does not state it");
+    return unit;
 }
 
 float readUnitless(const AssetView& view, const char* name, float fallback, const core::Log& log,

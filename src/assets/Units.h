@@ -19,6 +19,8 @@ inline constexpr const char* srgbTexture = "srgb_texture";
 
 /// MaterialX's name of the unit type of lengths.
 inline constexpr const char* distanceUnitType = "distance";
+/// And of angles.
+inline constexpr const char* angleUnitType = "angle";
 
 /// A unit and its unit type, by the names that documents use. Either may be empty.
 using Unit = std::pair<std::string, std::string>;
@@ -33,6 +35,13 @@ std::string DistanceUnitName(std::int32_t index);
 /// Unit code of the luminances that documents give as bare numbers.
 inline constexpr std::uint32_t candelaPerSquareMeter =
     kelvor::platform::assets::eUnit_CandelaPerSquareMeter;
+
+/// The unit of a property's value, as the document states it. A unit that is not known is reported,
+/// and one of another kind than the input takes: no shader can be generated from either.
+/// @param unitType of the numbers that the input takes; empty where they have no unit.
+/// @return two empty texts for a value without a unit.
+Unit readUnit(const AssetView& view, const char* name, const std::string& unitType,
+              const core::Log& log);
 
 /// A number of a property whose unit the document has no place for; any other unit than `expected`
 /// is reported.

@@ -1,8 +1,11 @@
 #include "baking/ParallelRows.h"
 
+#include "baking/BakeError.h"
 #include "baking/FloatEnvironment.h"
 
 #include <OpenImageIO/parallel.h>
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -70,6 +73,12 @@ OIIO::ImageBuf uninitializedImage(const char* name, const OIIO::ImageSpec& spec)
     if (spec.width > 0 && spec.height > 0)
     {
         image.reset(name, spec, OIIO::InitializePixels::No);
+        if (image.localpixels() == nullptr)
+        {
+            image.geterror(); // else it is printed
+            throw BakeError(fmt::format("not enough memory for an image of {} x {} pixels",
+                                        spec.width, spec.height));
+        }
         adviseHugePages(image.localpixels(), spec.image_bytes());
     }
     return image;

@@ -53,6 +53,7 @@ constexpr CodeRow codeTable[] = {
     {DiagnosticCode::TextureCaseDiffers, "texture-case-differs"},
     {DiagnosticCode::UnitIgnored, "unit-ignored"},
     {DiagnosticCode::TintIgnored, "tint-ignored"},
+    {DiagnosticCode::UnitMisfit, "unit-misfit"},
 };
 
 } // namespace

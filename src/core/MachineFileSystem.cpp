@@ -87,19 +87,22 @@ class MachineFile : public NewFile
             ::close(_descriptor);
     }
 
-    /// Takes the file behind `path` for this process, empty. A symbolic link is not followed.
+    /// Takes the file behind `path` for this process, empty. A symbolic link is not followed. What is
+    /// no file, or has another name too, is somebody's and counts as busy.
     std::error_code open(const fs::path& path)
     {
-        _descriptor =
-            ::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, permissions);
+        _descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC,
+                             permissions);
         if (_descriptor < 0)
-            return lastError();
+            return errno == ENXIO ? std::make_error_code(std::errc::device_or_resource_busy)
+                                  : lastError();
         const bool taken = ::flock(_descriptor, LOCK_EX | LOCK_NB) == 0;
         if (!taken && errno != EWOULDBLOCK)
             return lastError();
         struct stat opened = {};
         // Its last owner may have renamed the file after it was opened here.
-        if (!taken || ::fstat(_descriptor, &opened) != 0 || !isStill(path, opened))
+        if (!taken || ::fstat(_descriptor, &opened) != 0 || !S_ISREG(opened.st_mode) ||
+            opened.st_nlink != 1 || !isStill(path, opened))
             return std::make_error_code(std::errc::device_or_resource_busy);
         // Some file systems write a file to the disk at once when it was emptied, even of nothing.
         return opened.st_size == 0 || ::ftruncate(_descriptor, 0) == 0 ? std::error_code()

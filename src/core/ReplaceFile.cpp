@@ -29,6 +29,10 @@ std::uint64_t hashOf(const std::u8string& text)
 bool isSpecial(const fs::path& file)
 {
     std::error_code error;
+    // "/dev/stdout" leads to what this process has open at the moment, which may well be a file.
+    const std::u8string target = fs::read_symlink(file, error).generic_u8string();
+    if (target.starts_with(u8"/proc/") || target.starts_with(u8"/dev/"))
+        return true;
     const fs::file_status status = fs::status(file, error);
     return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }

@@ -40,8 +40,23 @@ void checkNode(const mx::Node& node, CheckContext& context)
     report(node, ValidationCode::NodeUndefined, "no definition of \"" + category + "\"", context);
 }
 
+/// A unit of another kind than the input takes: no shader can be generated.
+void checkUnitKind(const mx::ValueElement& value, CheckContext& context)
+{
+    const auto node = value.getParent()->asA<mx::Node>();
+    const mx::NodeDefPtr definition = node ? node->getNodeDef() : nullptr;
+    const mx::InputPtr input = definition ? definition->getActiveInput(value.getName()) : nullptr;
+    if (input && input->hasUnitType() && input->getUnitType() != value.getUnitType())
+        report(value, ValidationCode::UnitMisfit,
+               "the unit is of the kind \"" + value.getUnitType() + "\", but the input takes a \"" +
+                   input->getUnitType() + "\"",
+               context);
+}
+
 void checkUnit(const mx::ValueElement& value, CheckContext& context)
 {
+    if (value.hasUnitType())
+        checkUnitKind(value, context);
     if (!value.hasUnitType() || value.hasUnit() || !value.hasValueString())
         return;
     report(value, ValidationCode::UnitMissing,

@@ -28,6 +28,8 @@ const char* validationCodeName(ValidationCode code)
         return "unit-unknown";
     case ValidationCode::UnitMissing:
         return "unit-missing";
+    case ValidationCode::UnitMisfit:
+        return "unit-misfit";
     case ValidationCode::FileMissing:
         return "file-missing";
     case ValidationCode::GraphEmpty:

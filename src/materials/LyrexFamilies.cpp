@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "assets/Schemas.h"
+#include "assets/Units.h"
 
 namespace vyr::MaterialTranslation::materials
 {
@@ -14,8 +15,12 @@ namespace
 using enum LyrexType;
 
 constexpr LyrexInput metal[] = {
-    {"metal_f0", Color},           {"surface_albedo", Color},   {"surface_roughness", Float},
-    {"surface_anisotropy", Float}, {"surface_rotation", Float}, {"surface_normal", Vector},
+    {"metal_f0", Color},
+    {"surface_albedo", Color},
+    {"surface_roughness", Float},
+    {"surface_anisotropy", Float},
+    {"surface_rotation", Float, assets::angleUnitType},
+    {"surface_normal", Vector},
     {"surface_cutout", Color},
 };
 
@@ -26,28 +31,34 @@ constexpr LyrexInput opaque[] = {
     {"opaque_albedo", Color},
     {"surface_roughness", Float},
     {"surface_anisotropy", Float},
-    {"surface_rotation", Float},
+    {"surface_rotation", Float, assets::angleUnitType},
     {"opaque_f0", Float},
     {"opaque_translucency", Boolean},
     {"opaque_mfp_modifier", Color},
-    {"opaque_mfp", Float},
+    {"opaque_mfp", Float, assets::distanceUnitType},
     {"opaque_emission", Boolean},
     {"opaque_luminance", Float},
     {"opaque_luminance_modifier", Color},
 };
 
 constexpr LyrexInput transparent[] = {
-    {"surface_albedo", Color},   {"surface_roughness", Float}, {"surface_anisotropy", Float},
-    {"surface_rotation", Float}, {"surface_normal", Vector},   {"surface_cutout", Color},
-    {"transparent_ior", Float},  {"transparent_color", Color}, {"transparent_distance", Float},
+    {"surface_albedo", Color},
+    {"surface_roughness", Float},
+    {"surface_anisotropy", Float},
+    {"surface_rotation", Float, assets::angleUnitType},
+    {"surface_normal", Vector},
+    {"surface_cutout", Color},
+    {"transparent_ior", Float},
+    {"transparent_color", Color},
+    {"transparent_distance", Float, assets::distanceUnitType},
 };
 
 constexpr LyrexInput layered[] = {
     {"surface_albedo", Color},     {"surface_roughness", Float},
-    {"surface_anisotropy", Float}, {"surface_rotation", Float},
+    {"surface_anisotropy", Float}, {"surface_rotation", Float, assets::angleUnitType},
     {"surface_normal", Vector},    {"surface_cutout", Color},
     {"layered_f0", Float},         {"layered_roughness", Float},
-    {"layered_anisotropy", Float}, {"layered_rotation", Float},
+    {"layered_anisotropy", Float}, {"layered_rotation", Float, assets::angleUnitType},
     {"layered_diffuse", Color},    {"layered_bottom_f0", Color},
     {"layered_fraction", Float},   {"layered_fraction_invert", Boolean},
     {"layered_normal", Vector},
@@ -57,7 +68,7 @@ constexpr LyrexInput glazing[] = {
     {"surface_albedo", Color},
     {"surface_roughness", Float},
     {"surface_anisotropy", Float},
-    {"surface_rotation", Float},
+    {"surface_rotation", Float, assets::angleUnitType},
     {"surface_normal", Vector},
     {"surface_cutout", Color},
     {"glazing_transmission_color", Color},

@@ -22,6 +22,8 @@ struct LyrexInput
 {
     const char* name;
     LyrexType type;
+    /// Of the numbers that it takes; empty for numbers without a unit.
+    const char* unitType = "";
 };
 
 /// A schema of the "Lyrex" family and the shading node that it is written onto.

@@ -116,8 +116,8 @@ class LyrexReader
         if (colored)
             value.colorSpace = assets::inputColorSpace(
                 {_view, _view, value.input.name, false, typeName(value.input.type)});
-        if (value.input.name != unitlessInput && assets::HasPropertyUnit(_view, value.input.name))
-            value.unit = readUnit(value.input.name);
+        if (value.input.name != unitlessInput)
+            value.unit = assets::readUnit(_view, value.input.name, value.input.unitType, _log);
     }
 
     PlainValue readPlainValue(const LyrexInput& input) const
@@ -143,15 +143,6 @@ class LyrexReader
             return assets::readUnitless(_view, input.name, 0.0f, _log,
                                         assets::candelaPerSquareMeter);
         return assets::GetFloatProperty(_view, input.name);
-    }
-
-    assets::Unit readUnit(const char* name) const
-    {
-        assets::Unit unit = assets::UnitForCode(assets::GetPropertyUnit(_view, name));
-        if (unit.first.empty())
-            _log.warning(DiagnosticCode::UnitUnknown, name,
-                         "the unit of the value is not known; the document does not state it");
-        return unit;
     }
 
     const assets::AssetView& _view;

@@ -42,7 +42,7 @@ MapTexture readHeightMapTexture(const assets::AssetView& texture, const char* im
     if (givenDepth)
         map.strength = {*givenDepth, map.placement.realWorldScale.unit};
     else if (!map.image.empty())
-        map.strength = readMeasured(texture, depthProperty, 0.0f, log);
+        map.strength = readMeasured(texture, depthProperty, 0.0f, assets::distanceUnitType, log);
     return map;
 }
 
@@ -53,7 +53,7 @@ MapTexture readNormalMapTexture(const assets::AssetView& texture, const char* im
     if (givenScale)
         map.strength = {*givenScale, {}};
     else if (!map.image.empty())
-        map.strength = readMeasured(texture, normalScaleProperty, 1.0f, log);
+        map.strength = readMeasured(texture, normalScaleProperty, 1.0f, "", log);
     return map;
 }
 

@@ -16,15 +16,13 @@ mx::Vector2 toVector(const assets::Vector2& value)
     return {value[0], value[1]};
 }
 
-assets::Unit readUnit(const assets::AssetView& texture, const char* property, const core::Log& log)
+/// The unit of a number that is there.
+assets::Unit readUnit(const assets::AssetView& texture, const char* property, const char* unitType,
+                      const core::Log& log)
 {
-    if (!assets::HasPropertyValue(texture, property) || !assets::HasPropertyUnit(texture, property))
-        return {};
-    assets::Unit unit = assets::UnitForCode(assets::GetPropertyUnit(texture, property));
-    if (unit.first.empty())
-        log.warning(DiagnosticCode::UnitUnknown, property,
-                    "the unit of the value is not known; the document does not state it");
-    return unit;
+    return assets::HasPropertyValue(texture, property)
+               ? assets::readUnit(texture, property, unitType, log)
+               : assets::Unit();
 }
 
 /// A pair of numbers in the unit of the first; a document states one unit for both.
@@ -34,7 +32,7 @@ Measured<assets::Vector2> readPair(const assets::AssetView& texture, const char*
     Measured<assets::Vector2> pair;
     pair.value = {assets::GetFloatOr(texture, x, fallback),
                   assets::GetFloatOr(texture, y, fallback)};
-    pair.unit = readUnit(texture, x, log);
+    pair.unit = readUnit(texture, x, assets::distanceUnitType, log);
     if (assets::HasPropertyValue(texture, y) && assets::HasPropertyUnit(texture, y) &&
         assets::UnitForCode(assets::GetPropertyUnit(texture, y)) != pair.unit)
         log.warning(DiagnosticCode::UnitIgnored, y,
@@ -45,9 +43,10 @@ Measured<assets::Vector2> readPair(const assets::AssetView& texture, const char*
 } // namespace
 
 Measured<float> readMeasured(const assets::AssetView& texture, const char* property, float fallback,
-                             const core::Log& log)
+                             const char* unitType, const core::Log& log)
 {
-    return {assets::GetFloatOr(texture, property, fallback), readUnit(texture, property, log)};
+    return {assets::GetFloatOr(texture, property, fallback),
+            readUnit(texture, property, unitType, log)};
 }
 
 Measured<assets::Vector2> readRealWorldScale(const assets::AssetView& texture, const core::Log& log)
@@ -67,7 +66,7 @@ TexturePlacement readTexturePlacement(const assets::AssetView& texture, const co
     placement.uvScale = {plain("texture_UScale", 1.0f), plain("texture_VScale", 1.0f)};
     placement.repeatU = assets::GetBooleanOr(texture, "texture_URepeat", false);
     placement.repeatV = assets::GetBooleanOr(texture, "texture_VRepeat", false);
-    placement.rotation = readMeasured(texture, "texture_WAngle", 0.0f, log);
+    placement.rotation = readMeasured(texture, "texture_WAngle", 0.0f, assets::angleUnitType, log);
     return placement;
 }
 

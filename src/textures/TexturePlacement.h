@@ -42,8 +42,9 @@ Measured<assets::Vector2> readRealWorldScale(const assets::AssetView& texture,
                                              const core::Log& log);
 
 /// A number of a texture asset and its unit.
+/// @param unitType of the numbers that the input takes; empty where they have no unit.
 Measured<float> readMeasured(const assets::AssetView& texture, const char* property, float fallback,
-                             const core::Log& log);
+                             const char* unitType, const core::Log& log);
 
 /// Adds the placement's inputs to a texture node, in the order in which documents have them.
 void addPlacementInputs(const MaterialX::NodePtr& node, const TexturePlacement& placement);

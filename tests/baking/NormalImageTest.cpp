@@ -1,6 +1,8 @@
 #include "baking/NormalImage.h"
 
+#include "baking/BakeError.h"
 #include "baking/Bits.h"
+#include "baking/ParallelRows.h"
 #include "baking/Reference.h"
 #include "baking/kernels/Kernels.h"
 
@@ -177,4 +179,14 @@ TEST(NormalImage, ReadsChannelZeroOfAnyBuffer)
                          plainNormals(bytes.copy(OIIO::TypeFloat), 1.0F, 1.0F)));
     EXPECT_TRUE(bakeNormalImage(OIIO::ImageBuf(), {}).has_error());
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+// Sanitizers end the program instead.
+TEST(NormalImage, ThatNoMemoryHoldsIsAnError)
+{
+    constexpr int kSide = 1 << 21;
+    EXPECT_THROW(uninitializedImage("huge", OIIO::ImageSpec(kSide, kSide, 4, OIIO::TypeFloat)),
+                 BakeError);
+}
+#endif
 } // namespace vyr::MaterialTranslation::baking

@@ -43,6 +43,19 @@ class Files(ToolTest):
         self.assertEqual(elsewhere.read_text(), "mine")
         self.assertEqual([entry["status"] for entry in self.report()], ["converted", "failed", "converted"])
 
+    def test_links_hide_no_input(self):
+        self.library(material("a", "Wall"))
+        library = (self.folder / "lib.json").read_text()
+        (self.folder / "current.json").symlink_to("lib.json")
+        (self.folder / "link").symlink_to("/proc/self/fd/1")
+        for report, reason in ("lib.json", "it is an input file"), ("link", "it is no ordinary file"):
+            result = self.tool("convert", "current.json", "-o", "out", "--report", report, status=2)
+            self.assertEqual(result.stderr, f"vyr-mtlx: --report {report}: {reason}\n")
+        (self.folder / "lib.json").rename(self.folder / "Wall.mtlx")
+        (self.folder / "lib.json").symlink_to("Wall.mtlx")
+        self.tool("convert", "current.json", "-o", ".", status=2)
+        self.assertEqual((self.folder / "Wall.mtlx").read_text(), library)
+
     def test_disks_without_room(self):
         self.library(*(material(f"m{i}", f"Wall {i}") for i in range(40)))
         (self.folder / "out").mkdir()

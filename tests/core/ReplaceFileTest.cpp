@@ -150,6 +150,7 @@ TEST_F(MachineFiles, AreReplacedButFoldersAndLinksTargetsAreNot)
     _folder.write("a", "old and longer");
     fs::create_symlink(mine, _folder / "link");
     fs::create_symlink("nowhere", _folder / "dangling");
+    fs::create_hard_link(mine, temporaryBeside(_folder / "link"));
     for (const char* name : {"a", "link", "dangling", "new"})
     {
         writeFileAtomically(_folder / name, "new");
@@ -162,6 +163,10 @@ TEST_F(MachineFiles, AreReplacedButFoldersAndLinksTargetsAreNot)
     fs::create_symlink(mine, temporaryBeside(_folder / "b"));
     EXPECT_TRUE(replaceFile(_folder / "b", writing("x")));
     fs::remove(temporaryBeside(_folder / "b"));
+    fs::create_symlink("/proc/self/fd/1", _folder / "stdout");
+    EXPECT_THROW(writeFileAtomically(_folder / "stdout", "x"), fs::filesystem_error);
+    for (const fs::path& kept : {temporaryBeside(_folder / "link"), _folder / "stdout"})
+        EXPECT_TRUE(fs::remove(kept)) << kept;
     EXPECT_EQ(readFile(mine), "mine");
     EXPECT_EQ(_folder.entries(),
               (std::vector<std::string>{"a", "dangling", "folder", "folder/mine", "link", "new"}));

@@ -59,6 +59,8 @@ TEST(Validation, TellsWhatIsWrongAndWhere)
         {constant(R"(value="1" unit="lumen" unittype="flux")"), {R"(g/n/value: unit-type-unknown: unknown unit type "flux")"}},
         {constant(R"(value="1" unittype="distance")"),
          {R"(g/n/value: unit-missing: the value has the unit type "distance" but no unit)"}},
+        {R"(<kvor:metal name="m" type="surfaceshader"><input name="surface_rotation" type="float" value="1" unit="meter" unittype="distance"/></kvor:metal>)",
+         {R"(m/surface_rotation: unit-misfit: the unit is of the kind "distance", but the input takes a "angle")"}},
         {constant(R"(value="1" unit="" unittype="distance")"), {R"(g/n/value: unit-unknown: no unit "")"}},
         {constant(""), {"g/n/value: input-unbound: "}},
         {constant(R"(value="much")"), {R"(g/n/value: materialx-rule: "much" is no value of type "float")"}},

@@ -83,18 +83,23 @@ TEST_F(LyrexRules, PlainNumbersKeepTheirUnits)
         const char* property;
         std::uint32_t code;
         const char* unit;
+        bool fits = true;
     } cases[] = {
         {"LyrexOpaqueSchema", "opaque_luminance", 0x37002, ""},
         {"LyrexOpaqueSchema", "opaque_mfp", 0x2017, " unit=foot unittype=distance"},
         {"LyrexOpaqueSchema", "opaque_f0", 0x1001, ""},
         {"LyrexTransparentSchema", "transparent_distance", 0x2005, " unittype=distance"},
         {"LyrexLayeredSchema", "layered_rotation", 0x8002, " unit=degrees unittype=angle"},
+        {"LyrexMetalSchema", "surface_rotation", 0x2017, " unit=foot unittype=distance", false},
     };
-    for (const auto& [schema, property, code, unit] : cases)
-        EXPECT_EQ(linesOf(translate(lyrexBuilder(schema).scalar(property, 12.5, code).build())
-                              .document->getNode("M_shader"))
-                      .back(),
+    for (const auto& [schema, property, code, unit, fits] : cases)
+    {
+        const Translation made =
+            translate(lyrexBuilder(schema).scalar(property, 12.5, code).build());
+        EXPECT_EQ(linesOf(made.document->getNode("M_shader")).back(),
                   std::string(property) + " float value=12.5" + unit);
+        EXPECT_EQ(made.count(DiagnosticCode::UnitMisfit), fits ? 0u : 1u) << made.report();
+    }
 }
 
 struct MapCase

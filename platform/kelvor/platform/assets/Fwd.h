@@ -5,7 +5,7 @@
 ///
 /// A host implements these interfaces for its own asset library; the converter only calls them.
 ///
-/// - **Ownership.** Three operations hand out a reference to an asset that the caller must give back
+/// - **Ownership.** Two operations hand out a reference to an asset that the caller must give back
 ///   with IAssetInstance::Release: IAssetInstance::Clone, and IProperty::GetConnectedAsset.
 ///   Everything else that is returned by pointer (properties, values, choices, identity and
 ///   definition objects, property tables, the path resolver) belongs to the object it was asked of
