@@ -14,11 +14,26 @@ namespace vyr::MaterialTranslation
 namespace
 {
 
+/// Whether each "<" begins a line, as the tags and comments that MaterialX writes do: none is in an attribute's
+/// value then, where line breaks are escaped.
+bool beginsOnlyLines(std::string_view text)
+{
+    for (auto less = text.find('<'); less != text.npos; less = text.find('<', less + 1))
+    {
+        const auto before = text.substr(0, less).find_last_not_of(' ');
+        if (before != text.npos && text[before] != '\n')
+            return false;
+    }
+    return true;
+}
+
 /// MaterialX leaves "<" in attribute values as it is, which its own reader takes, but XML does not
 /// allow.
 /// @param text tags, comments and white space.
 std::string escapeAttributes(std::string text)
 {
+    if (beginsOnlyLines(text))
+        return text;
     constexpr std::string_view commentEnd = "-->";
     const std::string_view all = text;
     std::string result;

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cerrno>
 #include <string>
 #include <utility>
@@ -133,7 +134,11 @@ class MachineFile : public NewFile
     /// Gives such a file a name that nothing has yet.
     std::error_code giveName(const fs::path& path) const
     {
-        // The name of the descriptor: linking the descriptor itself is a privilege.
+        if (::linkat(_descriptor, "", AT_FDCWD, path.c_str(), AT_EMPTY_PATH) == 0)
+            return {};
+        if (errno == EEXIST)
+            return lastError();
+        // Older kernels keep that for a privilege, but let everybody link the descriptor's own name.
         const std::string own = "/proc/self/fd/" + std::to_string(_descriptor);
         return ::linkat(AT_FDCWD, own.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0
                    ? std::error_code()
@@ -210,13 +215,22 @@ class MachineFileSystem : public FileSystem
 #if defined(__linux__)
     bool writeNew(const fs::path& path, std::string_view bytes) override
     {
+        // Asking costs less than writing in vain, and more than nothing: where the last file was new,
+        // this one probably is too.
         struct stat former = {};
-        if (::lstat(path.c_str(), &former) == 0)
-            return false; // asking costs less than writing in vain
+        if (_replacing && ::lstat(path.c_str(), &former) == 0)
+            return false;
         MachineFile file;
-        return !file.openUnnamed(path.parent_path()) && !file.write(bytes) && !file.close() &&
-               !file.giveName(path);
+        if (file.openUnnamed(path.parent_path()) || file.write(bytes) || file.close())
+            return false;
+        const std::error_code named = file.giveName(path);
+        _replacing = named == std::errc::file_exists;
+        return !named;
     }
+
+  private:
+    /// Whether the last file was found to be there already.
+    std::atomic<bool> _replacing{false};
 #endif
 };
 

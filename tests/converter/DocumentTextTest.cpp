@@ -13,7 +13,8 @@ namespace mx = MaterialX;
 /// MaterialX's reader is lenient: what it reads back may still be no XML for others.
 TEST(DocumentText, IsXmlWhateverItsTextsHold)
 {
-    const std::string texts[] = {"a<b", "<<", "x.<UDIM>.png", "\"quoted <\"", "&lt;", "a>b & 'c'"};
+    const std::string texts[] = {"a<b",  "<<",        "x.<UDIM>.png",  "\"quoted <\"",
+                                 "&lt;", "a>b & 'c'", "lines\n  <b\n<"};
     for (const std::string& text : texts)
     {
         const mx::DocumentPtr document = mx::createDocument();
