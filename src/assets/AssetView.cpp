@@ -49,9 +49,17 @@ bool isCompanionOfRead(const std::string& name, const AssetView& view)
 
 } // namespace
 
-void PropertyUse::noteRead(const IProperty* property)
+const IProperty* PropertyUse::find(const IPropertyConstTable& table, const char* name)
 {
+    if (_last && _lastName == name)
+        return _last;
+    const IProperty* property = table.FindProperty(name);
+    if (!property)
+        return nullptr;
     note(_read, property);
+    _lastName = name;
+    _last = property;
+    return property;
 }
 
 void PropertyUse::noteConnection(const IProperty* property)

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -28,8 +29,9 @@ using ConnectedAsset = std::pair<bool, AssetHandle>;
 class PropertyUse
 {
   public:
-    /// The property's value was looked up.
-    void noteRead(const IProperty* property);
+    /// Looks a property up in the table and notes that its value was.
+    /// @return null when the table has none of that name.
+    const IProperty* find(const IPropertyConstTable& table, const char* name);
     /// The property's connected texture was taken up, or reported as lost.
     void noteConnection(const IProperty* property);
 
@@ -38,6 +40,9 @@ class PropertyUse
 
   private:
     std::vector<const IProperty*> _read;
+    /// The property that was looked up last: rules ask several things of one in a row.
+    std::string _lastName;
+    const IProperty* _last = nullptr;
     std::vector<const IProperty*> _connections;
 };
 

@@ -95,10 +95,7 @@ std::string requireString(const AssetView& view, const char* name, platform::Pro
 
 const IProperty* FindProperty(const AssetView& view, const char* name)
 {
-    const IProperty* property = view.table().FindProperty(UTF8String(name));
-    if (property && view.use())
-        view.use()->noteRead(property);
-    return property;
+    return view.use() ? view.use()->find(view.table(), name) : view.table().FindProperty(name);
 }
 
 bool HasProperty(const AssetView& view, const char* name)

@@ -13,7 +13,8 @@ const std::string& typeStringOf(const std::type_index& type);
 
 template <class Value> const std::string& typeStringOf()
 {
-    return typeStringOf(std::type_index(typeid(Value)));
+    static const std::string& name = typeStringOf(std::type_index(typeid(Value)));
+    return name;
 }
 
 } // namespace vyr::MaterialTranslation::graph
