@@ -29,17 +29,24 @@ void complainAsIs(std::string_view lines);
 class Results
 {
   public:
-    /// Writes the text as it stands and hands it on to the reader.
+    /// Writes the text as it stands. A person sees it at once; for a program texts that follow each
+    /// other fast are handed on together.
     void write(std::string_view text);
 
-    /// Whether all that was written arrived.
-    bool delivered() const { return _delivered; }
+    /// Gives the reader all that was written.
+    void handOn();
+
+    /// Whether all that was written arrived; hands it on.
+    bool delivered();
 
     /// Whether a person is looking at them, in the same window as at standard error.
     static bool onTerminal();
 
   private:
+    void check(bool arrived);
+
     bool _delivered = true;
+    std::chrono::steady_clock::time_point _handedOn;
 };
 
 /// A progress bar on standard error; none when that is no terminal. Not thread-safe.

@@ -85,14 +85,14 @@ void write(const MaterialX::DocumentPtr& document, const Task& task, const Outpu
     try
     {
         if (!command.absolutePaths)
-            makeImagePathsRelative(*document, folder);
+            makeImagePathsRelative(imageInputs(*document), folder);
         if (!bringIntoForm(document, command, folder, outcome))
             return;
-        std::vector<std::string> textures = imagePaths(*document);
         MaterialTranslation::writeDocumentFile(document, file);
         outcome.converted = true;
         outcome.document = shown;
-        outcome.textures = std::move(textures);
+        if (!command.report.empty())
+            outcome.textures = imagePaths(imageInputs(*document));
     }
     catch (const std::exception& error)
     {

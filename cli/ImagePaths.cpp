@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 namespace vyr::cli
 {
@@ -11,18 +12,18 @@ namespace
 
 namespace fs = std::filesystem;
 
-template <typename Visitor>
-void forEachImage(MaterialX::ConstElementPtr root, const Visitor& visit)
+void collectImageInputs(const MaterialX::Element& parent, ImageInputs& inputs)
 {
-    for (const MaterialX::ElementPtr& element : root->traverseTree())
+    for (const MaterialX::ElementPtr& element : parent.getChildren())
     {
-        // Few elements are images; what an element is costs more to ask than what it has.
-        if (element->getAttribute(MaterialX::TypedElement::TYPE_ATTRIBUTE) !=
-            MaterialX::FILENAME_TYPE_STRING)
-            continue;
-        const MaterialX::InputPtr input = element->asA<MaterialX::Input>();
-        if (input && !input->getValueString().empty())
-            visit(*input);
+        // Few inputs are images; what an element is costs more to ask than what it has.
+        const bool isImage =
+            element->getAttribute(MaterialX::TypedElement::TYPE_ATTRIBUTE) ==
+                MaterialX::FILENAME_TYPE_STRING &&
+            !element->getAttribute(MaterialX::ValueElement::VALUE_ATTRIBUTE).empty();
+        if (MaterialX::InputPtr input = isImage ? element->asA<MaterialX::Input>() : nullptr)
+            inputs.push_back(std::move(input));
+        collectImageInputs(*element, inputs);
     }
 }
 
@@ -49,31 +50,36 @@ std::optional<fs::path> relativePath(const fs::path& file, const OutputFolder& f
 
 } // namespace
 
-std::vector<std::string> imagePaths(const MaterialX::Document& document)
+ImageInputs imageInputs(const MaterialX::Document& document)
+{
+    ImageInputs inputs;
+    collectImageInputs(document, inputs);
+    return inputs;
+}
+
+std::vector<std::string> imagePaths(const ImageInputs& inputs)
 {
     std::vector<std::string> paths;
-    forEachImage(document.getSelf(),
-                 [&paths](const MaterialX::Input& input)
-                 {
-                     const std::string& path = input.getValueString();
-                     if (std::ranges::find(paths, path) == paths.end())
-                         paths.push_back(path);
-                 });
+    for (const MaterialX::InputPtr& input : inputs)
+    {
+        const std::string& path = input->getValueString();
+        if (std::ranges::find(paths, path) == paths.end())
+            paths.push_back(path);
+    }
     return paths;
 }
 
-void makeImagePathsRelative(MaterialX::Document& document, const OutputFolder& folder)
+void makeImagePathsRelative(const ImageInputs& inputs, const OutputFolder& folder)
 {
-    forEachImage(document.getSelf(),
-                 [&folder](MaterialX::Input& input)
-                 {
-                     const fs::path file = pathFromUtf8(input.getValueString());
-                     if (const std::optional<fs::path> way = relativePath(file, folder))
-                     {
-                         const std::u8string text = way->generic_u8string();
-                         input.setValueString(std::string(text.begin(), text.end()));
-                     }
-                 });
+    for (const MaterialX::InputPtr& input : inputs)
+    {
+        const fs::path file = pathFromUtf8(input->getValueString());
+        if (const std::optional<fs::path> way = relativePath(file, folder))
+        {
+            const std::u8string text = way->generic_u8string();
+            input->setValueString(std::string(text.begin(), text.end()));
+        }
+    }
 }
 
 } // namespace vyr::cli

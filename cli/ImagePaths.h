@@ -10,11 +10,15 @@
 namespace vyr::cli
 {
 
-/// The image files that a document names, in document order, each once.
-std::vector<std::string> imagePaths(const MaterialX::Document& document);
+/// The inputs of a document that name files, in document order.
+using ImageInputs = std::vector<MaterialX::InputPtr>;
+ImageInputs imageInputs(const MaterialX::Document& document);
+
+/// The files that they name, each once.
+std::vector<std::string> imagePaths(const ImageInputs& inputs);
 
 /// Rewrites the paths of images inside the folder relative to it, with forward slashes, so that the
 /// folder can be moved as a whole with the documents in it. All other paths stay as they are.
-void makeImagePathsRelative(MaterialX::Document& document, const OutputFolder& folder);
+void makeImagePathsRelative(const ImageInputs& inputs, const OutputFolder& folder);
 
 } // namespace vyr::cli

@@ -27,7 +27,7 @@ struct Outcome
     std::string message;
     /// The document that was written; empty when none was.
     std::string document;
-    /// The image files that the document names, as it names them, each once.
+    /// The image files that the document names, as it names them, each once. Only for a report.
     std::vector<std::string> textures;
     std::vector<Warning> warnings;
 };

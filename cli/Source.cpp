@@ -7,6 +7,7 @@
 #include <kelvor/platform/assets/IAssetInstance.h>
 #include <kelvor/platform/assets/IProperty.h>
 #include <kelvor/platform/assets/IUriValue.h>
+#include <kelvor/platform/assets/PropertyType.h>
 
 #include "Console.h"
 
@@ -50,8 +51,9 @@ class ReachWalk
 
     void visitProperty(const IProperty& property)
     {
-        if (const auto* uri = dynamic_cast<const IUriValue*>(property.GetValue()))
-            addImage(*uri);
+        if (property.GetType() == kelvor::platform::assets::ePropertyType_URI)
+            if (const auto* uri = dynamic_cast<const IUriValue*>(property.GetValue()))
+                addImage(*uri);
         for (std::size_t i = 0; i < property.GetConnectionCount(); ++i)
         {
             Reference connected(property.GetConnectedAsset(i));
