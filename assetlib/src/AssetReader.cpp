@@ -21,9 +21,9 @@ using Kind = JsonNode::Kind;
 constexpr std::string_view versionProperty = "VersionGUID";
 constexpr std::string_view hiddenProperty = "Hidden";
 
-std::optional<std::string> readId(const JsonNode& node, const Place& place, Report& report)
+std::optional<std::string_view> readId(const JsonNode& node, const Place& place, Report& report)
 {
-    auto id = readText(node, place, report);
+    const auto id = readText(node, place, report);
     if (id && id->empty())
     {
         report.error(place, "expected an id that is not empty");
@@ -32,23 +32,23 @@ std::optional<std::string> readId(const JsonNode& node, const Place& place, Repo
     return id;
 }
 
-using DisplayNames = std::vector<std::pair<std::string, std::string>>;
+using DisplayNames = std::vector<DisplayName>;
 
 /// One text for "eng", or an object from language tag to text.
 std::optional<DisplayNames> readDisplayNames(const JsonNode& node, const Place& place,
                                              Report& report)
 {
     DisplayNames names;
-    if (node.kind == Kind::Text)
-        names.emplace_back("eng", node.text);
-    else if (node.kind != Kind::Object)
+    if (node.kind() == Kind::Text)
+        names.emplace_back("eng", node.text());
+    else if (node.kind() != Kind::Object)
         report.error(place, "expected a text, or an object from language to text");
     else
     {
-        for (const JsonNode& member : node.items)
+        for (const JsonNode& member : node.items())
         {
-            if (auto text = readText(member, place.key(member.key), report))
-                names.emplace_back(member.key, std::move(*text));
+            if (const auto text = readText(member, place.key(member.key()), report))
+                names.emplace_back(member.key(), *text);
         }
     }
     return names;
@@ -74,10 +74,8 @@ class AssetReader
     void read();
     void registerId();
     Properties readProperties(std::string_view key, bool isGeneric);
-    void readConnections(const JsonNode& node, const Place& place, Property& property,
-                         Connection connection);
-    void readConnection(const JsonNode& node, const Place& place, Property& property,
-                        Connection connection);
+    void readConnections(const JsonNode& node, const Place& place, Property& property);
+    void readConnection(const JsonNode& node, const Place& place, Asset*& slot);
 
     const Place& _place;
     FileScope& _file;
@@ -91,7 +89,7 @@ Asset* AssetReader::readTopLevel()
     if (!_object.isObject())
         return nullptr;
     _asset = &_file.loading.store.add();
-    std::string& id = _asset->content().id;
+    std::string_view& id = _asset->content().id;
     _object.readRequired("id", id, readId);
     _owner = id;
     if (!id.empty())
@@ -103,14 +101,14 @@ Asset* AssetReader::readTopLevel()
 
 void AssetReader::registerId()
 {
-    const std::string& id = _asset->content().id;
+    const std::string_view id = _asset->content().id;
     const auto [origin, isNew] = _file.loading.origins.try_emplace(id);
     if (isNew)
         origin->second = {_asset, _file.report.file(), _place.pointer()};
     else
         _file.report.error(_object.at("id"), "expected an id of its own, " + inQuotes(id) +
-                                                 " belongs to " + origin->second.file + ": " +
-                                                 origin->second.pointer);
+                                                 " belongs to " + std::string(origin->second.file) +
+                                                 ": " + origin->second.pointer);
 }
 
 Asset* AssetReader::readInline()
@@ -127,32 +125,35 @@ Asset* AssetReader::readInline()
 void AssetReader::read()
 {
     AssetContent& content = _asset->content();
-    std::string schema;
-    std::optional<std::string> name;
+    Arena& arena = _file.arena();
+    std::string_view schema;
+    std::optional<std::string_view> name;
+    DisplayNames displayNames;
     _object.readRequired("schema", schema, readText);
     _object.read("name", name, readText);
-    _object.read("displayName", content.displayNames, readDisplayNames);
+    _object.read("displayName", displayNames, readDisplayNames);
     _object.read("description", content.description, readText);
     content.definition = Definition(schema);
+    content.displayNames = arena.keep(displayNames);
     if (name)
-        content.identity.emplace(std::move(*name));
+        content.identity.emplace(*name);
 
     Properties properties = readProperties("properties", false);
     const JsonNode* written = _object.find("properties");
     const auto isWritten = [&](std::string_view key)
     {
-        return written && std::any_of(written->items.begin(), written->items.end(),
-                                      [&](const JsonNode& item) { return item.key == key; });
+        return written && std::any_of(written->items().begin(), written->items().end(),
+                                      [&](const JsonNode& item) { return item.key() == key; });
     };
     if (!isWritten(versionProperty))
-        properties.emplace_back(std::string(versionProperty), platform::ePropertyType_Text,
-                                std::make_shared<StringValue>(std::move(schema)));
+        properties.emplace_back(versionProperty, platform::ePropertyType_Text,
+                                arena.make<StringValue>(schema));
     if (!isWritten(hiddenProperty))
-        properties.emplace_back(std::string(hiddenProperty), platform::ePropertyType_Boolean,
-                                std::make_shared<BooleanValue>(false));
-    content.properties = PropertyTable(std::move(properties));
+        properties.emplace_back(hiddenProperty, platform::ePropertyType_Boolean,
+                                arena.make<BooleanValue>(false));
+    content.properties = PropertyTable(properties, arena);
     if (_object.find("genericProperties"))
-        content.genericProperties.emplace(readProperties("genericProperties", true));
+        content.genericProperties.emplace(readProperties("genericProperties", true), arena);
     _object.reportUnknownKeys();
 }
 
@@ -163,50 +164,50 @@ AssetReader::Properties AssetReader::readProperties(std::string_view key, bool i
     if (!table)
         return properties;
     const Place place = _object.at(key);
-    if (table->kind != Kind::Object)
+    if (table->kind() != Kind::Object)
     {
         _file.report.error(place, "expected an object from property name to property");
         return properties;
     }
-    properties.reserve(table->items.size() + 2);
-    for (const JsonNode& member : table->items)
+    properties.reserve(table->items().size() + 2);
+    for (const JsonNode& member : table->items())
     {
-        const bool isStandard = member.key == versionProperty || member.key == hiddenProperty;
-        if (member.kind == Kind::Null && isStandard && !isGeneric)
+        const bool isStandard = member.key() == versionProperty || member.key() == hiddenProperty;
+        if (member.kind() == Kind::Null && isStandard && !isGeneric)
             continue;
-        const Place at = place.key(member.key);
+        const Place at = place.key(member.key());
         auto parts = readProperty(member, at, {_file, _owner});
         if (!parts)
             continue;
-        properties.push_back(std::move(parts->property));
-        Connection connection;
-        connection.from = _asset;
-        connection.isGeneric = isGeneric;
-        connection.property = properties.size() - 1;
-        connection.file = _file.index;
         if (parts->connected)
-            readConnections(*parts->connected, at.key("connected"), properties.back(), connection);
+            readConnections(*parts->connected, at.key("connected"), parts->property);
+        properties.push_back(parts->property);
     }
     return properties;
 }
 
-/// @param connection tells the property; each entry gets a copy.
-void AssetReader::readConnections(const JsonNode& node, const Place& place, Property& property,
-                                  Connection connection)
+void AssetReader::readConnections(const JsonNode& node, const Place& place, Property& property)
 {
-    if (node.kind != Kind::Array)
-        return readConnection(node, place, property, std::move(connection));
-    for (std::size_t i = 0; i < node.items.size(); ++i)
-        readConnection(node.items[i], place.item(i), property, connection);
+    const bool isList = node.kind() == Kind::Array;
+    const std::span<Asset*> slots =
+        _file.arena().keep(std::vector<Asset*>(isList ? node.items().size() : 1));
+    property.setConnections(slots);
+    if (!isList)
+        return readConnection(node, place, slots.front());
+    for (std::size_t i = 0; i < slots.size(); ++i)
+        readConnection(node.items()[i], place.item(i), slots[i]);
 }
 
-void AssetReader::readConnection(const JsonNode& node, const Place& place, Property& property,
-                                 Connection connection)
+void AssetReader::readConnection(const JsonNode& node, const Place& place, Asset*& slot)
 {
-    switch (node.kind)
+    Connection connection;
+    connection.from = _asset;
+    connection.slot = &slot;
+    connection.file = _file.index;
+    switch (node.kind())
     {
     case Kind::Text:
-        connection.id = node.text;
+        connection.id = node.text();
         connection.pointer = place.pointer();
         break;
     case Kind::Object:
@@ -215,8 +216,6 @@ void AssetReader::readConnection(const JsonNode& node, const Place& place, Prope
     default:
         return _file.report.error(place, "expected the id of an asset, or an asset");
     }
-    connection.slot = property.connections().size();
-    property.connections().push_back(nullptr);
     _file.loading.connections.push_back(std::move(connection));
 }
 

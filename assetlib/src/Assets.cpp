@@ -12,27 +12,33 @@ namespace
 
 constexpr std::string_view standardLanguage = "eng";
 
-const std::string* findLanguage(const AssetContent& content, std::string_view language)
+std::optional<std::string_view> findLanguage(const AssetContent& content, std::string_view language)
 {
     for (const auto& [tag, text] : content.displayNames)
     {
         if (tag == language)
-            return &text;
+            return text;
     }
-    return nullptr;
+    return std::nullopt;
 }
 
 /// The text in the language, else in the standard one, else in any, else the asset's own name.
-std::string displayName(const AssetContent& content, std::string_view language)
+std::string_view displayName(const AssetContent& content, std::string_view language)
 {
     for (const std::string_view tag : {language, standardLanguage})
     {
-        if (const std::string* text = findLanguage(content, tag))
+        if (const auto text = findLanguage(content, tag))
             return *text;
     }
     if (!content.displayNames.empty())
         return content.displayNames.front().second;
-    return content.identity ? content.identity->name() : std::string();
+    return content.identity ? content.identity->name() : std::string_view();
+}
+
+/// Shorter texts first: most comparisons are then of lengths.
+bool isBefore(std::string_view a, std::string_view b)
+{
+    return a.size() != b.size() ? a.size() < b.size() : a < b;
 }
 
 } // namespace
@@ -42,20 +48,23 @@ platform::IAssetInstance* Property::GetConnectedAsset(std::size_t index) const
     return index < _connections.size() ? _connections[index]->retain() : nullptr;
 }
 
-PropertyTable::PropertyTable(std::vector<Property> properties)
-    : _properties(std::move(properties)), _byName(_properties.size())
+PropertyTable::PropertyTable(const std::vector<Property>& properties, Arena& arena)
+    : _properties(arena.keep(properties))
 {
-    std::iota(_byName.begin(), _byName.end(), std::uint32_t{0});
-    std::sort(_byName.begin(), _byName.end(), [this](std::uint32_t a, std::uint32_t b)
-              { return _properties[a].identifier() < _properties[b].identifier(); });
+    std::vector<std::uint32_t> indices(properties.size());
+    std::iota(indices.begin(), indices.end(), std::uint32_t{0});
+    std::sort(indices.begin(), indices.end(), [&](std::uint32_t a, std::uint32_t b)
+              { return isBefore(properties[a].identifier(), properties[b].identifier()); });
+    _byName = arena.keep(indices);
 }
 
 const platform::IProperty* PropertyTable::FindProperty(const UTF8String& name) const
 {
-    const auto found = std::lower_bound(_byName.begin(), _byName.end(), name.str(),
-                                        [this](std::uint32_t index, const std::string& text)
-                                        { return _properties[index].identifier() < text; });
-    if (found == _byName.end() || _properties[*found].identifier() != name.str())
+    const std::string_view text = name.str();
+    const auto found = std::lower_bound(
+        _byName.begin(), _byName.end(), text, [this](std::uint32_t index, std::string_view wanted)
+        { return isBefore(_properties[index].identifier(), wanted); });
+    if (found == _byName.end() || _properties[*found].identifier() != text)
         return nullptr;
     return &_properties[*found];
 }
@@ -91,7 +100,8 @@ const platform::IProperty* Asset::GetProperty(std::size_t index) const
 
 void Asset::GetDisplayName(UTF8String& name, const char* language) const
 {
-    name = displayName(*_content, language ? std::string_view(language) : standardLanguage);
+    name = UTF8String(
+        displayName(*_content, language ? std::string_view(language) : standardLanguage));
 }
 
 void Asset::GetDescription(UTF8String& description) const

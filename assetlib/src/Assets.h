@@ -3,7 +3,8 @@
 #include <atomic>
 #include <deque>
 #include <optional>
-#include <string>
+#include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include <kelvor/platform/assets/IAssetInstance.h>
 #include <kelvor/platform/assets/IProperty.h>
 
+#include "Arena.h"
 #include "Values.h"
 
 namespace vyr::assetlib
@@ -23,8 +25,8 @@ class Store;
 class Property final : public platform::IProperty
 {
   public:
-    Property(std::string identifier, std::uint32_t type, Value value)
-        : _identifier(std::move(identifier)), _type(type), _value(std::move(value))
+    Property(std::string_view identifier, std::uint32_t type, Value value)
+        : _identifier(identifier), _type(type), _value(value)
     {
     }
 
@@ -33,20 +35,20 @@ class Property final : public platform::IProperty
         identifier = UTF8String(_identifier);
     }
     std::uint32_t GetType() const override { return _type; }
-    const platform::IValue* GetValue() const override { return _value.get(); }
+    const platform::IValue* GetValue() const override { return _value; }
     bool HasConnections() const override { return !_connections.empty(); }
     std::size_t GetConnectionCount() const override { return _connections.size(); }
     platform::IAssetInstance* GetConnectedAsset(std::size_t index) const override;
 
-    const std::string& identifier() const { return _identifier; }
-    /// The connected assets, in the same store; filled while the store is built.
-    std::vector<Asset*>& connections() { return _connections; }
+    std::string_view identifier() const { return _identifier; }
+    /// @param connections in the memory of the store, like the assets; filled until the store is built.
+    void setConnections(std::span<Asset* const> connections) { _connections = connections; }
 
   private:
-    std::string _identifier;
+    std::string_view _identifier;
     std::uint32_t _type;
     Value _value;
-    std::vector<Asset*> _connections;
+    std::span<Asset* const> _connections;
 };
 
 /// Properties in the order in which they were written, found by name.
@@ -54,51 +56,53 @@ class PropertyTable final : public platform::IPropertyConstTable
 {
   public:
     PropertyTable() = default;
-    /// @param properties of different identifiers.
-    explicit PropertyTable(std::vector<Property> properties);
+    /// @param properties of different identifiers; copied into the arena.
+    PropertyTable(const std::vector<Property>& properties, Arena& arena);
 
     const platform::IProperty* FindProperty(const UTF8String& name) const override;
     std::size_t GetPropertyCount() const override { return _properties.size(); }
     const platform::IProperty* GetProperty(std::size_t index) const override;
 
-    Property& at(std::size_t index) { return _properties[index]; }
-
   private:
-    std::vector<Property> _properties;
-    /// Indices of the properties, sorted by identifier.
-    std::vector<std::uint32_t> _byName;
+    std::span<const Property> _properties;
+    /// Indices of the properties, sorted by the length of their identifiers, then by the identifiers.
+    std::span<const std::uint32_t> _byName;
 };
 
 class Identity final : public platform::IAssetIdentity
 {
   public:
-    explicit Identity(std::string name) : _name(std::move(name)) {}
+    explicit Identity(std::string_view name) : _name(name) {}
     void GetName(UTF8String& name) const override { name = UTF8String(_name); }
-    const std::string& name() const { return _name; }
+    std::string_view name() const { return _name; }
 
   private:
-    std::string _name;
+    std::string_view _name;
 };
 
 class Definition final : public platform::IAssetDefinition
 {
   public:
-    explicit Definition(std::string name) : _name(std::move(name)) {}
+    explicit Definition(std::string_view name) : _name(name) {}
     void GetName(UTF8String& name) const override { name = UTF8String(_name); }
+    std::string_view name() const { return _name; }
 
   private:
-    std::string _name;
+    std::string_view _name;
 };
+
+/// A language tag and a text.
+using DisplayName = std::pair<std::string_view, std::string_view>;
 
 /// What an asset says. Clones share it with their original.
 struct AssetContent
 {
-    std::string id;
+    std::string_view id;
     std::optional<Identity> identity;
-    Definition definition{std::string()};
-    /// Language tag and text, in the order in which they were written.
-    std::vector<std::pair<std::string, std::string>> displayNames;
-    std::string description;
+    Definition definition{{}};
+    /// In the order in which they were written.
+    std::span<const DisplayName> displayNames;
+    std::string_view description;
     PropertyTable properties;
     std::optional<PropertyTable> genericProperties;
 };
@@ -150,6 +154,8 @@ class Store
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
 
+    /// Holds the texts, values and tables of the assets.
+    Arena& arena() { return _arena; }
     /// An empty asset; its address stays.
     Asset& add() { return _assets.emplace_back(*this); }
 
@@ -162,6 +168,7 @@ class Store
     ~Store() = default;
 
     std::atomic<std::size_t> _references{1};
+    Arena _arena;
     std::deque<Asset> _assets;
 };
 

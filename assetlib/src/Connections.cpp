@@ -13,12 +13,6 @@ namespace
 
 using Edges = std::unordered_map<const Asset*, std::vector<const Connection*>>;
 
-PropertyTable& tableOf(const Connection& connection)
-{
-    AssetContent& content = connection.from->content();
-    return connection.isGeneric ? *content.genericProperties : content.properties;
-}
-
 /// Walks along the connections from asset to asset and reports each that closes a circle. It keeps its
 /// own stack, since chains of connections may be as long as a file.
 class CycleSearch
@@ -84,7 +78,7 @@ class CycleSearch
         std::size_t count = 0;
         for (auto step = start; step != _path.end(); ++step)
         {
-            const std::string& id = step->asset->content().id;
+            const std::string_view id = step->asset->content().id;
             if (!id.empty() && ++count <= longestCycle)
                 ids += inQuotes(id) + " > ";
         }
@@ -115,7 +109,7 @@ void resolve(Loading& loading, std::vector<Report>& reports, bool reportMissing)
                                                "expected the id of an asset, no loaded file has " +
                                                    inQuotes(connection.id));
         }
-        tableOf(connection).at(connection.property).connections()[connection.slot] = connection.to;
+        *connection.slot = connection.to;
     }
 }
 

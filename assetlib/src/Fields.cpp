@@ -16,23 +16,23 @@ using Kind = JsonNode::Kind;
 
 bool isNumber(const JsonNode& node)
 {
-    return node.kind == Kind::Number;
+    return node.kind() == Kind::Number;
 }
 
 } // namespace
 
-std::optional<std::string> readText(const JsonNode& node, const Place& place, Report& report)
+std::optional<std::string_view> readText(const JsonNode& node, const Place& place, Report& report)
 {
-    if (node.kind == Kind::Text)
-        return std::string(node.text);
+    if (node.kind() == Kind::Text)
+        return node.text();
     report.error(place, "expected a text");
     return std::nullopt;
 }
 
 std::optional<bool> readBoolean(const JsonNode& node, const Place& place, Report& report)
 {
-    if (node.kind == Kind::Boolean)
-        return node.boolean;
+    if (node.kind() == Kind::Boolean)
+        return node.boolean();
     report.error(place, "expected true or false");
     return std::nullopt;
 }
@@ -41,19 +41,19 @@ std::optional<double> readNumber(const JsonNode& node, const Place& place, Repor
 {
     if (!isNumber(node))
         report.error(place, "expected a number");
-    else if (std::abs(node.number) > static_cast<double>(std::numeric_limits<float>::max()))
+    else if (std::abs(node.number()) > static_cast<double>(std::numeric_limits<float>::max()))
         report.error(place, "expected a number within the range of a 32-bit float");
     else
-        return node.number;
+        return node.number();
     return std::nullopt;
 }
 
 std::optional<double> readWhole(const JsonNode& node, const Place& place, Report& report,
                                 double least, double greatest)
 {
-    const bool isWhole = isNumber(node) && node.number == std::trunc(node.number);
-    if (isWhole && node.number >= least && node.number <= greatest)
-        return node.number;
+    const bool isWhole = isNumber(node) && node.number() == std::trunc(node.number());
+    if (isWhole && node.number() >= least && node.number() <= greatest)
+        return node.number();
     const auto text = [](double number)
     { return std::to_string(static_cast<std::int64_t>(number)); };
     report.error(place, "expected a whole number from " + text(least) + " to " + text(greatest));
@@ -71,9 +71,9 @@ std::optional<std::vector<double>> readNumbers(const JsonNode& node, const Place
                                                Report& report, std::size_t least,
                                                std::size_t greatest)
 {
-    const std::size_t count = node.items.size();
-    const bool fits = node.kind == Kind::Array && count >= least && count <= greatest &&
-                      std::all_of(node.items.begin(), node.items.end(), isNumber);
+    const std::size_t count = node.items().size();
+    const bool fits = node.kind() == Kind::Array && count >= least && count <= greatest &&
+                      std::all_of(node.items().begin(), node.items().end(), isNumber);
     if (!fits)
     {
         const std::string most = std::to_string(greatest);
@@ -85,21 +85,21 @@ std::optional<std::vector<double>> readNumbers(const JsonNode& node, const Place
     std::vector<double> numbers;
     for (std::size_t i = 0; i < count; ++i)
     {
-        if (const auto number = readNumber(node.items[i], place.item(i), report))
+        if (const auto number = readNumber(node.items()[i], place.item(i), report))
             numbers.push_back(*number);
     }
     return numbers.size() == count ? std::optional(std::move(numbers)) : std::nullopt;
 }
 
-std::vector<std::string> readTexts(const JsonNode& node, const Place& place, Report& report)
+std::vector<std::string_view> readTexts(const JsonNode& node, const Place& place, Report& report)
 {
-    std::vector<std::string> texts;
-    if (node.kind != Kind::Array)
+    std::vector<std::string_view> texts;
+    if (node.kind() != Kind::Array)
         report.error(place, "expected an array of texts");
-    for (std::size_t i = 0; node.kind == Kind::Array && i < node.items.size(); ++i)
+    for (std::size_t i = 0; node.kind() == Kind::Array && i < node.items().size(); ++i)
     {
-        if (auto text = readText(node.items[i], place.item(i), report))
-            texts.push_back(std::move(*text));
+        if (auto text = readText(node.items()[i], place.item(i), report))
+            texts.push_back(*text);
     }
     return texts;
 }
@@ -118,9 +118,9 @@ const JsonNode* ObjectReader::find(std::string_view key)
         _known.push_back(key);
     if (!isObject())
         return nullptr;
-    const auto member = std::find_if(_node.items.begin(), _node.items.end(),
-                                     [&](const JsonNode& item) { return item.key == key; });
-    return member != _node.items.end() ? &*member : nullptr;
+    const auto member = std::find_if(_node.items().begin(), _node.items().end(),
+                                     [&](const JsonNode& item) { return item.key() == key; });
+    return member != _node.items().end() ? &*member : nullptr;
 }
 
 const JsonNode* ObjectReader::require(std::string_view key)
@@ -135,13 +135,13 @@ void ObjectReader::reportUnknownKeys() const
 {
     if (!isObject())
         return;
-    for (const JsonNode& member : _node.items)
+    for (const JsonNode& member : _node.items())
     {
-        if (std::find(_known.begin(), _known.end(), member.key) != _known.end())
+        if (std::find(_known.begin(), _known.end(), member.key()) != _known.end())
             continue;
-        const std::string near = suggestion(member.key, _known);
-        _report.error(at(member.key), near.empty() ? "unknown key; expected " + listed(_known)
-                                                   : "unknown key" + near);
+        const std::string near = suggestion(member.key(), _known);
+        _report.error(at(member.key()), near.empty() ? "unknown key; expected " + listed(_known)
+                                                     : "unknown key" + near);
     }
 }
 

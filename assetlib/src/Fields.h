@@ -14,7 +14,8 @@ namespace vyr::assetlib
 
 /// Readers of plain values. Where the value has another form they report what was expected and
 /// return nothing.
-std::optional<std::string> readText(const JsonNode& node, const Place& place, Report& report);
+/// The text belongs to the arena of the document.
+std::optional<std::string_view> readText(const JsonNode& node, const Place& place, Report& report);
 std::optional<bool> readBoolean(const JsonNode& node, const Place& place, Report& report);
 /// A number that a 32-bit float can hold, if only roughly.
 std::optional<double> readNumber(const JsonNode& node, const Place& place, Report& report);
@@ -28,7 +29,7 @@ std::optional<std::vector<double>> readNumbers(const JsonNode& node, const Place
                                                Report& report, std::size_t least,
                                                std::size_t greatest);
 /// An array of texts; what is none is reported and left out.
-std::vector<std::string> readTexts(const JsonNode& node, const Place& place, Report& report);
+std::vector<std::string_view> readTexts(const JsonNode& node, const Place& place, Report& report);
 
 template <std::size_t count>
 std::optional<std::array<float, count>> readFloats(const JsonNode& node, const Place& place,
@@ -50,7 +51,7 @@ class ObjectReader
     /// Reports a node that is no object; it then counts as an object without members.
     ObjectReader(const JsonNode& node, const Place& place, Report& report);
 
-    bool isObject() const { return _node.kind == JsonNode::Kind::Object; }
+    bool isObject() const { return _node.kind() == JsonNode::Kind::Object; }
     Report& report() const { return _report; }
     Place at(std::string_view key) const { return _place.key(key); }
 
@@ -80,7 +81,7 @@ class ObjectReader
     template <class Target, class Reader>
     void take(const JsonNode& member, Target& target, Reader reader)
     {
-        if (auto value = reader(member, at(member.key), _report))
+        if (auto value = reader(member, at(member.key()), _report))
             target = std::move(*value);
     }
 

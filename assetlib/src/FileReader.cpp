@@ -24,7 +24,7 @@ bool hasKnownVersion(ObjectReader& object)
     const JsonNode* version = object.require("assetLibrary");
     if (!version)
         return object.isObject();
-    if (version->kind == JsonNode::Kind::Number && version->number == formatVersion)
+    if (version->kind() == JsonNode::Kind::Number && version->number() == formatVersion)
         return true;
     object.report().error(object.at("assetLibrary"), "expected 1, the version of the format");
     return false;
@@ -38,19 +38,20 @@ void forEachItem(ObjectReader& object, std::string_view key, Read read)
     if (!node)
         return;
     const Place place = object.at(key);
-    if (node->kind != JsonNode::Kind::Array)
+    if (node->kind() != JsonNode::Kind::Array)
         return object.report().error(place, "expected an array");
-    for (std::size_t i = 0; i < node->items.size(); ++i)
-        read(node->items[i], place.item(i));
+    for (std::size_t i = 0; i < node->items().size(); ++i)
+        read(node->items()[i], place.item(i));
 }
 
 /// The own folder of a file, its texture folders, and those of the program.
-std::vector<fs::path> folderChain(const std::string& file, const std::vector<std::string>& ofFile,
+std::vector<fs::path> folderChain(const std::string& file,
+                                  const std::vector<std::string_view>& ofFile,
                                   const std::vector<std::string>& ofProgram)
 {
     const fs::path own = tidyAbsolute(pathOf(file)).parent_path();
     std::vector<fs::path> chain = {own};
-    for (const std::string& folder : ofFile)
+    for (const std::string_view folder : ofFile)
         chain.push_back(tidyAbsolute(own / pathOf(folder)));
     for (const std::string& folder : ofProgram)
         chain.push_back(tidyAbsolute(pathOf(folder)));
@@ -59,9 +60,9 @@ std::vector<fs::path> folderChain(const std::string& file, const std::vector<std
 
 Material materialOf(const Asset& asset, const Place& place, const std::string& file)
 {
-    UTF8String schema;
-    asset.GetDefinition()->GetName(schema);
-    return {&asset, asset.content().id, schema.str(), file, place.pointer()};
+    const AssetContent& content = asset.content();
+    return {&asset, std::string(content.id), std::string(content.definition.name()), file,
+            place.pointer()};
 }
 
 } // namespace
@@ -73,7 +74,7 @@ FileContent readAssetFile(Loading& loading, std::size_t index, Report& report,
     std::optional<std::string> text = readFile(report);
     if (!text)
         return content;
-    const JsonDocument document(*text, report);
+    const JsonDocument document(*text, loading.store.arena(), report);
     if (!document.isWhole())
         return content;
     const Place root;
@@ -83,7 +84,7 @@ FileContent readAssetFile(Loading& loading, std::size_t index, Report& report,
     content.isKnown = true;
 
     object.find("$schema");
-    std::vector<std::string> folders;
+    std::vector<std::string_view> folders;
     if (const JsonNode* paths = object.find("texturePaths"))
         folders = readTexts(*paths, object.at("texturePaths"), report);
     ImageFinder images(loading.folders, folderChain(report.file(), folders, programFolders));

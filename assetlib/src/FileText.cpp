@@ -1,6 +1,7 @@
 #include "FileText.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -54,7 +55,12 @@ std::optional<std::string> readFile(Report& report)
     if (!stream)
         return fail("cannot be read" + lastError());
     std::string text;
-    std::vector<char> block(std::size_t{1} << 20);
+    // Pipes and devices have no size, and a file may grow while it is read.
+    std::error_code unknownSize;
+    const std::uintmax_t size = fs::file_size(path, unknownSize);
+    if (!unknownSize && size <= largestFile)
+        text.reserve(static_cast<std::size_t>(size));
+    std::vector<char> block(std::size_t{1} << 16);
     while (stream && text.size() <= largestFile)
     {
         stream.read(block.data(), static_cast<std::streamsize>(block.size()));

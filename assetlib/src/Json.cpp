@@ -5,6 +5,9 @@
 #include <functional>
 #include <numeric>
 #include <set>
+#include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -83,114 +86,92 @@ bool isParseable(std::string& text, Report& report)
     return nul == text.npos;
 }
 
-} // namespace
-
 /// Takes the parser's events and builds the document.
 class JsonBuilder : public nlohmann::json_sax<nlohmann::json>
 {
   public:
-    JsonBuilder(JsonDocument& document, std::string_view text, Report& report)
-        : _document(document), _text(text), _report(report)
+    JsonBuilder(std::string_view text, Arena& nodes, Arena& texts, Report& report)
+        : _text(text), _nodes(nodes), _texts(texts), _report(report)
     {
     }
+
+    /// To be called when the text has been parsed to its end.
+    const JsonNode& root() const { return _pending.front(); }
 
     /// Where a number stands that no double can hold; empty when that did not end the parsing.
     std::string_view overflow() const { return _overflow; }
 
-    bool null() override { return add(Kind::Null); }
-    bool boolean(bool value) override
-    {
-        return add(Kind::Boolean, [&](JsonNode& node) { node.boolean = value; });
-    }
-    bool number_integer(std::int64_t value) override { return number(static_cast<double>(value)); }
-    bool number_unsigned(std::uint64_t value) override
-    {
-        return number(static_cast<double>(value));
-    }
-    bool number_float(double value, const std::string&) override { return number(value); }
-    bool string(std::string& value) override
-    {
-        return add(Kind::Text, [&](JsonNode& node)
-                   { node.text = _document._texts.emplace_back(std::move(value)); });
-    }
+    bool null() override { return add({}); }
+    bool boolean(bool value) override { return add(value); }
+    bool number_integer(std::int64_t value) override { return add(static_cast<double>(value)); }
+    bool number_unsigned(std::uint64_t value) override { return add(static_cast<double>(value)); }
+    bool number_float(double value, const std::string&) override { return add(value); }
+    bool string(std::string& value) override { return _skipped > 0 || add(_texts.keepText(value)); }
     bool binary(nlohmann::json::binary_t&) override { return false; }
-    bool start_object(std::size_t) override { return open(Kind::Object); }
-    bool start_array(std::size_t) override { return open(Kind::Array); }
+    bool start_object(std::size_t) override { return open(JsonObject()); }
+    bool start_array(std::size_t) override { return open(JsonArray()); }
     bool key(std::string& value) override
     {
         if (_skipped == 0)
-            _key = *_document._keys.insert(std::move(value)).first;
+            _key = keep(value);
         return true;
     }
     bool end_object() override
     {
         if (_skipped == 0)
             dropRepeatedKeys();
-        return close();
+        return close<JsonObject>();
     }
-    bool end_array() override { return close(); }
+    bool end_array() override { return close<JsonArray>(); }
     bool parse_error(std::size_t position, const std::string& token,
                      const nlohmann::json::exception& error) override;
 
   private:
-    using Kind = JsonNode::Kind;
-
-    bool number(double value)
-    {
-        return add(Kind::Number, [&](JsonNode& node) { node.number = value; });
-    }
-    /// Adds a value, unless it is left out, and lets `fill` set what its kind needs.
-    template <class Fill> bool add(Kind kind, Fill fill)
+    /// Adds a value, unless it is left out.
+    bool add(const JsonNode::Content& content)
     {
         if (_skipped == 0)
-            fill(addNode(kind));
+            _pending.emplace_back(std::exchange(_key, {}), content);
         return true;
     }
-    bool add(Kind kind)
-    {
-        return add(kind, [](const JsonNode&) {});
-    }
-    JsonNode& addNode(Kind kind);
-    bool open(Kind kind);
-    bool close();
+    std::string_view keep(const std::string& key);
+    bool open(const JsonNode::Content& content);
+    template <class Content> bool close();
     std::string pointer(std::size_t depth) const;
     void dropRepeatedKeys();
 
-    JsonDocument& _document;
     std::string_view _text;
+    Arena& _nodes;
+    Arena& _texts;
     Report& _report;
     std::string_view _overflow;
-    /// The arrays and objects around the next value. Each is its parent's last item, so that it stays
-    /// where it is while it is open.
-    std::vector<JsonNode*> _open;
+    /// The nodes that are in no finished array or object yet.
+    std::vector<JsonNode> _pending;
+    /// Of each array and object around the next value, where its items begin among those nodes. It stands
+    /// before them, the last item of its parent.
+    std::vector<std::size_t> _open;
     std::string_view _key;
+    std::unordered_set<std::string_view> _keys;
     /// How many arrays and objects are open beyond the greatest depth.
     std::size_t _skipped = 0;
     std::vector<std::size_t> _order;
 };
 
-JsonNode& JsonBuilder::addNode(Kind kind)
+std::string_view JsonBuilder::keep(const std::string& key)
 {
-    if (_open.empty())
-    {
-        _document._root.kind = kind;
-        return _document._root;
-    }
-    JsonNode& node = _open.back()->items.emplace_back();
-    node.kind = kind;
-    if (_open.back()->kind == Kind::Object)
-        node.key = _key;
-    return node;
+    if (const auto known = _keys.find(key); known != _keys.end())
+        return *known;
+    return *_keys.insert(_texts.keepText(key)).first;
 }
 
-bool JsonBuilder::open(Kind kind)
+bool JsonBuilder::open(const JsonNode::Content& content)
 {
     if (_skipped > 0)
     {
         ++_skipped;
         return true;
     }
-    JsonNode& node = addNode(kind);
+    add(content);
     if (_open.size() == JsonDocument::maxDepth)
     {
         _report.error(pointer(_open.size()), "expected at most " +
@@ -199,17 +180,22 @@ bool JsonBuilder::open(Kind kind)
         _skipped = 1;
         return true;
     }
-    node.items.reserve(4); // a colour; saves most of the growing
-    _open.push_back(&node);
+    _open.push_back(_pending.size());
     return true;
 }
 
-bool JsonBuilder::close()
+template <class Content> bool JsonBuilder::close()
 {
     if (_skipped > 0)
+    {
         --_skipped;
-    else
-        _open.pop_back();
+        return true;
+    }
+    const auto first = _pending.begin() + static_cast<std::ptrdiff_t>(_open.back());
+    const JsonItems items = _nodes.keep(std::span(first, _pending.end()));
+    _pending.erase(first, _pending.end());
+    _pending.back().setContent(Content{items});
+    _open.pop_back();
     return true;
 }
 
@@ -219,11 +205,12 @@ std::string JsonBuilder::pointer(std::size_t depth) const
     std::string pointer;
     for (std::size_t i = 0; i < depth; ++i)
     {
-        const std::vector<JsonNode>& items = _open[i]->items;
-        if (_open[i]->kind == Kind::Object)
-            appendToPointer(pointer, items.back().key);
+        // What is open further in is the last item here.
+        const std::size_t end = i + 1 < _open.size() ? _open[i + 1] : _pending.size();
+        if (_pending[_open[i] - 1].kind() == JsonNode::Kind::Object)
+            appendToPointer(pointer, _pending[end - 1].key());
         else
-            appendToPointer(pointer, items.size() - 1);
+            appendToPointer(pointer, end - 1 - _open[i]);
     }
     return pointer;
 }
@@ -231,11 +218,10 @@ std::string JsonBuilder::pointer(std::size_t depth) const
 /// Reports the keys that the object which ends has more than once; the first member of each stays.
 void JsonBuilder::dropRepeatedKeys()
 {
-    std::vector<JsonNode>& members = _open.back()->items;
-    _order.resize(members.size());
-    std::iota(_order.begin(), _order.end(), std::size_t{0});
-    // Equal keys are one text of the document, so their addresses tell.
-    const auto keyOf = [&](std::size_t index) { return members[index].key.data(); };
+    _order.resize(_pending.size() - _open.back());
+    std::iota(_order.begin(), _order.end(), _open.back());
+    // Equal keys are one text, so their addresses tell.
+    const auto keyOf = [&](std::size_t index) { return _pending[index].key().data(); };
     std::sort(_order.begin(), _order.end(), [&](std::size_t a, std::size_t b)
               { return keyOf(a) != keyOf(b) ? std::less<>()(keyOf(a), keyOf(b)) : a < b; });
     const auto sameKey = [&](std::size_t a, std::size_t b) { return keyOf(a) == keyOf(b); };
@@ -252,14 +238,16 @@ void JsonBuilder::dropRepeatedKeys()
     std::set<std::string_view> reported;
     for (const std::size_t index : repeated)
     {
-        if (!reported.insert(members[index].key).second)
+        if (!reported.insert(_pending[index].key()).second)
             continue;
         std::string place = pointer(_open.size() - 1);
-        appendToPointer(place, members[index].key);
+        appendToPointer(place, _pending[index].key());
         _report.error(std::move(place), "expected each key only once in an object");
     }
-    std::erase_if(members, [&, index = std::size_t{0}](const JsonNode&) mutable
-                  { return repeated.contains(index++); });
+    const auto first = _pending.begin() + static_cast<std::ptrdiff_t>(_open.back());
+    const auto isRepeated = [&](const JsonNode& node)
+    { return repeated.contains(static_cast<std::size_t>(&node - _pending.data())); };
+    _pending.erase(std::remove_if(first, _pending.end(), isRepeated), _pending.end());
 }
 
 bool JsonBuilder::parse_error(std::size_t position, const std::string& token,
@@ -279,17 +267,20 @@ bool JsonBuilder::parse_error(std::size_t position, const std::string& token,
     return false;
 }
 
-JsonDocument::JsonDocument(std::string& text, Report& report)
+} // namespace
+
+JsonDocument::JsonDocument(std::string& text, Arena& texts, Report& report)
 {
     if (!isParseable(text, report))
         return;
     for (int replaced = 0; replaced <= maxReplacements; ++replaced)
     {
         Report attempt(report.file());
-        JsonBuilder builder(*this, text, attempt);
-        _root = {};
+        JsonBuilder builder(text, _nodes, texts, attempt);
         _whole = nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &builder);
         const std::string_view overflow = builder.overflow();
+        if (_whole)
+            _root = builder.root();
         if (overflow.empty())
         {
             report.append(attempt);

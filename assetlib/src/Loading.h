@@ -1,7 +1,8 @@
 #pragma once
 
-#include <map>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "Assets.h"
@@ -14,13 +15,11 @@ namespace vyr::assetlib
 /// One entry of a "connected" list. Inline assets are known at once, others when all files are read.
 struct Connection
 {
-    /// The slot that gets the connected asset.
     Asset* from = nullptr;
-    bool isGeneric = false; ///< in the generic property table, not in the asset's own
-    std::size_t property = 0;
-    std::size_t slot = 0;
+    /// Where a property of that asset gets the connected one.
+    Asset** slot = nullptr;
     /// The id of the connected asset; empty for an inline one.
-    std::string id;
+    std::string_view id;
     Asset* to = nullptr;
     /// Where it is written: index of the file, and JSON pointer when `id` is set.
     std::size_t file = 0;
@@ -31,7 +30,7 @@ struct Connection
 struct AssetOrigin
 {
     Asset* asset = nullptr;
-    std::string file;
+    std::string_view file;
     std::string pointer;
 };
 
@@ -42,7 +41,7 @@ struct Loading
     FolderCache folders = {};
     /// Assets with an id, in the order of files and in the order in a file.
     std::vector<Asset*> assets = {};
-    std::map<std::string, AssetOrigin> origins = {};
+    std::unordered_map<std::string_view, AssetOrigin> origins = {};
     std::vector<Connection> connections = {};
 };
 
@@ -53,6 +52,8 @@ struct FileScope
     std::size_t index;
     Report& report;
     ImageFinder& images;
+
+    Arena& arena() const { return loading.store.arena(); }
 };
 
 /// Fills the slots of all connections, and reports ids that no file has and connections that lead

@@ -24,7 +24,7 @@ class TextureReader
         OverlayTexture texture;
         ObjectReader object(node, place, report);
         object.read("path", texture.path, [&](const JsonNode& path, const Place& at, Report&)
-                    { return readPath(path, at, node.key); });
+                    { return readPath(path, at, node.key()); });
         object.read("realWorldOffset", texture.realWorldOffset, readFloats<2>);
         object.read("realWorldScale", texture.realWorldScale, readFloats<2>);
         object.read("unit", texture.unit, readLengthUnit);
@@ -48,7 +48,7 @@ class TextureReader
         const auto reference = readText(node, place, _file.report);
         if (!reference)
             return std::nullopt;
-        const ImageFinder::Image& image = _file.images.find(*reference);
+        const ImageFinder::Image& image = _file.images.find(std::string(*reference));
         if (!image.remark.empty())
             _file.report.warning(place, _overlay, key, image.remark);
         return image.path;

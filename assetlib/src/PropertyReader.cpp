@@ -26,14 +26,15 @@ struct ValueScope
     std::uint32_t unit = 0;
 
     Report& report() const { return owner.file.report; }
+    Arena& arena() const { return owner.file.arena(); }
 };
 
 using ReadValue = Value (*)(const JsonNode& node, const Place& place, const ValueScope& scope);
 
 Value readStringValue(const JsonNode& node, const Place& place, const ValueScope& scope)
 {
-    auto text = readText(node, place, scope.report());
-    return text ? std::make_shared<StringValue>(std::move(*text)) : nullptr;
+    const auto text = readText(node, place, scope.report());
+    return text ? scope.arena().make<StringValue>(*text) : nullptr;
 }
 
 Value readUriValue(const JsonNode& node, const Place& place, const ValueScope& scope)
@@ -41,16 +42,16 @@ Value readUriValue(const JsonNode& node, const Place& place, const ValueScope& s
     const auto text = readText(node, place, scope.report());
     if (!text)
         return {};
-    const ImageFinder::Image& image = scope.owner.file.images.find(*text);
+    const ImageFinder::Image& image = scope.owner.file.images.find(std::string(*text));
     if (!image.remark.empty())
         scope.report().warning(place, scope.owner.id, scope.property, image.remark);
-    return std::make_shared<UriValue>(image.path);
+    return scope.arena().make<UriValue>(scope.arena().keepText(image.path));
 }
 
 Value readBooleanValue(const JsonNode& node, const Place& place, const ValueScope& scope)
 {
     const auto value = readBoolean(node, place, scope.report());
-    return value ? std::make_shared<BooleanValue>(*value) : nullptr;
+    return value ? scope.arena().make<BooleanValue>(*value) : nullptr;
 }
 
 /// One component as it stands, or an array of at least one.
@@ -64,25 +65,25 @@ std::vector<T> readComponents(const JsonNode& node, const Place& place, Report& 
         if (const auto number = reader(component, at, report))
             components.push_back(*number);
     };
-    if (node.kind != Kind::Array)
+    if (node.kind() != Kind::Array)
         read(node, place);
-    else if (node.items.empty())
+    else if (node.items().empty())
         report.error(place, "expected at least one number");
-    for (std::size_t i = 0; node.kind == Kind::Array && i < node.items.size(); ++i)
-        read(node.items[i], place.item(i));
+    for (std::size_t i = 0; node.kind() == Kind::Array && i < node.items().size(); ++i)
+        read(node.items()[i], place.item(i));
     return components;
 }
 
 Value readIntegerValue(const JsonNode& node, const Place& place, const ValueScope& scope)
 {
-    return std::make_shared<IntegerValue>(
-        readComponents<std::int32_t>(node, place, scope.report(), readInteger));
+    return scope.arena().make<IntegerValue>(
+        scope.arena().keep(readComponents<std::int32_t>(node, place, scope.report(), readInteger)));
 }
 
 Value readScalarValue(const JsonNode& node, const Place& place, const ValueScope& scope)
 {
-    return std::make_shared<ScalarValue>(
-        readComponents<double>(node, place, scope.report(), readNumber), scope.unit);
+    const auto components = readComponents<double>(node, place, scope.report(), readNumber);
+    return scope.arena().make<ScalarValue>(scope.arena().keep(components), scope.unit);
 }
 
 Value readColorValue(const JsonNode& node, const Place& place, const ValueScope& scope)
@@ -91,16 +92,16 @@ Value readColorValue(const JsonNode& node, const Place& place, const ValueScope&
     if (!channels)
         return {};
     const std::vector<double>& c = *channels;
-    return std::make_shared<ColorValue>(c[0], c[1], c[2], c.size() > 3 ? c[3] : 1.0);
+    return scope.arena().make<ColorValue>(c[0], c[1], c[2], c.size() > 3 ? c[3] : 1.0);
 }
 
 /// A list that offers just what is selected, each name once.
-Value choiceOfSelected(const std::vector<std::string>& names)
+Value choiceOfSelected(const std::vector<std::string_view>& names, Arena& arena)
 {
     std::vector<Choice> choices;
     std::vector<std::int32_t> selected;
-    std::map<std::string, std::int32_t> indices;
-    for (const std::string& name : names)
+    std::map<std::string_view, std::int32_t> indices;
+    for (const std::string_view name : names)
     {
         const auto [entry, isNew] =
             indices.try_emplace(name, static_cast<std::int32_t>(choices.size()));
@@ -108,20 +109,21 @@ Value choiceOfSelected(const std::vector<std::string>& names)
             choices.emplace_back(name);
         selected.push_back(entry->second);
     }
-    return std::make_shared<ChoiceListValue>(std::move(choices), std::move(selected));
+    return arena.make<ChoiceListValue>(arena.keep(choices), arena.keep(selected));
 }
 
 /// {"choices": [names], "selected": [indices]}
-Value readFullChoice(const JsonNode& node, const Place& place, Report& report)
+Value readFullChoice(const JsonNode& node, const Place& place, const ValueScope& scope)
 {
+    Report& report = scope.report();
     ObjectReader object(node, place, report);
     std::vector<Choice> choices;
     std::size_t offered = 0;
     if (const JsonNode* names = object.require("choices"))
     {
-        offered = names->items.size();
-        for (std::string& name : readTexts(*names, object.at("choices"), report))
-            choices.emplace_back(std::move(name));
+        offered = names->items().size();
+        for (const std::string_view name : readTexts(*names, object.at("choices"), report))
+            choices.emplace_back(name);
     }
     std::vector<std::int32_t> selected;
     const auto readIndex = [&](const JsonNode& item, const Place& at,
@@ -138,25 +140,26 @@ Value readFullChoice(const JsonNode& node, const Place& place, Report& report)
     if (const JsonNode* indices = object.require("selected"))
     {
         const Place at = object.at("selected");
-        if (indices->kind != Kind::Array)
+        if (indices->kind() != Kind::Array)
             report.error(at, "expected an array of indices");
-        else if (!indices->items.empty())
+        else if (!indices->items().empty())
             selected = readComponents<std::int32_t>(*indices, at, report, readIndex);
     }
     object.reportUnknownKeys();
-    return std::make_shared<ChoiceListValue>(std::move(choices), std::move(selected));
+    return scope.arena().make<ChoiceListValue>(scope.arena().keep(choices),
+                                               scope.arena().keep(selected));
 }
 
 Value readChoiceValue(const JsonNode& node, const Place& place, const ValueScope& scope)
 {
-    switch (node.kind)
+    switch (node.kind())
     {
     case Kind::Text:
-        return choiceOfSelected({std::string(node.text)});
+        return choiceOfSelected({node.text()}, scope.arena());
     case Kind::Array:
-        return choiceOfSelected(readTexts(node, place, scope.report()));
+        return choiceOfSelected(readTexts(node, place, scope.report()), scope.arena());
     case Kind::Object:
-        return readFullChoice(node, place, scope.report());
+        return readFullChoice(node, place, scope);
     default:
         scope.report().error(place,
                              "expected a choice's name, an array of names, or an object with "
@@ -228,15 +231,15 @@ std::optional<PropertyParts> readLongForm(const JsonNode& node, const Place& pla
     const JsonNode* connected = object.find("connected");
     object.reportUnknownKeys();
     if (!type)
-        return PropertyParts{Property(std::string(node.key), 0, Value()), connected};
+        return PropertyParts{Property(node.key(), 0, nullptr), connected};
 
-    ValueScope scope{owner, node.key};
+    ValueScope scope{owner, node.key()};
     if (unit && type->code != platform::ePropertyType_Scalar)
         report.error(object.at("unit"), "expected no unit: only a scalar has one");
     else if (unit)
         scope.unit = readUnit(*unit, object.at("unit"), report).value_or(0);
-    Value held = value ? type->readValue(*value, object.at("value"), scope) : nullptr;
-    return PropertyParts{Property(std::string(node.key), type->code, std::move(held)), connected};
+    const Value held = value ? type->readValue(*value, object.at("value"), scope) : nullptr;
+    return PropertyParts{Property(node.key(), type->code, held), connected};
 }
 
 std::optional<platform::PropertyType> shortFormType(Kind kind)
@@ -259,9 +262,9 @@ std::optional<platform::PropertyType> shortFormType(Kind kind)
 std::optional<PropertyParts> readProperty(const JsonNode& node, const Place& place,
                                           const PropertyOwner& owner)
 {
-    if (node.kind == Kind::Object)
+    if (node.kind() == Kind::Object)
         return readLongForm(node, place, owner);
-    const auto type = shortFormType(node.kind);
+    const auto type = shortFormType(node.kind());
     if (!type)
     {
         owner.file.report.error(place,
@@ -270,8 +273,8 @@ std::optional<PropertyParts> readProperty(const JsonNode& node, const Place& pla
     }
     const auto row = std::find_if(types.begin(), types.end(), [&](const TypeRow& candidate)
                                   { return candidate.code == *type; });
-    Value value = row->readValue(node, place, ValueScope{owner, node.key});
-    return PropertyParts{Property(std::string(node.key), *type, std::move(value)), nullptr};
+    const Value value = row->readValue(node, place, ValueScope{owner, node.key()});
+    return PropertyParts{Property(node.key(), *type, value), nullptr};
 }
 
 } // namespace vyr::assetlib

@@ -57,11 +57,11 @@ std::optional<std::size_t> readUnitName(const JsonNode& node, const Place& place
                                         std::size_t count)
 {
     const auto names = std::span(unitNames).first(count);
-    const auto found = std::find(names.begin(), names.end(), node.text);
+    const auto found = std::find(names.begin(), names.end(), node.text());
     if (found != names.end())
         return static_cast<std::size_t>(found - names.begin());
-    const std::string near = suggestion(node.text, names);
-    report.error(place, "unknown unit " + inQuotes(node.text) +
+    const std::string near = suggestion(node.text(), names);
+    report.error(place, "unknown unit " + inQuotes(node.text()) +
                             (near.empty() ? "; expected " + listed(names) : near));
     return std::nullopt;
 }
@@ -70,12 +70,12 @@ std::optional<std::size_t> readUnitName(const JsonNode& node, const Place& place
 
 std::optional<std::uint32_t> readUnit(const JsonNode& node, const Place& place, Report& report)
 {
-    if (node.kind == JsonNode::Kind::Text)
+    if (node.kind() == JsonNode::Kind::Text)
     {
         const auto index = readUnitName(node, place, report, units.size());
         return index ? std::optional<std::uint32_t>(units[*index].code) : std::nullopt;
     }
-    if (node.kind != JsonNode::Kind::Number)
+    if (node.kind() != JsonNode::Kind::Number)
     {
         report.error(place, "expected a unit's name or its code");
         return std::nullopt;
@@ -87,12 +87,12 @@ std::optional<std::uint32_t> readUnit(const JsonNode& node, const Place& place, 
 
 std::optional<std::int32_t> readLengthUnit(const JsonNode& node, const Place& place, Report& report)
 {
-    if (node.kind == JsonNode::Kind::Text)
+    if (node.kind() == JsonNode::Kind::Text)
     {
         const auto index = readUnitName(node, place, report, lengthCount);
         return index ? std::optional(static_cast<std::int32_t>(*index)) : std::nullopt;
     }
-    if (node.kind != JsonNode::Kind::Number)
+    if (node.kind() != JsonNode::Kind::Number)
     {
         report.error(place, "expected the name of a length unit or its number");
         return std::nullopt;

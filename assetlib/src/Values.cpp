@@ -9,7 +9,7 @@ namespace
 {
 
 template <class T>
-T componentAt(const std::vector<T>& components, std::size_t index)
+T componentAt(std::span<const T> components, std::size_t index)
 {
     return index < components.size() ? components[index] : T{};
 }
@@ -29,7 +29,7 @@ void ColorValue::GetColor(std::size_t index, double& red, double& green, double&
 
 void UriValue::GetUri(WideString& text, platform::UriForm) const
 {
-    text = WideString(wideOf(_text));
+    text = WideString(wideOf(std::string(_text)));
 }
 
 std::int32_t IntegerValue::GetInteger(std::size_t index) const

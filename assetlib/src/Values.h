@@ -1,9 +1,10 @@
 #pragma once
 
-#include <memory>
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
-#include <utility>
-#include <vector>
+#include <string_view>
 
 #include <kelvor/platform/assets/IChoiceListValue.h>
 #include <kelvor/platform/assets/IIntegerValue.h>
@@ -17,6 +18,8 @@ namespace vyr::assetlib
 namespace platform = kelvor::platform::assets;
 using kelvor::platform::core::string::UTF8String;
 using kelvor::platform::core::string::WideString;
+
+// Texts and arrays of the classes here are in the memory of the store.
 
 /// What a value answers unless its kind says otherwise: one component, no unit.
 template <class Interface>
@@ -59,43 +62,41 @@ class ColorValue final : public ValueOf<platform::IValue>
 class StringValue final : public ValueOf<platform::IStringValue>
 {
   public:
-    explicit StringValue(std::string text) : _text(std::move(text)) {}
+    explicit StringValue(std::string_view text) : _text(text) {}
     void GetString(UTF8String& text) const override { text = UTF8String(_text); }
 
   private:
-    std::string _text;
+    std::string_view _text;
 };
 
 /// Both forms are the same text: the reference was looked up when it was loaded.
 class UriValue final : public ValueOf<platform::IUriValue>
 {
   public:
-    explicit UriValue(std::string text) : _text(std::move(text)) {}
+    explicit UriValue(std::string_view text) : _text(text) {}
     void GetUri(UTF8String& text, platform::UriForm) const override { text = UTF8String(_text); }
     void GetUri(WideString& text, platform::UriForm) const override;
 
   private:
-    std::string _text;
+    std::string_view _text;
 };
 
 class IntegerValue final : public ValueOf<platform::IIntegerValue>
 {
   public:
-    explicit IntegerValue(std::vector<std::int32_t> components) : _components(std::move(components))
-    {
-    }
+    explicit IntegerValue(std::span<const std::int32_t> components) : _components(components) {}
     std::size_t GetComponentCount() const override { return _components.size(); }
     std::int32_t GetInteger(std::size_t index) const override;
 
   private:
-    std::vector<std::int32_t> _components;
+    std::span<const std::int32_t> _components;
 };
 
 class ScalarValue final : public ValueOf<platform::IScalarValue>
 {
   public:
-    ScalarValue(std::vector<double> components, std::uint32_t unit)
-        : _components(std::move(components)), _unit(unit)
+    ScalarValue(std::span<const double> components, std::uint32_t unit)
+        : _components(components), _unit(unit)
     {
     }
     std::size_t GetComponentCount() const override { return _components.size(); }
@@ -103,36 +104,36 @@ class ScalarValue final : public ValueOf<platform::IScalarValue>
     double GetScalar(std::size_t index) const override;
 
   private:
-    std::vector<double> _components;
+    std::span<const double> _components;
     std::uint32_t _unit;
 };
 
 class Choice final : public platform::IChoice
 {
   public:
-    explicit Choice(std::string name) : _name(std::move(name)) {}
+    explicit Choice(std::string_view name) : _name(name) {}
     void GetName(UTF8String& name) const override { name = UTF8String(_name); }
 
   private:
-    std::string _name;
+    std::string_view _name;
 };
 
 class ChoiceTable final : public platform::IChoiceTable
 {
   public:
-    explicit ChoiceTable(std::vector<Choice> choices) : _choices(std::move(choices)) {}
+    explicit ChoiceTable(std::span<const Choice> choices) : _choices(choices) {}
     std::size_t GetChoiceCount() const override { return _choices.size(); }
     const platform::IChoice* GetChoice(std::size_t index) const override;
 
   private:
-    std::vector<Choice> _choices;
+    std::span<const Choice> _choices;
 };
 
 class ChoiceListValue final : public ValueOf<platform::IChoiceListValue>
 {
   public:
-    ChoiceListValue(std::vector<Choice> choices, std::vector<std::int32_t> selected)
-        : _selected(std::move(selected)), _table(std::move(choices))
+    ChoiceListValue(std::span<const Choice> choices, std::span<const std::int32_t> selected)
+        : _selected(selected), _table(choices)
     {
     }
     std::size_t GetSelectedCount() const override { return _selected.size(); }
@@ -140,11 +141,11 @@ class ChoiceListValue final : public ValueOf<platform::IChoiceListValue>
     const platform::IChoiceTable* GetChoiceTable() const override { return &_table; }
 
   private:
-    std::vector<std::int32_t> _selected;
+    std::span<const std::int32_t> _selected;
     ChoiceTable _table;
 };
 
-/// A property's value of any kind; empty when there is none.
-using Value = std::shared_ptr<const platform::IValue>;
+/// A property's value of any kind, in the memory of the store; null when there is none.
+using Value = const platform::IValue*;
 
 } // namespace vyr::assetlib
