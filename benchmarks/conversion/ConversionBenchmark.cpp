@@ -308,7 +308,7 @@ void tool(benchmark::State& state)
 BENCHMARK(tool)
     ->ArgNames({"", "jobs"})
     ->ArgsProduct({{1, few, many}, {1, 2}})
-    ->Iterations(4)
+    ->Iterations(8)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 
