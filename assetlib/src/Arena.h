@@ -27,7 +27,9 @@ class Arena
     {
         using Item = std::remove_cvref_t<decltype(*std::data(items))>;
         const std::size_t count = std::size(items);
-        auto* kept = static_cast<Item*>(_memory.allocate(count * sizeof(Item), alignof(Item)));
+        // Nothing has a place of its own too.
+        const std::size_t size = std::max<std::size_t>(count, 1) * sizeof(Item);
+        auto* kept = static_cast<Item*>(_memory.allocate(size, alignof(Item)));
         std::uninitialized_copy_n(std::data(items), count, kept);
         return std::span<Item>(kept, count);
     }

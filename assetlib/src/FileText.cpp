@@ -7,6 +7,7 @@
 #include <system_error>
 #include <vector>
 
+#include "Json.h"
 #include "Paths.h"
 
 namespace vyr::assetlib
@@ -59,7 +60,7 @@ std::optional<std::string> readFile(Report& report)
     std::error_code unknownSize;
     const std::uintmax_t size = fs::file_size(path, unknownSize);
     if (!unknownSize && size <= largestFile)
-        text.reserve(static_cast<std::size_t>(size));
+        text.reserve(static_cast<std::size_t>(size) + JsonDocument::roomBehind);
     std::vector<char> block(std::size_t{1} << 16);
     while (stream && text.size() <= largestFile)
     {

@@ -79,6 +79,8 @@ class JsonDocument
   public:
     /// Arrays and objects inside one another, the outermost counted.
     static constexpr std::size_t maxDepth = 64;
+    /// A text with so many bytes of room behind its end is not moved to make some.
+    static constexpr std::size_t roomBehind = 64;
 
     /// Parses the text and reports broken JSON (with line and column), keys that an object has
     /// twice, and nesting deeper than maxDepth, whose content is left out.
@@ -92,6 +94,8 @@ class JsonDocument
     const JsonNode& root() const { return _root; }
 
   private:
+    void parseWithReasons(std::string& text, Arena& texts, Report& report);
+
     JsonNode _root;
     bool _whole = false;
     Arena _nodes;
