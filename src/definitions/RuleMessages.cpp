@@ -88,7 +88,7 @@ constexpr Retold retold[] = {
     {"Unit type definition does not exist in document", ValidationCode::UnitTypeUnknown,
      unknownUnitType},
     {"Unit definition does not exist in document", ValidationCode::UnitUnknown, unknownUnit},
-    {"Invalid value", ValidationCode::Rule, wrongValue},
+    {"Invalid value", ValidationCode::ValueInvalid, wrongValue},
 };
 
 void add(const mx::ElementPtr& element, const std::string& rule,
