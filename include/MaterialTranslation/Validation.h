@@ -24,6 +24,8 @@ enum class ValidationCode
     Rule,
     /// A text that is no value of its type, or only begins like one.
     ValueInvalid,
+    /// A value that a form would have in another unit, in which no 32-bit float can hold it.
+    ValueRange,
     /// A value that is not among those that the definition of the input allows, such as an address mode.
     ChoiceUnknown,
     /// No definition fits a node: its category is unknown, or not for its type.

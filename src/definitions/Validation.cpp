@@ -18,6 +18,8 @@ const char* validationCodeName(ValidationCode code)
         return "materialx-rule";
     case ValidationCode::ValueInvalid:
         return "value-invalid";
+    case ValidationCode::ValueRange:
+        return "value-range";
     case ValidationCode::ChoiceUnknown:
         return "choice-unknown";
     case ValidationCode::NodeUndefined:
