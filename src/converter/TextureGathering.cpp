@@ -104,7 +104,25 @@ class Gathering
         plan();
         if (_files.empty())
             return;
-        core::makeMaterialFolder(_folder);
+        const bool isNew = core::makeMaterialFolder(_folder);
+        try
+        {
+            fill();
+        }
+        catch (...)
+        {
+            std::error_code ignored;
+            if (isNew)
+                fs::remove(_folder, ignored); // refuses when something is in it
+            throw;
+        }
+        for (const Reference& reference : _references)
+            rewrite(reference);
+    }
+
+  private:
+    void fill() const
+    {
         // Own files first: they make room for a user's file of the same name.
         for (const auto& [path, file] : _files)
             if (file.baked)
@@ -112,11 +130,8 @@ class Gathering
         for (const auto& [path, file] : _files)
             if (!file.baked)
                 copy(file);
-        for (const Reference& reference : _references)
-            rewrite(reference);
     }
 
-  private:
     /// Gives each file a place: first the users' files that are in the folder already and must not
     /// be overwritten, then the other users' files, last the converter's own, which can be moved.
     void plan()
