@@ -18,10 +18,10 @@ template <class Number> bool isNumber(std::string_view text)
 {
     if (text.starts_with('+'))
         text.remove_prefix(1);
-    const char* end = text.data() + text.size();
     Number number;
     // MaterialX has seen to the range.
-    return std::from_chars(text.data(), end, number).ptr == end;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    return result.ptr == text.data() + text.size();
 }
 
 struct NumberType
@@ -70,8 +70,8 @@ bool isWhole(std::string_view text, std::string_view type)
     const bool isArray = type.ends_with(suffix);
     if (isArray)
         type.remove_suffix(suffix.size());
-    const auto* known = std::find_if(std::begin(numberTypes), std::end(numberTypes),
-                                     [&](const NumberType& t) { return t.name == type; });
+    const auto* known =
+        std::ranges::find_if(numberTypes, [&](const NumberType& t) { return t.name == type; });
     if (known == std::end(numberTypes))
         return true;
     return isArray || known->components > 1 ? areNumbers(text, *known)
