@@ -93,7 +93,7 @@ void checkChoice(const mx::ValueElement& value, CheckContext& context)
         return;
     const std::string& choices = declared->getAttribute(*attribute);
     const mx::StringVec all = mx::splitString(choices, ", ");
-    if (std::find(all.begin(), all.end(), chosen) == all.end())
+    if (std::ranges::find(all, chosen) == all.end())
         report(value, ValidationCode::ChoiceUnknown,
                "\"" + chosen + "\" is none of the choices: " + choices, context);
 }

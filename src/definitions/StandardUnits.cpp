@@ -56,7 +56,7 @@ Conversion convertAs(mx::ValueElement& element, const mx::Value& value,
 {
     if (!value.isA<Value>())
         return Conversion::OtherType;
-    const Value& former = value.asA<Value>();
+    const auto& former = value.asA<Value>();
     const Value converted = converter.convert(former, element.getUnit(), unit);
     if (!survives(former, converted))
         return Conversion::OutOfRange;
@@ -85,16 +85,16 @@ bool hasUnit(const mx::Document& document, const std::string& type, const std::s
     if (!definition)
         return false;
     const std::vector<mx::UnitDefPtr> all = definition->getUnitDefs();
-    return std::any_of(all.begin(), all.end(), [&](const mx::UnitDefPtr& units)
-                       { return units->getUnit(unit) != nullptr; });
+    return std::ranges::any_of(all, [&](const mx::UnitDefPtr& units)
+                               { return units->getUnit(unit) != nullptr; });
 }
 
 /// Whether only the kvor definitions have the unit.
 bool isLacking(const Definitions& definitions, const std::string& unit)
 {
     const auto all = definitions.kvor->getUnitDefs();
-    return std::any_of(all.begin(), all.end(), [&](const mx::UnitDefPtr& units)
-                       { return units->getUnit(unit) != nullptr; });
+    return std::ranges::any_of(all, [&](const mx::UnitDefPtr& units)
+                               { return units->getUnit(unit) != nullptr; });
 }
 
 void standardize(mx::ValueElement& element, const TargetUnit& target,
@@ -120,9 +120,8 @@ void standardize(mx::ValueElement& element, const TargetUnit& target,
 void useStandardUnit(mx::ValueElement& element, UnitScope scope, const Definitions& definitions,
                      std::vector<ValidationMessage>& messages)
 {
-    const auto* target =
-        std::find_if(std::begin(targetUnits), std::end(targetUnits),
-                     [&](const TargetUnit& t) { return t.type == element.getUnitType(); });
+    const auto* target = std::ranges::find_if(targetUnits, [&](const TargetUnit& t)
+                                              { return t.type == element.getUnitType(); });
     if (target == std::end(targetUnits))
         return;
     const bool concerned = scope == UnitScope::All || isLacking(definitions, element.getUnit());
