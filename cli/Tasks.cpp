@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "Console.h"
 #include "DocumentNames.h"
@@ -24,20 +25,43 @@ bool allExist(const std::vector<std::string>& ids, const assetlib::Library& libr
     return exist;
 }
 
-/// Gives each material its name; the later of two with one name is refused.
-void nameTasks(std::vector<Task>& tasks, MaterialTranslation::MaterialXConverter& converter,
-               bool idNames)
+using MaterialTranslation::MaterialXConverter;
+
+std::string claim(DocumentNames& names, const std::string& name, const Task& task)
 {
-    const std::string advice = idNames ? " even with --id-names" : "; --id-names keeps such apart";
+    return names.claim(name, subjectOf(*task.material) + " of " + task.material->file);
+}
+
+/// Tells the materials that are refused whether names with identifiers are of use: different identifiers
+/// may leave equal names.
+void adviseIdNames(std::vector<Task>& tasks, MaterialTranslation::ConverterOptions options)
+{
+    const bool idNames = std::exchange(options.useAssetIdInName, true);
+    MaterialXConverter converter(options);
     DocumentNames names;
     for (Task& task : tasks)
     {
-        task.name = converter.getMaterialName(*task.material->asset).str();
-        const std::string& file = task.material->file;
-        task.refusal = names.claim(task.name, subjectOf(*task.material) + " of " + file);
-        if (!task.refusal.empty())
-            task.refusal += advice;
+        const bool helps =
+            claim(names, converter.getMaterialName(*task.material->asset).str(), task).empty();
+        if (!task.refusal.empty() && (idNames || helps))
+            task.refusal += idNames ? " even with --id-names" : "; --id-names keeps such apart";
     }
+}
+
+/// Gives each material its name; the later of two with one name is refused.
+void nameTasks(std::vector<Task>& tasks, MaterialXConverter& converter,
+               const MaterialTranslation::ConverterOptions& options)
+{
+    DocumentNames names;
+    bool allNamed = true;
+    for (Task& task : tasks)
+    {
+        task.name = converter.getMaterialName(*task.material->asset).str();
+        task.refusal = claim(names, task.name, task);
+        allNamed = allNamed && task.refusal.empty();
+    }
+    if (!allNamed)
+        adviseIdNames(tasks, options);
 }
 
 /// Gives each material the warnings about it and about the textures that it uses.
@@ -66,7 +90,7 @@ std::string subjectOf(const assetlib::Material& material)
 }
 
 std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const Source& source,
-                                           MaterialTranslation::MaterialXConverter& converter)
+                                           MaterialXConverter& converter)
 {
     if (!allExist(command.assets, source.library))
         return std::nullopt;
@@ -77,7 +101,7 @@ std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const 
         if (selected.empty() || selected.contains(material.id))
             tasks.emplace_back().material = &material;
     }
-    nameTasks(tasks, converter, command.options.useAssetIdInName);
+    nameTasks(tasks, converter, command.options);
     attachWarnings(tasks, source.warnings);
     return tasks;
 }

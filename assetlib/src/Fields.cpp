@@ -73,7 +73,7 @@ std::optional<std::vector<double>> readNumbers(const JsonNode& node, const Place
 {
     const std::size_t count = node.items().size();
     const bool fits = node.kind() == Kind::Array && count >= least && count <= greatest &&
-                      std::all_of(node.items().begin(), node.items().end(), isNumber);
+                      std::ranges::all_of(node.items(), isNumber);
     if (!fits)
     {
         const std::string most = std::to_string(greatest);
@@ -114,12 +114,12 @@ ObjectReader::ObjectReader(const JsonNode& node, const Place& place, Report& rep
 
 const JsonNode* ObjectReader::find(std::string_view key)
 {
-    if (std::find(_known.begin(), _known.end(), key) == _known.end())
+    if (std::ranges::find(_known, key) == _known.end())
         _known.push_back(key);
     if (!isObject())
         return nullptr;
-    const auto member = std::find_if(_node.items().begin(), _node.items().end(),
-                                     [&](const JsonNode& item) { return item.key() == key; });
+    const auto member = std::ranges::find_if(_node.items(), [&](const JsonNode& item)
+                                             { return item.key() == key; });
     return member != _node.items().end() ? &*member : nullptr;
 }
 
@@ -137,7 +137,7 @@ void ObjectReader::reportUnknownKeys() const
         return;
     for (const JsonNode& member : _node.items())
     {
-        if (std::find(_known.begin(), _known.end(), member.key()) != _known.end())
+        if (std::ranges::find(_known, member.key()) != _known.end())
             continue;
         const std::string near = suggestion(member.key(), _known);
         _report.error(at(member.key()), near.empty() ? "unknown key; expected " + listed(_known)

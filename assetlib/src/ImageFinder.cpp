@@ -163,11 +163,11 @@ std::vector<fs::path> spellings(const std::string& reference)
     std::vector<std::string> forms = {written};
     const auto add = [&](std::string form)
     {
-        if (!form.empty() && std::find(forms.begin(), forms.end(), form) == forms.end())
+        if (!form.empty() && std::ranges::find(forms, form) == forms.end())
             forms.push_back(std::move(form));
     };
     std::string forward = written;
-    std::replace(forward.begin(), forward.end(), '\\', '/');
+    std::ranges::replace(forward, '\\', '/');
     add(forward);
     for (const std::string& form : {written, forward})
     {
@@ -175,7 +175,7 @@ std::vector<fs::path> spellings(const std::string& reference)
             add(form.substr(0, form.size() - 1));
     }
     std::vector<fs::path> paths;
-    std::transform(forms.begin(), forms.end(), std::back_inserter(paths), pathOf);
+    std::ranges::transform(forms, std::back_inserter(paths), pathOf);
     return paths;
 }
 

@@ -20,8 +20,8 @@ LibraryManager& LibraryManager::instance()
 void LibraryManager::setFolders(const std::vector<std::string>& folders)
 {
     auto absolute = std::make_shared<Folders>();
-    std::transform(folders.begin(), folders.end(), std::back_inserter(*absolute),
-                   [](const std::string& folder) { return tidyAbsolute(pathOf(folder)); });
+    std::ranges::transform(folders, std::back_inserter(*absolute),
+                           [](const std::string& folder) { return tidyAbsolute(pathOf(folder)); });
     const std::lock_guard lock(_mutex);
     _folders = std::move(absolute);
 }

@@ -47,7 +47,7 @@ fs::path tidyAbsolute(const fs::path& path)
     if (error)
         return path;
     fs::path normal = absolute.lexically_normal();
-    const bool leavesFolders = std::find(absolute.begin(), absolute.end(), "..") != absolute.end();
+    const bool leavesFolders = std::ranges::find(absolute, "..") != absolute.end();
     // Behind a symbolic link ".." leads elsewhere than the text suggests.
     if (leavesFolders && !fs::equivalent(absolute, normal, error))
         return absolute;

@@ -57,7 +57,7 @@ std::optional<std::size_t> readUnitName(const JsonNode& node, const Place& place
                                         std::size_t count)
 {
     const auto names = std::span(unitNames).first(count);
-    const auto found = std::find(names.begin(), names.end(), node.text());
+    const auto found = std::ranges::find(names, node.text());
     if (found != names.end())
         return static_cast<std::size_t>(found - names.begin());
     const std::string near = suggestion(node.text(), names);

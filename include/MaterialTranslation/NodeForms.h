@@ -35,7 +35,7 @@ enum class NodeForm
 /// The result depends on the document and the definitions alone.
 /// @param document not null; changed in place. Its data library stays what it was.
 /// @return what cannot be brought into the form and was left as it is: kvor nodes without a fitting
-///         definition, and units that are not known.
+///         definition, units that are not known, and values beyond a 32-bit float in the unit of the form.
 /// @throws what definitionLibrary throws, before anything is changed.
 VYR_MTLX_API std::vector<ValidationMessage> applyNodeForm(const MaterialX::DocumentPtr& document,
                                                           NodeForm form);

@@ -22,6 +22,12 @@ enum class ValidationCode
     Unreadable,
     /// One of MaterialX's own rules that has no code of its own here.
     Rule,
+    /// A text that is no value of its type, or only begins like one.
+    ValueInvalid,
+    /// A value that a form would have in another unit, in which no 32-bit float can hold it.
+    ValueRange,
+    /// A value that is not among those that the definition of the input allows, such as an address mode.
+    ChoiceUnknown,
     /// No definition fits a node: its category is unknown, or not for its type.
     NodeUndefined,
     /// An input of a node has neither a value nor a connection.
@@ -35,6 +41,8 @@ enum class ValidationCode
     UnitMisfit,
     /// An image or other file that does not exist.
     FileMissing,
+    /// A material assignment names no material, or one that the document does not have.
+    MaterialMissing,
     /// A node graph without nodes, or without an output.
     GraphEmpty,
 };

@@ -82,10 +82,10 @@ void writeValue(const AssetView& view, const char* name, std::ostream& stream)
 
 void WriteMaterialDescription(const IAssetInstance& asset, std::ostream& stream)
 {
-    stream << "Material Class:" << GetAssetSchemaName(asset) << std::endl;
-    stream << "Description: " << GetAssetDescription(asset) << std::endl;
-    stream << "Name: " << GetAssetDisplayName(asset) << std::endl;
-    stream << "Hidden or not: " << (isHidden(asset) ? "YES" : "NO") << std::endl;
+    stream << "Material Class:" << GetAssetSchemaName(asset) << '\n';
+    stream << "Description: " << GetAssetDescription(asset) << '\n';
+    stream << "Name: " << GetAssetDisplayName(asset) << '\n';
+    stream << "Hidden or not: " << (isHidden(asset) ? "YES" : "NO") << '\n';
 }
 
 void WriteTextureSchema(const AssetView& view, const char* name, std::ostream& stream)

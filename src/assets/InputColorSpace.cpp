@@ -106,13 +106,13 @@ NamedMeaning namedMeaning(const ColorSpaceQuestion& question, bool sourceIsTextu
     if (question.source.asset().HasWorkingPropertyNames())
         result.property = question.property;
 
-    const auto preset = std::find_if(names.begin(), names.end(), IsLyrexName);
+    const auto preset = std::ranges::find_if(names, IsLyrexName);
     if (preset != names.end())
     {
         result.preset = presetMeaning(LyrexNameNumber(*preset));
         return result;
     }
-    const auto qualified = std::find_if(names.begin(), names.end(), HasLyrexPrefix);
+    const auto qualified = std::ranges::find_if(names, HasLyrexPrefix);
     if (qualified != names.end())
     {
         result.preset = presetMeaning(LyrexNameNumber(*qualified));
@@ -125,17 +125,15 @@ NamedMeaning namedMeaning(const ColorSpaceQuestion& question, bool sourceIsTextu
 
 ColorMeaning presetMeaning(long long number)
 {
-    const auto* range =
-        std::find_if(std::begin(presetRanges), std::end(presetRanges),
-                     [number](const auto& r) { return number >= r.first && number <= r.last; });
+    const auto* range = std::ranges::find_if(presetRanges, [number](const auto& r)
+                                             { return number >= r.first && number <= r.last; });
     return range == std::end(presetRanges) ? Unknown : range->meaning;
 }
 
 ColorMeaning propertyMeaning(const std::string& property)
 {
-    const auto* row =
-        std::find_if(std::begin(propertyMap), std::end(propertyMap), [&](const PropertyRow& r)
-                     { return core::equalsIgnoringCase(r.name, property); });
+    const auto* row = std::ranges::find_if(propertyMap, [&](const PropertyRow& r)
+                                           { return core::equalsIgnoringCase(r.name, property); });
     return row == std::end(propertyMap) ? Unknown : row->meaning;
 }
 

@@ -22,8 +22,7 @@ constexpr const char* lyrexSchemas[] = {lyrexMetalSchema, lyrexOpaqueSchema, lyr
 bool IsLyrex(const IAssetInstance& asset)
 {
     const std::string schema = GetAssetSchemaName(asset);
-    return std::find(std::begin(lyrexSchemas), std::end(lyrexSchemas), schema) !=
-           std::end(lyrexSchemas);
+    return std::ranges::find(lyrexSchemas, schema) != std::end(lyrexSchemas);
 }
 
 bool HasLyrexPrefix(std::string_view name)

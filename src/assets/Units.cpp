@@ -63,13 +63,12 @@ constexpr std::int32_t centimeterIndex = 3;
 
 Unit UnitForCode(std::uint32_t code)
 {
-    const auto* family =
-        std::find_if(std::begin(unitFamilies), std::end(unitFamilies),
-                     [code](const UnitFamily& f) { return (code & f.bits) == f.bits; });
+    const auto* family = std::ranges::find_if(unitFamilies, [code](const UnitFamily& f)
+                                              { return (code & f.bits) == f.bits; });
     if (family == std::end(unitFamilies))
         return {};
-    const auto* unit = std::find_if(std::begin(units), std::end(units),
-                                    [&](const UnitRow& row) { return row.code == code; });
+    const auto* unit =
+        std::ranges::find_if(units, [&](const UnitRow& row) { return row.code == code; });
     return {unit == std::end(units) ? "" : unit->name, family->unitType};
 }
 

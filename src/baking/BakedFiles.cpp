@@ -115,7 +115,7 @@ std::filesystem::path placeBeside(const std::filesystem::path& wished,
         std::error_code error;
         return std::filesystem::equivalent(file, place, error) && !error;
     };
-    for (int number = 2; std::any_of(kept.begin(), kept.end(), isPlace); ++number)
+    for (int number = 2; std::ranges::any_of(kept, isPlace); ++number)
     {
         place = wished.parent_path() / wished.stem();
         place += fmt::format("-{}", number);

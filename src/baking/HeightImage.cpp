@@ -140,7 +140,7 @@ void checkJpegEnd(const std::filesystem::path& path)
 std::string reason(const std::string& error)
 {
     std::string line(OIIO::Strutil::strip(error));
-    std::replace(line.begin(), line.end(), '\n', ' ');
+    std::ranges::replace(line, '\n', ' ');
     return line.empty() ? "the image file is damaged" : line;
 }
 

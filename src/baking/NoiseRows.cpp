@@ -64,7 +64,7 @@ class NoiseStrip
     /// Adds up at most kBandRows rows; row i of the result starts at i * kNoiseColumns.
     const float* sumRows(int yBegin, int yEnd)
     {
-        std::fill(_sums.begin(), _sums.end(), 0.0f);
+        std::ranges::fill(_sums, 0.0f);
         float frequency = 1.0f;
         for (const NoiseColumns& columns : _columns)
         {

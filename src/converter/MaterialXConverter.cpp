@@ -50,7 +50,7 @@ template <class Operation> bool reporting(Operation operation)
 }
 
 /// Registers a clone of the asset unless its name is registered already.
-bool registerAsset(const assets::IAssetInstance& asset, std::string name)
+bool registerAsset(const assets::IAssetInstance& asset, const std::string& name)
 {
     const core::Log log = core::LogSession::log(assets::GetAssetIdentifier(asset));
     RegisteredAssets& registered = sharedState().registered;

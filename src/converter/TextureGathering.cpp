@@ -99,12 +99,30 @@ class Gathering
         for (std::size_t i = _request.firstChild; i < children.size(); ++i)
             collectReferences(children[i], _references);
         for (const Reference& reference : _references)
-            if (std::find(_paths.begin(), _paths.end(), reference.path) == _paths.end())
+            if (std::ranges::find(_paths, reference.path) == _paths.end())
                 _paths.push_back(reference.path);
         plan();
         if (_files.empty())
             return;
-        core::makeMaterialFolder(_folder);
+        const bool isNew = core::makeMaterialFolder(_folder);
+        try
+        {
+            fill();
+        }
+        catch (...)
+        {
+            std::error_code ignored;
+            if (isNew)
+                fs::remove(_folder, ignored); // refuses when something is in it
+            throw;
+        }
+        for (const Reference& reference : _references)
+            rewrite(reference);
+    }
+
+  private:
+    void fill() const
+    {
         // Own files first: they make room for a user's file of the same name.
         for (const auto& [path, file] : _files)
             if (file.baked)
@@ -112,11 +130,8 @@ class Gathering
         for (const auto& [path, file] : _files)
             if (!file.baked)
                 copy(file);
-        for (const Reference& reference : _references)
-            rewrite(reference);
     }
 
-  private:
     /// Gives each file a place: first the users' files that are in the folder already and must not
     /// be overwritten, then the other users' files, last the converter's own, which can be moved.
     void plan()
@@ -137,8 +152,8 @@ class Gathering
 
     bool isBaked(const std::string& path) const
     {
-        return std::any_of(_request.baked.begin(), _request.baked.end(), [&](const fs::path& baked)
-                           { return baked == core::pathFromUtf8(path); });
+        return std::ranges::any_of(_request.baked, [&](const fs::path& baked)
+                                   { return baked == core::pathFromUtf8(path); });
     }
 
     void planFile(const std::string& path, bool baked)
@@ -170,8 +185,8 @@ class Gathering
     const GatheredFile* findSame(const fs::path& source) const
     {
         const auto file =
-            std::find_if(_files.begin(), _files.end(), [&](const auto& entry)
-                         { return isSameFile(core::pathFromUtf8(entry.first), source); });
+            std::ranges::find_if(_files, [&](const auto& entry)
+                                 { return isSameFile(core::pathFromUtf8(entry.first), source); });
         return file == _files.end() ? nullptr : &file->second;
     }
 
@@ -196,12 +211,12 @@ class Gathering
             return true;
         if (isSameFile(destination, core::pathFromUtf8(path)))
             return false;
-        return std::any_of(_paths.begin(), _paths.end(),
-                           [&](const std::string& other)
-                           {
-                               return (baked || !isBaked(other)) &&
-                                      isSameFile(destination, core::pathFromUtf8(other));
-                           });
+        return std::ranges::any_of(_paths,
+                                   [&](const std::string& other)
+                                   {
+                                       return (baked || !isBaked(other)) &&
+                                              isSameFile(destination, core::pathFromUtf8(other));
+                                   });
     }
 
     static void move(const GatheredFile& file)

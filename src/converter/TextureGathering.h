@@ -33,6 +33,7 @@ struct GatheringRequest
 /// A file is copied once however many inputs name it; it is not copied again while the copy has its
 /// size and is not older. Different files of one name, also if only their case differs, get
 /// different names. A user's file is never moved, a missing one stays as it is in the document.
+/// When nothing can be written, a folder made for it is gone again.
 /// @throws std::filesystem::filesystem_error "exists", "create_directory", "copy_file", "rename"; the
 ///         document keeps the values already rewritten.
 void gatherTextures(const GatheringRequest& request);

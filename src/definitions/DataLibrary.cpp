@@ -26,7 +26,7 @@ std::vector<fs::path> definitionFiles(const fs::path& folder)
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder))
         if (entry.path().extension() == ".mtlx")
             files.push_back(entry.path());
-    std::sort(files.begin(), files.end());
+    std::ranges::sort(files);
     return files;
 }
 
@@ -70,7 +70,7 @@ std::vector<std::string> colorSpacesOf(const mx::Document& library)
         if (!mx::stringEndsWith(node, suffix))
             continue;
         const std::string name = node.substr(0, node.size() - suffix.size());
-        if (std::find(names.begin(), names.end(), name) == names.end())
+        if (std::ranges::find(names, name) == names.end())
             names.push_back(name);
     }
     return names;
@@ -111,7 +111,7 @@ Shared& shared()
 
 bool Definitions::knowsColorSpace(const std::string& name) const
 {
-    return std::find(colorSpaces.begin(), colorSpaces.end(), name) != colorSpaces.end();
+    return std::ranges::find(colorSpaces, name) != colorSpaces.end();
 }
 
 std::shared_ptr<const Definitions> definitionsOf(DefinitionSet set)

@@ -1,9 +1,11 @@
 #include "definitions/ElementChecks.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "definitions/FileCheck.h"
 #include "definitions/RuleMessages.h"
+#include "definitions/WholeValues.h"
 
 namespace vyr::MaterialTranslation::definitions
 {
@@ -40,12 +42,18 @@ void checkNode(const mx::Node& node, CheckContext& context)
     report(node, ValidationCode::NodeUndefined, "no definition of \"" + category + "\"", context);
 }
 
+/// What the definition of a node says about its input; null without a definition.
+mx::InputPtr declarationOf(const mx::ValueElement& input)
+{
+    const auto node = input.getParent()->asA<mx::Node>();
+    const mx::NodeDefPtr definition = node ? node->getNodeDef() : nullptr;
+    return definition ? definition->getActiveInput(input.getName()) : nullptr;
+}
+
 /// A unit of another kind than the input takes: no shader can be generated.
 void checkUnitKind(const mx::ValueElement& value, CheckContext& context)
 {
-    const auto node = value.getParent()->asA<mx::Node>();
-    const mx::NodeDefPtr definition = node ? node->getNodeDef() : nullptr;
-    const mx::InputPtr input = definition ? definition->getActiveInput(value.getName()) : nullptr;
+    const mx::InputPtr input = declarationOf(value);
     if (input && input->hasUnitType() && input->getUnitType() != value.getUnitType())
         report(value, ValidationCode::UnitMisfit,
                "the unit is of the kind \"" + value.getUnitType() + "\", but the input takes a \"" +
@@ -66,6 +74,49 @@ void checkUnit(const mx::ValueElement& value, CheckContext& context)
            context);
 }
 
+/// The attribute of a definition's input that lists what a value may be; null when the list only makes proposals,
+/// as for colours.
+const std::string* choicesAttribute(const std::string& type)
+{
+    if (type == mx::STRING_TYPE_STRING)
+        return &mx::ValueElement::ENUM_ATTRIBUTE;
+    return type == "integer" ? &mx::ValueElement::ENUM_VALUES_ATTRIBUTE : nullptr;
+}
+
+/// Shaders cannot be generated for other choices. An empty text makes none.
+void checkChoice(const mx::ValueElement& value, CheckContext& context)
+{
+    const std::string* attribute = choicesAttribute(value.getType());
+    const std::string chosen = attribute ? mx::trimSpaces(value.getValueString()) : std::string();
+    const mx::InputPtr declared = chosen.empty() ? nullptr : declarationOf(value);
+    if (!declared || !declared->hasAttribute(*attribute))
+        return;
+    const std::string& choices = declared->getAttribute(*attribute);
+    const mx::StringVec all = mx::splitString(choices, ", ");
+    if (std::ranges::find(all, chosen) == all.end())
+        report(value, ValidationCode::ChoiceUnknown,
+               "\"" + chosen + "\" is none of the choices: " + choices, context);
+}
+
+void checkWhole(const mx::ValueElement& value, CheckContext& context)
+{
+    const std::string& text = value.getValueString();
+    // What MaterialX cannot read at all it tells of itself.
+    if (!text.empty() && !isWhole(text, value.getType()) && value.getValue())
+        report(value, ValidationCode::ValueInvalid,
+               "\"" + text + "\" is no value of type \"" + value.getType() +
+                   "\"; only its beginning is read",
+               context);
+}
+
+void checkAssignment(const mx::MaterialAssign& assignment, CheckContext& context)
+{
+    const mx::NodePtr material = assignment.getReferencedMaterial();
+    if (!material || material->getType() != mx::MATERIAL_TYPE_STRING)
+        report(assignment, ValidationCode::MaterialMissing,
+               "there is no material \"" + assignment.getMaterial() + "\"", context);
+}
+
 void checkGraph(const mx::NodeGraph& graph, CheckContext& context)
 {
     const bool hasNodes = !graph.getNodes().empty();
@@ -79,6 +130,8 @@ void checkGraph(const mx::NodeGraph& graph, CheckContext& context)
 
 void checkValue(const mx::ValueElement& value, CheckContext& context)
 {
+    checkWhole(value, context);
+    checkChoice(value, context);
     checkUnit(value, context);
     if (value.getType() == mx::FILENAME_TYPE_STRING && !value.getValueString().empty())
         checkFile(value, context.searchPath, context.messages);
@@ -94,12 +147,17 @@ void check(const mx::Element& element, CheckContext& context)
         checkValue(*value, context);
     else if (const auto* graph = dynamic_cast<const mx::NodeGraph*>(&element))
         checkGraph(*graph, context);
+    else if (const auto* assignment = dynamic_cast<const mx::MaterialAssign*>(&element))
+        checkAssignment(*assignment, context);
 }
 
-/// The values of a definition are defaults, whose units its users choose: only MaterialX's rules hold.
+/// The values of a definition are defaults, whose units its users choose.
 void checkDefinition(const mx::ElementPtr& element, CheckContext& context)
 {
-    addRuleMessages(element, context.messages);
+    if (context.breaksRules)
+        addRuleMessages(element, context.messages);
+    if (const auto* value = dynamic_cast<const mx::ValueElement*>(element.get()))
+        checkWhole(*value, context);
     for (const mx::ElementPtr& child : element->getChildren())
         checkDefinition(child, context);
 }
@@ -110,8 +168,7 @@ void checkElements(const mx::ElementPtr& element, CheckContext& context)
 {
     if (element->getCategory() == mx::NodeDef::CATEGORY)
     {
-        if (context.breaksRules)
-            checkDefinition(element, context);
+        checkDefinition(element, context);
         return;
     }
     if (context.breaksRules)

@@ -132,8 +132,8 @@ void keepApart(const mx::DocumentPtr& document, const std::vector<mx::NodeGraphP
 {
     const auto inGraph = [&](const std::string& name)
     {
-        return std::any_of(graphs.begin(), graphs.end(), [&](const mx::NodeGraphPtr& graph)
-                           { return graph->getChild(name) != nullptr; });
+        return std::ranges::any_of(graphs, [&](const mx::NodeGraphPtr& graph)
+                                   { return graph->getChild(name) != nullptr; });
     };
     for (const mx::NodePtr& node : document->getNodes())
     {

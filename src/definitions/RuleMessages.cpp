@@ -33,7 +33,7 @@ Description undefinedType(const mx::Element& element)
     std::vector<std::string> types;
     for (const mx::NodeDefPtr& definition :
          element.getDocument()->getMatchingNodeDefs(element.getCategory()))
-        if (std::find(types.begin(), types.end(), definition->getType()) == types.end())
+        if (std::ranges::find(types, definition->getType()) == types.end())
             types.push_back(definition->getType());
     return "no definition of " + quoted(element.getCategory()) + " is of type " +
            quoted(element.asA<mx::TypedElement>()->getType()) + "; there are " + joined(types);
@@ -88,14 +88,14 @@ constexpr Retold retold[] = {
     {"Unit type definition does not exist in document", ValidationCode::UnitTypeUnknown,
      unknownUnitType},
     {"Unit definition does not exist in document", ValidationCode::UnitUnknown, unknownUnit},
-    {"Invalid value", ValidationCode::Rule, wrongValue},
+    {"Invalid value", ValidationCode::ValueInvalid, wrongValue},
 };
 
 void add(const mx::ElementPtr& element, const std::string& rule,
          std::vector<ValidationMessage>& messages)
 {
-    const auto* known = std::find_if(std::begin(retold), std::end(retold),
-                                     [&](const Retold& r) { return r.rule == rule; });
+    const auto* known =
+        std::ranges::find_if(retold, [&](const Retold& r) { return r.rule == rule; });
     const std::string path = element->getNamePath();
     if (known == std::end(retold))
         messages.push_back({path, ValidationCode::Rule, rule});

@@ -1,6 +1,7 @@
 #include "definitions/StandardUnits.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <string_view>
 
@@ -30,27 +31,52 @@ constexpr TargetUnit targetUnits[] = {
     {"luminance", "candelapersquaremeter", false},
 };
 
-template <class Value>
-bool convertAs(mx::ValueElement& element, const mx::ValuePtr& value,
-               const mx::UnitConverter& converter, const std::string& unit)
+/// Whether a conversion has neither left the range of numbers nor made one vanish.
+bool survives(float value, float converted)
 {
-    if (!value->isA<Value>())
-        return false;
-    const Value converted = converter.convert(value->asA<Value>(), element.getUnit(), unit);
-    element.setValueString(graph::valueString(converted));
-    return true;
+    return std::isfinite(converted) && (converted == 0.0f) == (value == 0.0f);
 }
 
-void convertValue(mx::ValueElement& element, const mx::UnitConverter& converter,
+template <class Vector> bool survives(const Vector& value, const Vector& converted)
+{
+    return std::equal(value.begin(), value.end(), converted.begin(),
+                      [](float v, float c) { return survives(v, c); });
+}
+
+enum class Conversion
+{
+    OtherType,
+    OutOfRange,
+    Done,
+};
+
+template <class Value>
+Conversion convertAs(mx::ValueElement& element, const mx::Value& value,
+                     const mx::UnitConverter& converter, const std::string& unit)
+{
+    if (!value.isA<Value>())
+        return Conversion::OtherType;
+    const auto& former = value.asA<Value>();
+    const Value converted = converter.convert(former, element.getUnit(), unit);
+    if (!survives(former, converted))
+        return Conversion::OutOfRange;
+    element.setValueString(graph::valueString(converted));
+    return Conversion::Done;
+}
+
+/// @return whether the value may get the unit; otherwise it is as it was.
+bool convertValue(mx::ValueElement& element, const mx::UnitConverter& converter,
                   const std::string& unit)
 {
     const mx::ValuePtr value = element.getValue();
     if (!value || element.getUnit() == unit)
-        return;
-    convertAs<float>(element, value, converter, unit) ||
-        convertAs<mx::Vector2>(element, value, converter, unit) ||
-        convertAs<mx::Vector3>(element, value, converter, unit) ||
-        convertAs<mx::Vector4>(element, value, converter, unit);
+        return true;
+    for (const auto convert :
+         {convertAs<float>, convertAs<mx::Vector2>, convertAs<mx::Vector3>, convertAs<mx::Vector4>})
+        if (const Conversion result = convert(element, *value, converter, unit);
+            result != Conversion::OtherType)
+            return result == Conversion::Done;
+    return true;
 }
 
 bool hasUnit(const mx::Document& document, const std::string& type, const std::string& unit)
@@ -59,16 +85,16 @@ bool hasUnit(const mx::Document& document, const std::string& type, const std::s
     if (!definition)
         return false;
     const std::vector<mx::UnitDefPtr> all = definition->getUnitDefs();
-    return std::any_of(all.begin(), all.end(), [&](const mx::UnitDefPtr& units)
-                       { return units->getUnit(unit) != nullptr; });
+    return std::ranges::any_of(all, [&](const mx::UnitDefPtr& units)
+                               { return units->getUnit(unit) != nullptr; });
 }
 
 /// Whether only the kvor definitions have the unit.
 bool isLacking(const Definitions& definitions, const std::string& unit)
 {
     const auto all = definitions.kvor->getUnitDefs();
-    return std::any_of(all.begin(), all.end(), [&](const mx::UnitDefPtr& units)
-                       { return units->getUnit(unit) != nullptr; });
+    return std::ranges::any_of(all, [&](const mx::UnitDefPtr& units)
+                               { return units->getUnit(unit) != nullptr; });
 }
 
 void standardize(mx::ValueElement& element, const TargetUnit& target,
@@ -82,17 +108,20 @@ void standardize(mx::ValueElement& element, const TargetUnit& target,
                             "no unit \"" + element.getUnit() + "\" of type \"" + type + "\""});
         return;
     }
-    convertValue(element, *mx::LinearUnitConverter::create(document->getUnitTypeDef(type)),
-                 target.unit);
-    element.setUnit(target.unit);
+    const auto converter = mx::LinearUnitConverter::create(document->getUnitTypeDef(type));
+    if (convertValue(element, *converter, target.unit))
+        element.setUnit(target.unit);
+    else
+        messages.push_back({element.getNamePath(), ValidationCode::ValueRange,
+                            element.getValueString() + " " + element.getUnit() +
+                                " is beyond a 32-bit float in " + target.unit});
 }
 
 void useStandardUnit(mx::ValueElement& element, UnitScope scope, const Definitions& definitions,
                      std::vector<ValidationMessage>& messages)
 {
-    const auto* target =
-        std::find_if(std::begin(targetUnits), std::end(targetUnits),
-                     [&](const TargetUnit& t) { return t.type == element.getUnitType(); });
+    const auto* target = std::ranges::find_if(targetUnits, [&](const TargetUnit& t)
+                                              { return t.type == element.getUnitType(); });
     if (target == std::end(targetUnits))
         return;
     const bool concerned = scope == UnitScope::All || isLacking(definitions, element.getUnit());

@@ -16,6 +16,12 @@ const char* validationCodeName(ValidationCode code)
         return "unreadable";
     case ValidationCode::Rule:
         return "materialx-rule";
+    case ValidationCode::ValueInvalid:
+        return "value-invalid";
+    case ValidationCode::ValueRange:
+        return "value-range";
+    case ValidationCode::ChoiceUnknown:
+        return "choice-unknown";
     case ValidationCode::NodeUndefined:
         return "node-undefined";
     case ValidationCode::InputUnbound:
@@ -32,6 +38,8 @@ const char* validationCodeName(ValidationCode code)
         return "unit-misfit";
     case ValidationCode::FileMissing:
         return "file-missing";
+    case ValidationCode::MaterialMissing:
+        return "material-missing";
     case ValidationCode::GraphEmpty:
         return "graph-empty";
     }

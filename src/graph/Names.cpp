@@ -27,8 +27,8 @@ std::string inputGraphName(const std::string& material)
 bool isIdentifier(std::string_view name)
 {
     return !name.empty() && !core::isAsciiDigit(name.front()) &&
-           std::all_of(name.begin(), name.end(),
-                       [](char c) { return c == '_' || core::isAsciiAlphanumeric(c); });
+           std::ranges::all_of(name,
+                               [](char c) { return c == '_' || core::isAsciiAlphanumeric(c); });
 }
 
 std::string takenName(const mx::DocumentPtr& document, const std::vector<std::string>& names,

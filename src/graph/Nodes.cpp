@@ -50,7 +50,8 @@ void assignInDefaultLook(const mx::DocumentPtr& document, const std::string& mat
         look = document->addLook(defaultLookName);
     constexpr const char* everything = "*";
     const std::string name = first ? "material_assign_default" : "material_assign_" + material;
-    mx::MaterialAssignPtr assignment = look->addMaterialAssign(freeName(look, name), material);
+    const mx::MaterialAssignPtr assignment =
+        look->addMaterialAssign(freeName(look, name), material);
     assignment->setGeom(everything);
 }
 

@@ -18,27 +18,27 @@ using Color = StandardSurfaceParams::Color;
 struct ColorModeRow
 {
     std::int32_t mode;
-    /// Power that makes an undeclared colour linear.
-    double exponent;
     /// Whether documents state the linear colour.
     bool decodes;
+    /// Power that makes an undeclared colour linear.
+    double exponent;
     const char* colorSpace;
 };
 
 // The exponents are those of MaterialX's "g22_rec709" and "rec709_display".
 constexpr double displayExponent = 2.4;
 constexpr ColorModeRow colorModes[] = {
-    {1, 2.2, true, assets::linearRec709},
-    {2, displayExponent, true, assets::linearRec709},
-    {3, 2.2, false, assets::gamma22Rec709},
-    {4, displayExponent, false, assets::displayRec709},
+    {1, true, 2.2, assets::linearRec709},
+    {2, true, displayExponent, assets::linearRec709},
+    {3, false, 2.2, assets::gamma22Rec709},
+    {4, false, displayExponent, assets::displayRec709},
 };
-constexpr ColorModeRow otherMode{0, 1.0, false, assets::linearRec709};
+constexpr ColorModeRow otherMode{0, false, 1.0, assets::linearRec709};
 
 const ColorModeRow& rowOf(std::int32_t mode)
 {
-    const auto* row = std::find_if(std::begin(colorModes), std::end(colorModes),
-                                   [mode](const ColorModeRow& r) { return r.mode == mode; });
+    const auto* row =
+        std::ranges::find_if(colorModes, [mode](const ColorModeRow& r) { return r.mode == mode; });
     return row == std::end(colorModes) ? otherMode : *row;
 }
 
@@ -53,7 +53,7 @@ Color toPower(Color color, double exponent, const char* property)
         if (color[i] > 0.0f)
             color[i] = static_cast<float>(std::pow(static_cast<double>(color[i]), exponent));
     const auto isFinite = [](float channel) { return std::isfinite(channel); };
-    if (!std::all_of(color.begin(), color.end(), isFinite))
+    if (!std::ranges::all_of(color, isFinite))
         throw assets::PropertyError("ePropertyType_Color", property, DiagnosticCode::ValueNotFinite,
                                     "the colour is too bright for a 32-bit float");
     return color;

@@ -110,8 +110,8 @@ std::span<const LyrexFamily> lyrexFamilies()
 
 const LyrexFamily* findLyrexFamily(std::string_view schema)
 {
-    const auto* family = std::find_if(std::begin(families), std::end(families),
-                                      [&](const LyrexFamily& f) { return f.schema == schema; });
+    const auto* family =
+        std::ranges::find_if(families, [&](const LyrexFamily& f) { return f.schema == schema; });
     return family == std::end(families) ? nullptr : family;
 }
 

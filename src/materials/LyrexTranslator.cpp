@@ -173,7 +173,7 @@ class LyrexWriter
         if (output)
             graph::addConnectedInput(_shader, value.input.name, output);
         else if (value.plain)
-            writePlain(value);
+            writePlain(value, *value.plain);
         if (value.input.name == fractionInput)
             graph::addTypedInput(_shader, fractionInvertInput, !output);
     }
@@ -188,11 +188,11 @@ class LyrexWriter
         return textures::addConnectedTexture(*value.texture, typeName(value.input.type), _build);
     }
 
-    void writePlain(const LyrexValue& value)
+    void writePlain(const LyrexValue& value, const PlainValue& plain)
     {
-        const mx::InputPtr input = std::visit(
-            [&](const auto& plain)
-            { return graph::addTypedInput(_shader, value.input.name, plain); }, *value.plain);
+        const mx::InputPtr input =
+            std::visit([&](const auto& typed)
+                       { return graph::addTypedInput(_shader, value.input.name, typed); }, plain);
         if (!value.colorSpace.empty())
             input->setColorSpace(value.colorSpace);
         graph::setInputUnit(input, value.unit);

@@ -51,8 +51,8 @@ void adjustMetallicPaint(GenericMaterial& material, const Sources& from)
     const std::string metal = assets::GetFirstChoiceOr(from.own, property, "");
     if (metal.empty())
         return;
-    const auto* flake = std::find_if(std::begin(flakes), std::end(flakes), [&](const FlakeRow& row)
-                                     { return metal.find(row.word) != std::string::npos; });
+    const auto* flake = std::ranges::find_if(flakes, [&](const FlakeRow& row)
+                                             { return metal.find(row.word) != std::string::npos; });
     if (flake == std::end(flakes))
     {
         from.log.warning(DiagnosticCode::ChoiceUnknown, property,
@@ -107,8 +107,8 @@ void adjustWater(GenericMaterial& material, const Sources& from)
     params.specular = 1.0f;
     params.specular_IOR = waterIndex;
     const std::string type = assets::GetFirstChoiceOr(from.own, property, "");
-    const auto* water = std::find_if(std::begin(waters), std::end(waters),
-                                     [&](const WaterRow& row) { return row.type == type; });
+    const auto* water =
+        std::ranges::find_if(waters, [&](const WaterRow& row) { return row.type == type; });
     if (water != std::end(waters))
     {
         params.base_color = encodeLinear(water->base, from.colorMode);

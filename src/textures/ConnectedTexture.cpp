@@ -118,8 +118,8 @@ constexpr ReaderRow readers[] = {
 
 const ReaderRow* findReader(TextureRole role, const std::string& schema)
 {
-    const auto* row = std::find_if(std::begin(readers), std::end(readers), [&](const ReaderRow& r)
-                                   { return r.role == role && r.schema == schema; });
+    const auto* row = std::ranges::find_if(readers, [&](const ReaderRow& r)
+                                           { return r.role == role && r.schema == schema; });
     return row == std::end(readers) ? nullptr : row;
 }
 

@@ -85,9 +85,11 @@ class Convert(ToolTest):
         self.assertIn('material "c" (GenericSchema) of a.json', lines[2])
         self.assertEqual(result.stderr.count("--id-names"), 3)
         self.convert("a.json", "b.json", "--id-names")
-        # Cleaning can make one name of two identifiers.
-        self.library(material("a.b", "Wall"), material("ab", "Wall"))
-        self.assertIn("even with --id-names", self.convert("lib.json", "--id-names", status=1).stderr)
+        # Cleaning can make one name of two identifiers; only the third has one that helps.
+        self.library(*(material(id, "Wall") for id in ("a.b", "AB", "c")), material("?", ""), material("!", ""))
+        lines = self.convert("lib.json", status=1).stderr.splitlines()
+        self.assertEqual([line.split('"')[1] for line in lines if "--id-names" in line], ["c"])
+        self.assertEqual(self.convert("lib.json", "--id-names", status=1).stderr.count("even with --id-names"), 2)
 
     def test_jobs_change_nothing(self):
         kinds = [GREY, BROKEN, MISSPELT]

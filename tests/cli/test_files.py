@@ -2,13 +2,14 @@
 
 import os
 import pty
+import resource
 import shutil
 import signal
 import subprocess
 import unittest
 import xml.etree.ElementTree as ElementTree
 
-from support import ToolTest, material
+from support import ToolTest, bitmap, material, textured
 
 
 class Files(ToolTest):
@@ -79,6 +80,18 @@ class Files(ToolTest):
             self.assertEqual(written > 0, some)
             self.assertEqual(result.stderr.count(": cannot write out/"), 40 - written)
             self.assertEqual(len(result.stdout.splitlines()), written)
+
+    def test_folders_that_nothing_can_be_put_into_are_gone_again(self):
+        self.image("grey.png")
+        relief = {"generic_bump_map": bitmap("grey.png"), "generic_bump_amount": 1.0}
+        self.library(textured("a", "Wall", "grey.png"), textured("b", "Gate", "grey.png"), material("c", "Roof", relief))
+        (self.folder / "out" / "Gate").mkdir(parents=True)
+        result = subprocess.run(
+            self.command("convert", "lib.json", "--copy-textures", "--quiet", "--output", "out"), cwd=self.folder,
+            capture_output=True, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (64, 64)),
+        )
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual([path.name for path in (self.folder / "out").rglob("*")], ["Gate"])
 
 
 @unittest.skipUnless(os.name == "posix", "signals and terminals of POSIX")

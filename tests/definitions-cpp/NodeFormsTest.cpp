@@ -88,14 +88,18 @@ TEST(NodeForms, LeaveWhatTheyDoNotKnowAndSaySo)
 {
     const std::string content =
         R"(<kvor:felt name="a" type="surfaceshader"/><kvor:bitmap name="b" type="matrix33"/>)"
-        R"(<constant name="c" type="float"><input name="value" type="float" value="1" unit="furlong" unittype="distance"/></constant>)";
+        R"(<constant name="c" type="float"><input name="value" type="float" value="1" unit="furlong" unittype="distance"/></constant>)"
+        R"(<constant name="d" type="float"><input name="value" type="float" value="3e38" unit="mile" unittype="distance"/></constant>)"
+        R"(<constant name="e" type="vector2"><input name="value" type="vector2" value="1, 1e-44" unit="nanometer" unittype="distance"/></constant>)";
     const mx::DocumentPtr document = documentOf(content);
     std::string text;
     for (const ValidationMessage& message : applyNodeForm(document, NodeForm::Standard))
         text += message.path + ": " + message.text + "\n";
     EXPECT_EQ(text,
               "a: no definition of \"kvor:felt\" fits\nb: no definition of \"kvor:bitmap\" fits\n"
-              "c/value: no unit \"furlong\" of type \"distance\"\n");
+              "c/value: no unit \"furlong\" of type \"distance\"\n"
+              "d/value: 3e38 mile is beyond a 32-bit float in meter\n"
+              "e/value: 1, 1e-44 nanometer is beyond a 32-bit float in meter\n");
     EXPECT_EQ(mx::writeToXmlString(document), mx::writeToXmlString(documentOf(content)));
 }
 

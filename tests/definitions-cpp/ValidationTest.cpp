@@ -63,7 +63,7 @@ TEST(Validation, TellsWhatIsWrongAndWhere)
          {R"(m/surface_rotation: unit-misfit: the unit is of the kind "distance", but the input takes a "angle")"}},
         {constant(R"(value="1" unit="" unittype="distance")"), {R"(g/n/value: unit-unknown: no unit "")"}},
         {constant(""), {"g/n/value: input-unbound: "}},
-        {constant(R"(value="much")"), {R"(g/n/value: materialx-rule: "much" is no value of type "float")"}},
+        {constant(R"(value="much")"), {R"(g/n/value: value-invalid: "much" is no value of type "float")"}},
         {constant(R"(nodename="gone")"), {"g/n/value: materialx-rule: Invalid port connection"}},
         {R"(<nodegraph name="g"/>)", {"g: graph-empty: the node graph is empty"}},
         {R"(<nodegraph name="g"><constant name="n" type="float"/></nodegraph>)", {"g: graph-empty: the node graph has no output"}},
@@ -71,6 +71,20 @@ TEST(Validation, TellsWhatIsWrongAndWhere)
         {image("gone.png"), {R"(i/file: file-missing: there is no file "gone.png")"}},
         {image("t.&lt;UDIM&gt;.png"), {}},
         {image(""), {}},
+        {R"(<image name="i" type="color3"><input name="uaddressmode" type="string" value="wrap"/><input name="vaddressmode" type="string" value="clamp"/>)"
+         R"(<input name="filtertype" type="string" value=""/></image>)",
+         {R"(i/uaddressmode: choice-unknown: "wrap" is none of the choices: constant,clamp,periodic,mirror)"}},
+        {R"(<kvor:bitmap name="b" type="float"><input name="uaddressmode" type="string" value="wrap"/></kvor:bitmap>)",
+         {R"(b/uaddressmode: choice-unknown: )"}},
+        {R"(<ramp name="r" type="color4"><input name="type" type="integer" value="3"/><input name="interpolation" type="integer" value="3"/></ramp>)",
+         {R"(r/interpolation: choice-unknown: "3" is none of the choices: 0,1,2)"}},
+        // What the definition lists for weights are proposals.
+        {R"(<luminance name="l" type="color3"><input name="lumacoeffs" type="color3" value="0.3, 0.6, 0.1"/></luminance>)", {}},
+        {R"(<look name="l"><materialassign name="a" material="m"/><materialassign name="b" material="gone"/><materialassign name="c" material="s"/>)"
+         R"(<materialassign name="d"/></look><standard_surface name="s" type="surfaceshader"/>)"
+         R"(<surfacematerial name="m" type="material"><input name="surfaceshader" type="surfaceshader" nodename="s"/></surfacematerial>)",
+         {R"(l/b: material-missing: there is no material "gone")", R"(l/c: material-missing: )", R"(l/d: material-missing: )"}},
+        {R"(<nodedef name="ND_x" node="x"><input name="a" type="float" value="0,5"/><output name="out" type="float"/></nodedef>)", {R"(ND_x/a: value-invalid: )"}},
         // A definition's defaults have no unit: its users choose.
         {R"(<nodedef name="ND_x" node="x"><input name="a" type="float" value="1" unittype="distance"/><output name="out" type="float"/></nodedef>)", {}},
         // Two elements alike but for their place, one of them in order.
@@ -80,6 +94,33 @@ TEST(Validation, TellsWhatIsWrongAndWhere)
     // clang-format on
     for (const auto& [content, messages] : cases)
         expectMessages(validateDocument(documentOf(content)), messages, content);
+}
+
+TEST(Validation, ReadsValuesToTheirEnd)
+{
+    // By type: values, then what is none though it begins like one.
+    const std::tuple<std::string, Lines, Lines> cases[] = {
+        {"float", {"1", " -1.5e-3 ", "+.5", "2."}, {"0,5", "1 2", "1,", "1f", "0x10", "50%"}},
+        {"integer", {"7", "-7", "+7"}, {"1.5", "1e3", "1 2"}},
+        {"boolean", {"true"}, {"True", "1"}},
+        {"color3", {"1,1,1", "1, 1, 1", "1 1 1"}, {"1, 1, 1;", "1, 1x, 1", "1, 1, 1, 1"}},
+        {"vector2", {"1,1", "1, 1", " 1  1 "}, {"0.5;, 1", "1, 1mm"}},
+        {"matrix33", {"1,0,0, 0,1,0, 0,0,1"}, {"1,0,0, 0,1,0, 0,0,1m"}},
+        {"floatarray", {"", "1, 2"}, {"1;2", "1, 2x"}},
+        {"color3array", {"", "1,0,0, 0,1,0"}, {"1,0,0, 0", "red"}},
+        {"stringarray", {"", "1,a"}, {}},
+        {"string", {"", "0,5"}, {}},
+    };
+    for (const auto& [type, good, bad] : cases)
+        for (const Lines* values : {&good, &bad})
+            for (const std::string& value : *values)
+            {
+                const std::string content =
+                    "<token name=\"a\" type=\"" + type + "\" value=\"" + value + "\"/>";
+                const std::string message = "a: value-invalid: \"" + value + "\" is no value";
+                expectMessages(validateDocument(documentOf(content)),
+                               values == &good ? Lines{} : Lines{message}, content);
+            }
 }
 
 TEST(Validation, LooksFilesUpAsMaterialXDoes)

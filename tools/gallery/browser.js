@@ -13,6 +13,38 @@ const FLAGS = [
 ];
 /** Longest wait for one picture. */
 const PATIENCE = 180_000;
+/** Longest wait for an answer, which takes up to three pictures. */
+const ANSWER = 3 * PATIENCE;
+
+/** The browser hangs: there is no use in asking it for more. */
+class Unresponsive extends Error {}
+
+function withinTime(promise, milliseconds) {
+    let timer;
+    const late = new Promise((_, reject) => {
+        const error = new Unresponsive(`the browser gave no answer within ${milliseconds / 1000} s`);
+        timer = setTimeout(reject, milliseconds, error);
+    });
+    return Promise.race([promise, late]).finally(() => clearTimeout(timer));
+}
+
+/** Playwright itself waits without end for what a page evaluates. */
+function limitAnswers(page) {
+    const evaluate = page.evaluate.bind(page);
+    page.evaluate = (...question) => withinTime(evaluate(...question), ANSWER);
+}
+
+/** Does something with each material. What fails is added to `problems`; a browser that hangs ends it. */
+export async function forEachMaterial(materials, problems, action) {
+    for (const material of materials) {
+        try {
+            await action(material);
+        } catch (error) {
+            problems.push(`${material.key}: ${error.message}`);
+            if (error instanceof Unresponsive) return;
+        }
+    }
+}
 
 /**
  * Opens a page from the file system in a fresh profile and waits until it has set `ready`, a property of its
@@ -22,6 +54,7 @@ export async function withPage(url, ready, problems, action) {
     const browser = await chromium.launch({ executablePath: "/usr/bin/chromium", args: FLAGS });
     try {
         const page = await browser.newPage({ viewport: { width: 1560, height: 1000 } });
+        limitAnswers(page);
         page.on("console", (message) => {
             if (message.type() === "error") problems.push(`console: ${message.text()}`);
         });

@@ -2,7 +2,7 @@
 // the documents by reference as the page has them, and those in another form in forms/<form>.
 
 import path from "node:path";
-import { withScript } from "./browser.js";
+import { forEachMaterial, withScript } from "./browser.js";
 import { images, materials } from "./documents.js";
 
 const FORMS = ["embed", "standard"];
@@ -41,20 +41,14 @@ async function checkComparison(page, all) {
 
 async function compare(page, all, problems) {
     const worst = FORMS.map(() => ({ most: 0, mean: 0 }));
-    for (const { key, text, ...forms } of all) {
-        let found;
-        try {
-            found = await differences(page, text, FORMS.map((form) => forms[form]));
-        } catch (error) {
-            problems.push(`${key}: ${error.message}`);
-            continue;
-        }
+    await forEachMaterial(all, problems, async ({ key, text, ...forms }) => {
+        const found = await differences(page, text, FORMS.map((form) => forms[form]));
         console.log(`${key}: ${FORMS.map((form, i) => `${form} ${figures(found[i])}`).join("; ")}`);
         found.forEach((each, i) => {
             for (const figure of ["most", "mean"]) worst[i][figure] = Math.max(worst[i][figure], each[figure]);
             if (tooFar(each)) problems.push(`${key}: ${FORMS[i]} looks different: ${figures(each)}`);
         });
-    }
+    });
     return worst;
 }
 

@@ -2,7 +2,7 @@
 // three.js's MaterialXLoader, and says what that leaves out.
 
 import path from "node:path";
-import { withScript } from "./browser.js";
+import { forEachMaterial, withScript } from "./browser.js";
 import { images, materials } from "./documents.js";
 
 // What the loader is known to lack: a node for the transform of an image's colours behind an amount or an inversion.
@@ -14,15 +14,15 @@ const lines = (log) => [...new Set(log.map(({ severity, message }) => `${severit
 async function read(page, all, problems) {
     const saying = new Map();
     let loaded = 0;
-    for (const { key, text } of all) {
+    await forEachMaterial(all, problems, async ({ key, text }) => {
         const { log, problem } = await page.evaluate((document) => window.reader.read(document), text);
         const errors = log.filter(({ severity }) => severity === "error");
         for (const line of lines(log)) saying.set(line, [...(saying.get(line) ?? []), key]);
         for (const { message } of errors) if (!KNOWN.test(message)) problems.push(`${key}: ${message}`);
-        if (errors.length) continue; // What is drawn without the node that is missing can be anything.
+        if (errors.length) return; // What is drawn without the node that is missing can be anything.
         ++loaded;
         if (problem) problems.push(`${key}: ${problem}`);
-    }
+    });
     return { loaded, saying };
 }
 
