@@ -20,8 +20,6 @@ namespace
 
 constexpr std::size_t barWidth = 30;
 constexpr std::chrono::milliseconds redrawTime(50);
-/// Longest time that a program which reads the results waits for one, as long as others follow.
-constexpr std::chrono::milliseconds holdTime(50);
 
 bool isTerminal(std::FILE* stream)
 {
@@ -82,33 +80,10 @@ void Results::write(std::string_view text)
     if (!_delivered)
         return;
     errno = 0;
-    const auto now = std::chrono::steady_clock::now();
-    const bool due = onTerminal() || now - _handedOn >= holdTime;
-    check(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
-    if (due)
-        handOn();
-}
-
-bool Results::delivered()
-{
-    handOn();
-    return _delivered;
-}
-
-void Results::handOn()
-{
-    if (!_delivered)
-        return;
-    errno = 0;
-    check(std::fflush(stdout) == 0);
-    _handedOn = std::chrono::steady_clock::now();
-}
-
-void Results::check(bool arrived)
-{
-    if (_delivered && !arrived && errno != EPIPE)
+    _delivered =
+        std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+    if (!_delivered && errno != EPIPE)
         complain("vyr-mtlx: standard output: " + std::generic_category().message(errno));
-    _delivered = _delivered && arrived;
 }
 
 bool Results::onTerminal()

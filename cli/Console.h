@@ -29,24 +29,17 @@ void complainAsIs(std::string_view lines);
 class Results
 {
   public:
-    /// Writes the text as it stands. A person sees it at once; for a program texts that follow each
-    /// other fast are handed on together.
+    /// Writes the text as it stands and hands it on to the reader.
     void write(std::string_view text);
 
-    /// Gives the reader all that was written.
-    void handOn();
-
-    /// Whether all that was written arrived; hands it on.
-    bool delivered();
+    /// Whether all that was written arrived.
+    bool delivered() const { return _delivered; }
 
     /// Whether a person is looking at them, in the same window as at standard error.
     static bool onTerminal();
 
   private:
-    void check(bool arrived);
-
     bool _delivered = true;
-    std::chrono::steady_clock::time_point _handedOn;
 };
 
 /// A progress bar on standard error; none when that is no terminal. Not thread-safe.

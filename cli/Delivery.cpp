@@ -42,15 +42,13 @@ ExitStatus Delivery::finish(std::size_t done)
     }
     const bool reported = _command.report.empty() || writeReport();
     const bool good = _failed == 0 && (_warned == 0 || !_command.strict);
-    return _results.delivered() && good && reported ? ExitStatus::Done : ExitStatus::SomeFailed;
+    return good && reported && _results.delivered() ? ExitStatus::Done : ExitStatus::SomeFailed;
 }
 
 void Delivery::print(const std::string& messages, const Outcome& outcome)
 {
     if (!messages.empty() || Results::onTerminal())
         _progress.clear();
-    if (!messages.empty())
-        _results.handOn(); // both may go to one log, which is to be in order
     complainAsIs(messages);
     if (outcome.converted)
         _results.write(outcome.document + '\n');

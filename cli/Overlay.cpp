@@ -152,7 +152,7 @@ ExitStatus run(const OverlayCommand& command)
             results.write(outcome.document + '\n');
         allConverted = allConverted && outcome.converted;
     }
-    return results.delivered() && allConverted ? ExitStatus::Done : ExitStatus::SomeFailed;
+    return allConverted && results.delivered() ? ExitStatus::Done : ExitStatus::SomeFailed;
 }
 
 } // namespace vyr::cli

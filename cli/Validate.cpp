@@ -52,7 +52,7 @@ ExitStatus run(const ValidateCommand& command)
         if (valid)
             results.write(file + '\n');
     }
-    return results.delivered() && allValid ? ExitStatus::Done : ExitStatus::SomeFailed;
+    return allValid && results.delivered() ? ExitStatus::Done : ExitStatus::SomeFailed;
 }
 
 } // namespace vyr::cli

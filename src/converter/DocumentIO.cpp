@@ -34,6 +34,7 @@ std::string escapeAttributes(std::string text)
 {
     if (beginsOnlyLines(text))
         return text;
+    constexpr std::string_view commentStart = "<!--";
     constexpr std::string_view commentEnd = "-->";
     const std::string_view all = text;
     std::string result;
@@ -42,9 +43,9 @@ std::string escapeAttributes(std::string text)
     {
         const std::size_t open = std::min(all.find('"', at), all.size());
         // The quotes in a comment enclose nothing.
-        if (const auto comment = all.substr(at, open - at).find("<!--"); comment != all.npos)
+        if (const auto comment = all.substr(at, open - at).find(commentStart); comment != all.npos)
         {
-            at = std::min(all.find(commentEnd, at + comment), all.size());
+            at = std::min(all.find(commentEnd, at + comment + commentStart.size()), all.size());
             continue;
         }
         at = std::min(all.find('"', open + 1), all.size());

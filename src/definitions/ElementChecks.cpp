@@ -74,26 +74,18 @@ void checkUnit(const mx::ValueElement& value, CheckContext& context)
            context);
 }
 
-/// The attribute of a definition's input that lists what a value may be; null when the list only makes proposals,
-/// as for colours.
-const std::string* choicesAttribute(const std::string& type)
-{
-    if (type == mx::STRING_TYPE_STRING)
-        return &mx::ValueElement::ENUM_ATTRIBUTE;
-    return type == "integer" ? &mx::ValueElement::ENUM_VALUES_ATTRIBUTE : nullptr;
-}
-
-/// Shaders cannot be generated for other choices. An empty text makes none.
+/// Shaders cannot be generated for other texts than those that a definition lists; for other types its list only
+/// makes proposals. An empty text chooses nothing.
 void checkChoice(const mx::ValueElement& value, CheckContext& context)
 {
-    const std::string* attribute = choicesAttribute(value.getType());
-    const std::string chosen = attribute ? mx::trimSpaces(value.getValueString()) : std::string();
+    const bool isText = value.getType() == mx::STRING_TYPE_STRING;
+    const std::string chosen = isText ? mx::trimSpaces(value.getValueString()) : std::string();
     const mx::InputPtr declared = chosen.empty() ? nullptr : declarationOf(value);
-    if (!declared || !declared->hasAttribute(*attribute))
+    if (!declared)
         return;
-    const std::string& choices = declared->getAttribute(*attribute);
-    const mx::StringVec all = mx::splitString(choices, ", ");
-    if (std::ranges::find(all, chosen) == all.end())
+    const std::string& choices = declared->getAttribute(mx::ValueElement::ENUM_ATTRIBUTE);
+    const mx::StringVec all = mx::splitString(choices, ",");
+    if (!all.empty() && std::ranges::find(all, chosen, mx::trimSpaces) == all.end())
         report(value, ValidationCode::ChoiceUnknown,
                "\"" + chosen + "\" is none of the choices: " + choices, context);
 }
@@ -104,15 +96,17 @@ void checkWhole(const mx::ValueElement& value, CheckContext& context)
     // What MaterialX cannot read at all it tells of itself.
     if (!text.empty() && !isWhole(text, value.getType()) && value.getValue())
         report(value, ValidationCode::ValueInvalid,
-               "\"" + text + "\" is no value of type \"" + value.getType() +
-                   "\"; only its beginning is read",
+               "\"" + text + "\" as a whole is no value of type \"" + value.getType() + "\"",
                context);
 }
 
 void checkAssignment(const mx::MaterialAssign& assignment, CheckContext& context)
 {
-    const mx::NodePtr material = assignment.getReferencedMaterial();
-    if (!material || material->getType() != mx::MATERIAL_TYPE_STRING)
+    const mx::NodePtr node = assignment.getReferencedMaterial();
+    const bool isMaterial = node && (node->getType() == mx::MATERIAL_TYPE_STRING ||
+                                     node->getType() == mx::MULTI_OUTPUT_TYPE_STRING);
+    // A graph gives materials by its outputs.
+    if (!isMaterial && assignment.getMaterialOutputs().empty())
         report(assignment, ValidationCode::MaterialMissing,
                "there is no material \"" + assignment.getMaterial() + "\"", context);
 }

@@ -19,7 +19,7 @@ TEST(DocumentText, IsXmlWhateverItsTextsHold)
     {
         const mx::DocumentPtr document = mx::createDocument();
         document->addChildOfCategory(mx::CommentElement::CATEGORY)
-            ->setDocString("a \"comment\" <x>");
+            ->setDocString("> a \"comment\" <x>");
         document->addNode("image", "node", "color3")
             ->setInputValue("file", text, mx::FILENAME_TYPE_STRING);
         const std::string xml = documentToXml(document);
