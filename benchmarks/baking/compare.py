@@ -20,8 +20,9 @@ OPENCV = "opencv-python-headless==4.10.0.84"
 def arguments():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--program", required=True, help="the built bench_baking")
-    parser.add_argument("--sizes", type=int, nargs="+", default=[1024, 4096, 8192])
-    parser.add_argument("--threads", type=int, nargs="+", default=[1, 2])
+    parser.add_argument("--sizes", type=int, nargs="+", choices=[64, 1024, 4096, 8192], default=[1024, 4096, 8192],
+                        help="of those that the program measures")
+    parser.add_argument("--threads", type=int, nargs="+", choices=[1, 2], default=[1, 2])
     parser.add_argument("--repeats", type=int, default=5, help="runs of the road; the fastest counts")
     parser.add_argument("--image", default=os.environ.get("VYR_BENCH_BUMP"),
                         help="a bump image (or VYR_BENCH_BUMP); without it one is generated")
