@@ -40,7 +40,7 @@ class Arena
         return {kept.data(), kept.size()};
     }
 
-    template <class Thing, class... Arguments> const Thing* make(Arguments&&... arguments)
+    template <class Thing, class... Arguments> Thing* make(Arguments&&... arguments)
     {
         void* place = _memory.allocate(sizeof(Thing), alignof(Thing));
         return ::new (place) Thing(std::forward<Arguments>(arguments)...);

@@ -77,63 +77,62 @@ const platform::IProperty* PropertyTable::GetProperty(std::size_t index) const
 void Asset::Release()
 {
     Store& store = _store;
-    const bool isClone = !_own;
-    if (isClone)
+    if (_isClone)
         delete this;
     store.release();
 }
 
 const platform::IProperty* Asset::FindProperty(const UTF8String& name) const
 {
-    return _content->properties.FindProperty(name);
+    return _content.properties.FindProperty(name);
 }
 
 std::size_t Asset::GetPropertyCount() const
 {
-    return _content->properties.GetPropertyCount();
+    return _content.properties.GetPropertyCount();
 }
 
 const platform::IProperty* Asset::GetProperty(std::size_t index) const
 {
-    return _content->properties.GetProperty(index);
+    return _content.properties.GetProperty(index);
 }
 
 void Asset::GetDisplayName(UTF8String& name, const char* language) const
 {
-    name = UTF8String(
-        displayName(*_content, language ? std::string_view(language) : standardLanguage));
+    name =
+        UTF8String(displayName(_content, language ? std::string_view(language) : standardLanguage));
 }
 
 void Asset::GetDescription(UTF8String& description) const
 {
-    description = UTF8String(_content->description);
+    description = UTF8String(_content.description);
 }
 
 const platform::IAssetIdentity* Asset::GetIdentity() const
 {
-    return _content->identity ? &*_content->identity : nullptr;
+    return _content.identity ? &*_content.identity : nullptr;
 }
 
 const platform::IAssetDefinition* Asset::GetDefinition() const
 {
-    return &_content->definition;
+    return &_content.definition;
 }
 
 platform::IAssetInstance* Asset::Clone() const
 {
-    auto* clone = new Asset(_store, *_content);
+    auto* clone = new Asset(_store, _content, true);
     _store.retain();
     return clone;
 }
 
 void Asset::GetIdentifier(UTF8String& identifier) const
 {
-    identifier = UTF8String(_content->id);
+    identifier = UTF8String(_content.id);
 }
 
 const platform::IPropertyConstTable* Asset::GetGenericPropertyTable() const
 {
-    return _content->genericProperties ? &*_content->genericProperties : nullptr;
+    return _content.genericProperties ? &*_content.genericProperties : nullptr;
 }
 
 Asset* Asset::retain()

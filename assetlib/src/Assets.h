@@ -107,14 +107,16 @@ struct AssetContent
     std::optional<PropertyTable> genericProperties;
 };
 
-/// An asset of a store, or a clone of one.
+/// An asset of a store, or a clone of one, which holds a reference to the store until it is released. Small,
+/// since converters clone whatever they take.
 class Asset final : public platform::IAssetInstance
 {
   public:
-    /// An asset that belongs to the store.
-    explicit Asset(Store& store) : _store(store), _content(&_own.emplace()) {}
-    /// A clone, which holds a reference to the store until it is released.
-    Asset(Store& store, const AssetContent& content) : _store(store), _content(&content) {}
+    /// @param content in the store.
+    Asset(Store& store, AssetContent& content, bool isClone)
+        : _store(store), _content(content), _isClone(isClone)
+    {
+    }
     Asset(const Asset&) = delete;
     Asset& operator=(const Asset&) = delete;
 
@@ -134,14 +136,14 @@ class Asset final : public platform::IAssetInstance
     /// Adds a reference that Release gives back. Only for assets that belong to the store.
     Asset* retain();
 
-    /// The changeable one is for building the store; only for assets that belong to it.
-    AssetContent& content() { return *_own; }
-    const AssetContent& content() const { return *_content; }
+    /// The changeable one is for building the store.
+    AssetContent& content() { return _content; }
+    const AssetContent& content() const { return _content; }
 
   private:
     Store& _store;
-    std::optional<AssetContent> _own;
-    const AssetContent* _content;
+    AssetContent& _content;
+    bool _isClone;
 };
 
 /// All assets of one load. They refer to each other, so they live and go together: the store counts
@@ -157,7 +159,7 @@ class Store
     /// Holds the texts, values and tables of the assets.
     Arena& arena() { return _arena; }
     /// An empty asset; its address stays.
-    Asset& add() { return _assets.emplace_back(*this); }
+    Asset& add() { return _assets.emplace_back(*this, *_arena.make<AssetContent>(), false); }
 
     void retain() { _references.fetch_add(1, std::memory_order_relaxed); }
     void release();
