@@ -276,7 +276,8 @@ void run(const std::string& arguments)
 
 /// `vyr-mtlx convert` as a process of its own, from JSON to files, beside writing the same files by hand from
 /// values at hand. The tool's start, the reading of the library and the care for whole files have no counterpart
-/// there; further ratios count the reading, and the start too, on both sides.
+/// there; further ratios count the reading, and the start too, on both sides. The disk is most of both: where many files
+/// were deleted lately it is slow by turns, and TMPDIR should lead to a new file system.
 void tool(benchmark::State& state)
 {
     const auto count = static_cast<std::size_t>(state.range(0));
