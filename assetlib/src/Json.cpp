@@ -106,26 +106,10 @@ class Sax : public nlohmann::json_sax<nlohmann::json>
         return true;
     }
     bool binary(nlohmann::json::binary_t&) override { return false; }
-    bool start_object(std::size_t) override
-    {
-        _builder.openObject();
-        return true;
-    }
-    bool end_object() override
-    {
-        _builder.closeObject();
-        return true;
-    }
-    bool start_array(std::size_t) override
-    {
-        _builder.openArray();
-        return true;
-    }
-    bool end_array() override
-    {
-        _builder.closeArray();
-        return true;
-    }
+    bool start_object(std::size_t) override { return take(&JsonBuilder::openObject); }
+    bool end_object() override { return take(&JsonBuilder::closeObject); }
+    bool start_array(std::size_t) override { return take(&JsonBuilder::openArray); }
+    bool end_array() override { return take(&JsonBuilder::closeArray); }
     bool key(std::string& value) override
     {
         _builder.addKey(value);
@@ -135,6 +119,11 @@ class Sax : public nlohmann::json_sax<nlohmann::json>
                      const nlohmann::json::exception& error) override;
 
   private:
+    bool take(void (JsonBuilder::*step)())
+    {
+        (_builder.*step)();
+        return true;
+    }
     bool add(const JsonNode::Content& content)
     {
         _builder.add(content);
