@@ -22,15 +22,11 @@ TextureInfo toInfo(const OverlayTexture& texture)
 {
     TextureInfo info;
     info.path = texture.path;
-    info.realWorldOffsetU = texture.realWorldOffset[0];
-    info.realWorldOffsetV = texture.realWorldOffset[1];
-    info.realWorldScaleU = texture.realWorldScale[0];
-    info.realWorldScaleV = texture.realWorldScale[1];
+    info.realWorldOffset = texture.realWorldOffset;
+    info.realWorldScale = texture.realWorldScale;
     info.unit = texture.unit;
-    info.uvOffsetU = texture.uvOffset[0];
-    info.uvOffsetV = texture.uvOffset[1];
-    info.uvScaleU = texture.uvScale[0];
-    info.uvScaleV = texture.uvScale[1];
+    info.uvOffset = texture.uvOffset;
+    info.uvScale = texture.uvScale;
     info.rotation = texture.rotation;
     return info;
 }

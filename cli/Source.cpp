@@ -70,7 +70,7 @@ class ReachWalk
     void addImage(const IUriValue& uri)
     {
         UTF8String text;
-        uri.GetUri(text, kelvor::platform::assets::UriForm::Stored);
+        uri.GetUri(text, kelvor::platform::assets::TextForm::Stored);
         if (!text.empty() && std::ranges::find(_reach.images, text.str()) == _reach.images.end())
             _reach.images.push_back(text.str());
     }

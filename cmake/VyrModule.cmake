@@ -36,7 +36,7 @@ function(vyr_add_module name)
     endforeach()
     list(REMOVE_DUPLICATES closure)
     set_property(TARGET vyr_${name} PROPERTY VYR_MODULES "${closure}")
-    target_link_libraries(vyr_${name} PUBLIC ${arg_LIBRARIES})
+    target_link_libraries(vyr_${name} PUBLIC vyr_base vyr_headers ${arg_LIBRARIES})
 endfunction()
 
 # vyr_link_modules(<target> <module>...): links the modules and all below them into a target.

@@ -71,11 +71,9 @@ function(vyr_install_rpath target folder)
     )
 endfunction()
 
-# vyr_add_folders(<folder>...): adds those folders that have a CMakeLists.txt, in this order.
+# vyr_add_folders(<folder>...): adds the folders in this order.
 function(vyr_add_folders)
     foreach(folder IN LISTS ARGN)
-        if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
-            add_subdirectory(${folder})
-        endif()
+        add_subdirectory(${folder})
     endforeach()
 endfunction()

@@ -27,7 +27,7 @@ void ColorValue::GetColor(std::size_t index, double& red, double& green, double&
     alpha = _alpha;
 }
 
-void UriValue::GetUri(WideString& text, platform::UriForm) const
+void UriValue::GetUri(WideString& text, platform::TextForm) const
 {
     text = WideString(wideOf(std::string(_text)));
 }

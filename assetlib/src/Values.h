@@ -63,7 +63,10 @@ class StringValue final : public ValueOf<platform::IStringValue>
 {
   public:
     explicit StringValue(std::string_view text) : _text(text) {}
-    void GetString(UTF8String& text) const override { text = UTF8String(_text); }
+    void GetString(UTF8String& text, platform::TextForm) const override
+    {
+        text = UTF8String(_text);
+    }
 
   private:
     std::string_view _text;
@@ -74,8 +77,8 @@ class UriValue final : public ValueOf<platform::IUriValue>
 {
   public:
     explicit UriValue(std::string_view text) : _text(text) {}
-    void GetUri(UTF8String& text, platform::UriForm) const override { text = UTF8String(_text); }
-    void GetUri(WideString& text, platform::UriForm) const override;
+    void GetUri(UTF8String& text, platform::TextForm) const override { text = UTF8String(_text); }
+    void GetUri(WideString& text, platform::TextForm) const override;
 
   private:
     std::string_view _text;

@@ -93,7 +93,7 @@ class Text final : public Value<assets::IStringValue>
 {
   public:
     explicit Text(std::string value) : _value(std::move(value)) {}
-    void GetString(UTF8String& text) const override { text = UTF8String(_value); }
+    void GetString(UTF8String& text, TextForm) const override { text = UTF8String(_value); }
 
   private:
     std::string _value;
@@ -104,11 +104,11 @@ class Image final : public Value<assets::IUriValue>
 {
   public:
     explicit Image(std::string uri) : _uri(std::move(uri)) {}
-    void GetUri(UTF8String& text, assets::UriForm /*form*/) const override
+    void GetUri(UTF8String& text, assets::TextForm /*form*/) const override
     {
         text = UTF8String(_uri);
     }
-    void GetUri(WideString& text, assets::UriForm /*form*/) const override
+    void GetUri(WideString& text, assets::TextForm /*form*/) const override
     {
         text = WideString(std::filesystem::u8path(_uri).wstring());
     }

@@ -19,49 +19,58 @@ enum class Severity : std::int32_t
     Error = 2,
 };
 
-/// What happened, in a form that programs can rely on: neither the numbers nor the names
-/// (diagnosticCodeName) change their meaning. Errors are below 1000, warnings from 1000.
+/// All codes: constant, number, stable name. Errors are below 1000, warnings from 1000.
 /// docs/diagnostics.md explains each.
+// clang-format off
+#define VYR_MTLX_DIAGNOSTIC_CODES(X)                                            \
+    X(PropertyType, 1, "property-type")                                         \
+    X(PropertyInvalid, 2, "property-invalid")                                   \
+    X(ValueNotFinite, 3, "value-not-finite")                                    \
+    X(NoGenericProperties, 4, "no-generic-properties")                          \
+    X(UnknownSchema, 5, "unknown-schema")                                       \
+    X(UnhandledTextureSchema, 6, "unhandled-texture-schema")                    \
+    X(LegacyUnavailable, 7, "legacy-unavailable")                               \
+    X(NameInvalid, 8, "name-invalid")                                           \
+    X(NameTaken, 9, "name-taken")                                               \
+    X(NoDocument, 10, "no-document")                                            \
+    X(OutputDirectory, 11, "output-directory")                                  \
+    X(CloneFailed, 12, "clone-failed")                                          \
+    X(NothingRegistered, 13, "nothing-registered")                              \
+    X(NameEmpty, 14, "name-empty")                                              \
+    X(Exception, 15, "exception")                                               \
+    X(NoConverter, 16, "no-converter")                                          \
+    X(ImageNotWritten, 17, "image-not-written")                                 \
+    X(PropertyUnread, 1001, "property-unread")                                  \
+    X(NameDuplicate, 1002, "name-duplicate")                                    \
+    X(TextureNotTranslated, 1003, "texture-not-translated")                     \
+    X(TexturePathEmpty, 1004, "texture-path-empty")                             \
+    X(TextureFileMissing, 1005, "texture-file-missing")                         \
+    X(TextureUnused, 1006, "texture-unused")                                    \
+    X(ConnectionsIgnored, 1007, "connections-ignored")                          \
+    X(FadeIgnored, 1008, "fade-ignored")                                        \
+    X(CutoutIgnored, 1009, "cutout-ignored")                                    \
+    X(UnitUnknown, 1010, "unit-unknown")                                        \
+    X(ChoiceUnknown, 1011, "choice-unknown")                                    \
+    X(TextChanged, 1012, "text-changed")                                        \
+    X(ValueAdjusted, 1013, "value-adjusted")                                    \
+    X(BakeFailed, 1014, "bake-failed")                                          \
+    X(TextureNameRefused, 1015, "texture-name-refused")                         \
+    X(TextureNotGathered, 1016, "texture-not-gathered")                         \
+    X(TextureRenamed, 1017, "texture-renamed")                                  \
+    X(TextureCaseDiffers, 1018, "texture-case-differs")                         \
+    X(UnitIgnored, 1019, "unit-ignored")                                        \
+    X(TintIgnored, 1020, "tint-ignored")                                        \
+    X(UnitMisfit, 1021, "unit-misfit")                                          \
+    X(ConnectionEmpty, 1022, "connection-empty")
+// clang-format on
+
+/// What happened, in a form that programs can rely on: neither the numbers nor the names
+/// (diagnosticCodeName) change their meaning.
 enum class DiagnosticCode : std::int32_t
 {
-    PropertyType = 1,
-    PropertyInvalid = 2,
-    ValueNotFinite = 3,
-    NoGenericProperties = 4,
-    UnknownSchema = 5,
-    UnhandledTextureSchema = 6,
-    LegacyUnavailable = 7,
-    NameInvalid = 8,
-    NameTaken = 9,
-    NoDocument = 10,
-    OutputDirectory = 11,
-    CloneFailed = 12,
-    NothingRegistered = 13,
-    NameEmpty = 14,
-    Exception = 15,
-    NoConverter = 16,
-
-    PropertyUnread = 1001,
-    NameDuplicate = 1002,
-    TextureNotTranslated = 1003,
-    TexturePathEmpty = 1004,
-    TextureFileMissing = 1005,
-    TextureUnused = 1006,
-    ConnectionsIgnored = 1007,
-    FadeIgnored = 1008,
-    CutoutIgnored = 1009,
-    UnitUnknown = 1010,
-    ChoiceUnknown = 1011,
-    TextChanged = 1012,
-    ValueAdjusted = 1013,
-    BakeFailed = 1014,
-    TextureNameRefused = 1015,
-    TextureNotGathered = 1016,
-    TextureRenamed = 1017,
-    TextureCaseDiffers = 1018,
-    UnitIgnored = 1019,
-    TintIgnored = 1020,
-    UnitMisfit = 1021,
+#define VYR_MTLX_ENUMERATOR(constant, number, name) constant = number,
+    VYR_MTLX_DIAGNOSTIC_CODES(VYR_MTLX_ENUMERATOR)
+#undef VYR_MTLX_ENUMERATOR
 };
 
 /// One thing worth telling about a conversion. All texts are UTF-8 and owned by the record.

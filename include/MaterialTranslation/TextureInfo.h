@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include <MaterialTranslation/Export.h>
@@ -21,20 +22,16 @@ struct VYR_MTLX_API TextureInfo
     /// Image file, UTF-8.
     kelvor::platform::core::string::UTF8String path;
     /// Shift of the image on the surface along U and V, in `unit`.
-    float realWorldOffsetU = 0.0f;
-    float realWorldOffsetV = 0.0f;
+    std::array<float, 2> realWorldOffset{0.0f, 0.0f};
     /// Size of the image on the surface along U and V, in `unit`.
-    float realWorldScaleU = 1.0f;
-    float realWorldScaleV = 1.0f;
-    /// Length unit of the four values above: 0 nanometer, 1 micron, 2 millimeter, 3 centimeter,
+    std::array<float, 2> realWorldScale{1.0f, 1.0f};
+    /// Length unit of the two above: 0 nanometer, 1 micron, 2 millimeter, 3 centimeter,
     /// 4 inch, 5 foot, 6 yard, 7 meter, 8 kilometer, 9 mile; any other value counts as centimeter.
     std::int32_t unit = 3;
-    /// Shift in texture space, without unit.
-    float uvOffsetU = 0.0f;
-    float uvOffsetV = 0.0f;
-    /// Scale in texture space, without unit.
-    float uvScaleU = 1.0f;
-    float uvScaleV = 1.0f;
+    /// Shift along U and V in texture space, without unit.
+    std::array<float, 2> uvOffset{0.0f, 0.0f};
+    /// Scale along U and V in texture space, without unit.
+    std::array<float, 2> uvScale{1.0f, 1.0f};
     /// Rotation of the image in degrees.
     float rotation = 0.0f;
     /// Carried along for the host; the converter does not read it.

@@ -77,8 +77,7 @@ bool PropertyUse::wasConnectionTaken(const IProperty* property) const
     return holds(_connections, property);
 }
 
-void reportLeftProperties(const AssetView& view, std::span<const char* const> known,
-                          const core::Log& log)
+void reportLeftProperties(const AssetView& view, std::span<const char* const> known, const Log& log)
 {
     const std::size_t count = view.use() ? view.table().GetPropertyCount() : 0;
     for (std::size_t i = 0; i < count; ++i)

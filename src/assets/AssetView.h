@@ -8,7 +8,7 @@
 
 #include <kelvor/platform/assets/IAssetInstance.h>
 
-#include "core/Log.h"
+#include "assets/Log.h"
 
 namespace vyr::MaterialTranslation::assets
 {
@@ -79,6 +79,6 @@ class AssetView
 /// @param known names of properties that rules read only under conditions; without an effect they
 ///        are nothing lost.
 void reportLeftProperties(const AssetView& view, std::span<const char* const> known,
-                          const core::Log& log);
+                          const Log& log);
 
 } // namespace vyr::MaterialTranslation::assets

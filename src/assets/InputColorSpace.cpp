@@ -7,7 +7,7 @@
 #include "assets/PropertyReaders.h"
 #include "assets/Schemas.h"
 #include "assets/Units.h"
-#include "core/Text.h"
+#include "base/Text.h"
 
 namespace vyr::MaterialTranslation::assets
 {
@@ -133,7 +133,7 @@ ColorMeaning presetMeaning(long long number)
 ColorMeaning propertyMeaning(const std::string& property)
 {
     const auto* row = std::ranges::find_if(propertyMap, [&](const PropertyRow& r)
-                                           { return core::equalsIgnoringCase(r.name, property); });
+                                           { return base::equalsIgnoringCase(r.name, property); });
     return row == std::end(propertyMap) ? Unknown : row->meaning;
 }
 
@@ -146,8 +146,8 @@ std::string inputColorSpace(const ColorSpaceQuestion& question)
         return linearRec709;
 
     const std::string version = GetTextProperty(question.source, versionProperty);
-    const bool sourceIsTexture = core::equalsIgnoringCase(version, bitmapSchema) ||
-                                 core::equalsIgnoringCase(version, bumpMapSchema);
+    const bool sourceIsTexture = base::equalsIgnoringCase(version, bitmapSchema) ||
+                                 base::equalsIgnoringCase(version, bumpMapSchema);
     const bool colored = isColorOrVector(question.type);
     if (!colored && !sourceIsTexture && !question.isImage)
         return {};

@@ -87,7 +87,8 @@ std::string requireString(const AssetView& view, const char* name, platform::Pro
                           const char* message)
 {
     UTF8String text;
-    require<platform::IStringValue>(view, name, type, message, 0).GetString(text);
+    require<platform::IStringValue>(view, name, type, message, 0)
+        .GetString(text, platform::TextForm::Stored);
     return text.str();
 }
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "assets/PropertyReaders.h"
-#include "core/Text.h"
+#include "base/Text.h"
 
 namespace vyr::MaterialTranslation::assets
 {
@@ -27,7 +27,7 @@ bool IsLyrex(const IAssetInstance& asset)
 
 bool HasLyrexPrefix(std::string_view name)
 {
-    return core::equalsIgnoringCase(name.substr(0, lyrexPrefix.size()), lyrexPrefix);
+    return base::equalsIgnoringCase(name.substr(0, lyrexPrefix.size()), lyrexPrefix);
 }
 
 bool IsLyrexName(std::string_view name)

@@ -77,8 +77,7 @@ std::string DistanceUnitName(std::int32_t index)
     return units[index >= 0 && index < distanceCount ? index : centimeterIndex].name;
 }
 
-Unit readUnit(const AssetView& view, const char* name, const std::string& unitType,
-              const core::Log& log)
+Unit readUnit(const AssetView& view, const char* name, const std::string& unitType, const Log& log)
 {
     if (!HasPropertyUnit(view, name))
         return {};
@@ -93,7 +92,7 @@ Unit readUnit(const AssetView& view, const char* name, const std::string& unitTy
     return unit;
 }
 
-float readUnitless(const AssetView& view, const char* name, float fallback, const core::Log& log,
+float readUnitless(const AssetView& view, const char* name, float fallback, const Log& log,
                    std::uint32_t expected)
 {
     if (!HasPropertyValue(view, name))

@@ -40,14 +40,13 @@ inline constexpr std::uint32_t candelaPerSquareMeter =
 /// and one of another kind than the input takes: no shader can be generated from either.
 /// @param unitType of the numbers that the input takes; empty where they have no unit.
 /// @return two empty texts for a value without a unit.
-Unit readUnit(const AssetView& view, const char* name, const std::string& unitType,
-              const core::Log& log);
+Unit readUnit(const AssetView& view, const char* name, const std::string& unitType, const Log& log);
 
 /// A number of a property whose unit the document has no place for; any other unit than `expected`
 /// is reported.
 /// @return `fallback` when the asset lacks the property or its value.
 /// @throws PropertyError for a property of the wrong type.
-float readUnitless(const AssetView& view, const char* name, float fallback, const core::Log& log,
+float readUnitless(const AssetView& view, const char* name, float fallback, const Log& log,
                    std::uint32_t expected = 0);
 
 /// What follows a colour property's identifier in the name of the companion that declares its colour

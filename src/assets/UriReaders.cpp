@@ -8,7 +8,8 @@
 
 #include "assets/PropertyError.h"
 #include "assets/PropertyReaders.h"
-#include "core/Text.h"
+#include "base/Paths.h"
+#include "base/Text.h"
 
 namespace vyr::MaterialTranslation::assets
 {
@@ -16,7 +17,7 @@ namespace vyr::MaterialTranslation::assets
 namespace platform = kelvor::platform::assets;
 using kelvor::platform::core::string::UTF8String;
 using kelvor::platform::core::string::WideString;
-using platform::UriForm;
+using platform::TextForm;
 
 namespace
 {
@@ -30,7 +31,7 @@ const platform::IUriValue* findUri(const AssetView& view, const char* name)
     return dynamic_cast<const platform::IUriValue*>(property->GetValue());
 }
 
-template <class String> String readUri(const platform::IUriValue& value, UriForm form)
+template <class String> String readUri(const platform::IUriValue& value, TextForm form)
 {
     String text;
     value.GetUri(text, form);
@@ -54,7 +55,7 @@ std::string GetUriProperty(const AssetView& view, const char* name)
     const platform::IUriValue* value = findUri(view, name);
     if (!value)
         throw PropertyError("ePropertyType_URI", name);
-    const auto uri = readUri<UTF8String>(*value, UriForm::Stored);
+    const auto uri = readUri<UTF8String>(*value, TextForm::Stored);
     if (const auto path = resolve(uri))
         return path->str();
     if (!uri.empty() && uri.str().back() == '.')
@@ -68,7 +69,7 @@ std::string GetUriProperty(const AssetView& view, const char* name)
 
 std::string GetUriPathProperty(const AssetView& view, const char* name)
 {
-    return core::pathToUtf8(core::pathFromUtf8(GetUriProperty(view, name)));
+    return base::utf8FromPath(base::pathFromUtf8(GetUriProperty(view, name)));
 }
 
 std::string GetUriPathOrEmpty(const AssetView& view, const char* name)
@@ -79,7 +80,7 @@ std::string GetUriPathOrEmpty(const AssetView& view, const char* name)
 std::wstring GetUriWideProperty(const AssetView& view, const char* name)
 {
     const platform::IUriValue* value = findUri(view, name);
-    return value ? readUri<WideString>(*value, UriForm::Stored).str() : std::wstring();
+    return value ? readUri<WideString>(*value, TextForm::Stored).str() : std::wstring();
 }
 
 std::wstring GetResolvedWidePath(const AssetView& view, const char* name)
@@ -87,10 +88,10 @@ std::wstring GetResolvedWidePath(const AssetView& view, const char* name)
     const platform::IUriValue* value = findUri(view, name);
     if (!value)
         return {};
-    const auto preferred = readUri<WideString>(*value, UriForm::Preferred);
+    const auto preferred = readUri<WideString>(*value, TextForm::Preferred);
     if (const auto path = resolve(preferred))
         return path->str();
-    const auto stored = readUri<WideString>(*value, UriForm::Stored);
+    const auto stored = readUri<WideString>(*value, TextForm::Stored);
     if (const auto path = resolve(stored))
         return path->str();
     return preferred.empty() ? stored.str() : preferred.str();

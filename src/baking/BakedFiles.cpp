@@ -5,8 +5,8 @@
 #include "baking/ImageFile.h"
 #include "baking/NoiseImage.h"
 #include "baking/NormalImage.h"
-#include "core/FileNames.h"
-#include "core/Text.h"
+#include "base/Paths.h"
+#include "base/Text.h"
 
 #include <fmt/format.h>
 
@@ -156,10 +156,10 @@ BakedFile bakeBumpImage(const BumpImage& bump)
                      const OIIO::ImageBuf normals =
                          bakeNormalImage(height.heights, height.source, bump.threads);
                      const std::string name =
-                         core::safeName(utf8(bump.image.stem()) + "_normalmap.png");
+                         base::safeName(utf8(bump.image.stem()) + "_normalmap.png");
                      std::filesystem::create_directories(bump.folder);
                      const std::filesystem::path path =
-                         placeBeside(bump.folder / core::pathFromUtf8(name), bump.kept);
+                         placeBeside(bump.folder / base::pathFromUtf8(name), bump.kept);
                      writeImage(normals, path, bump.threads);
                      baked.path = path;
                  });

@@ -3,7 +3,7 @@
 #include "baking/BakeError.h"
 #include "baking/ParallelRows.h"
 #include "baking/PngCompression.h"
-#include "core/ReplaceFile.h"
+#include "base/WriteFile.h"
 
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
@@ -112,9 +112,8 @@ void writeImage(const OIIO::ImageBuf& image, const std::filesystem::path& destin
     {
         throw BakeError(fmt::format("{}: {}", utf8(destination), error.what()));
     }
-    const auto error = core::replaceFile(
-        destination, [&](core::NewFile& file)
-        { return file.write({reinterpret_cast<const char*>(bytes.data()), bytes.size()}); });
+    const auto error =
+        base::writeFile(destination, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     if (error)
     {
         throw BakeError(

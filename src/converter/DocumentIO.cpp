@@ -6,7 +6,7 @@
 
 #include <MaterialXFormat/XmlIo.h>
 
-#include "core/ReplaceFile.h"
+#include "base/WriteFile.h"
 
 namespace vyr::MaterialTranslation
 {
@@ -71,12 +71,13 @@ std::string documentToXml(const MaterialX::DocumentPtr& document)
 
 void writeDocumentFile(const MaterialX::DocumentPtr& document, const std::filesystem::path& file)
 {
-    core::writeFileAtomically(file, documentToXml(document));
+    writeFileAtomically(file, documentToXml(document));
 }
 
 void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes)
 {
-    core::writeFileAtomically(file, bytes);
+    if (const std::error_code error = base::writeFile(file, bytes))
+        throw std::filesystem::filesystem_error("cannot write", file, error);
 }
 
 } // namespace vyr::MaterialTranslation

@@ -3,8 +3,9 @@
 #include <filesystem>
 
 #include "assets/Schemas.h"
+#include "base/Paths.h"
+#include "base/Text.h"
 #include "converter/TextureGathering.h"
-#include "core/Text.h"
 #include "graph/Names.h"
 #include "materials/GenericTranslator.h"
 #include "materials/LyrexTranslator.h"
@@ -20,7 +21,7 @@ namespace
 
 bool isDirectory(const std::string& text)
 {
-    const fs::path path = core::pathFromUtf8(text);
+    const fs::path path = base::pathFromUtf8(text);
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     if (status.type() == fs::file_type::none)
@@ -29,14 +30,14 @@ bool isDirectory(const std::string& text)
 }
 
 bool isUsable(const std::string& name, const mx::DocumentPtr& document,
-              const ConverterOptions& options, const core::Log& log)
+              const ConverterOptions& options, const Log& log)
 {
     if (!isDirectory(options.outputDirectory.str()))
         log.error(DiagnosticCode::OutputDirectory, "",
                   "not an existing folder: " + options.outputDirectory.str());
     else if (!graph::isIdentifier(name))
         log.error(DiagnosticCode::NameInvalid, "",
-                  "\"" + core::xmlText(name) + "\" cannot name a material");
+                  "\"" + base::xmlText(name) + "\" cannot name a material");
     else if (!document)
         log.error(DiagnosticCode::NoDocument, "", "no document was given");
     else
@@ -61,10 +62,10 @@ bool runTranslator(const materials::Translation& translation)
 } // namespace
 
 bool translate(const assets::IAssetInstance& asset, const std::string& name,
-               const mx::DocumentPtr& document, ConverterOptions& options, const core::Log& log)
+               const mx::DocumentPtr& document, ConverterOptions& options, const Log& log)
 {
     if (options.outputDirectory.empty())
-        options.outputDirectory = core::pathToUtf8(fs::temp_directory_path());
+        options.outputDirectory = base::utf8FromPath(fs::temp_directory_path());
     if (!isUsable(name, document, options, log))
         return false;
     const assets::AssetHandle clone(asset.Clone());

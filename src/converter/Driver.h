@@ -7,7 +7,7 @@
 #include <MaterialTranslation/ConverterOptions.h>
 
 #include "assets/AssetView.h"
-#include "core/Log.h"
+#include "assets/Log.h"
 
 namespace vyr::MaterialTranslation::converter
 {
@@ -17,7 +17,6 @@ namespace vyr::MaterialTranslation::converter
 /// @return the translator's result; false also when the output directory, the name or the asset
 ///         cannot be used.
 bool translate(const assets::IAssetInstance& asset, const std::string& name,
-               const MaterialX::DocumentPtr& document, ConverterOptions& options,
-               const core::Log& log);
+               const MaterialX::DocumentPtr& document, ConverterOptions& options, const Log& log);
 
 } // namespace vyr::MaterialTranslation::converter

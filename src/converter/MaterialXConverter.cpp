@@ -5,12 +5,12 @@
 #include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/DocumentIO.h>
 
+#include "assets/Log.h"
 #include "assets/PropertyReaders.h"
 #include "assets/Schemas.h"
 #include "converter/Driver.h"
 #include "converter/MaterialName.h"
 #include "converter/SharedState.h"
-#include "core/Log.h"
 
 namespace vyr::MaterialTranslation
 {
@@ -44,7 +44,7 @@ template <class Operation> bool reporting(Operation operation)
     }
     catch (const std::exception& error)
     {
-        core::LogSession::log().error(DiagnosticCode::Exception, "", error.what());
+        LogSession::log().error(DiagnosticCode::Exception, "", error.what());
         throw;
     }
 }
@@ -52,7 +52,7 @@ template <class Operation> bool reporting(Operation operation)
 /// Registers a clone of the asset unless its name is registered already.
 bool registerAsset(const assets::IAssetInstance& asset, const std::string& name)
 {
-    const core::Log log = core::LogSession::log(assets::GetAssetIdentifier(asset));
+    const Log log = LogSession::log(assets::GetAssetIdentifier(asset));
     RegisteredAssets& registered = sharedState().registered;
     if (name.empty())
         log.error(DiagnosticCode::NameEmpty, "", "the asset has neither a name nor an identifier");
@@ -111,7 +111,7 @@ bool MaterialXConverter::SupportsConversion(const IAssetInstance& /*asset*/)
 bool MaterialXConverter::RegisterAssetForConversion(const IAssetInstance& asset,
                                                     IString& /*message*/)
 {
-    const core::LogSession session;
+    const LogSession session;
     return reporting(
         [&]
         {
@@ -122,12 +122,11 @@ bool MaterialXConverter::RegisterAssetForConversion(const IAssetInstance& asset,
 bool MaterialXConverter::SerializeRegisteredAssetsForConversion(
     IString& message, IAssetSerializer::IPathSerializer* /*serializer*/)
 {
-    const core::LogSession session;
+    const LogSession session;
     RegisteredAssets& registered = sharedState().registered;
     if (registered.empty())
     {
-        core::LogSession::log().error(DiagnosticCode::NothingRegistered, "",
-                                      "no asset is registered");
+        LogSession::log().error(DiagnosticCode::NothingRegistered, "", "no asset is registered");
         return false;
     }
     const std::string name = registered.front().name;
@@ -160,11 +159,11 @@ bool MaterialXConverter::TranslateToMaterialX(const IAssetInstance& asset,
                                               const UTF8String& materialName,
                                               std::shared_ptr<mx::Document> document)
 {
-    const core::LogSession session;
+    const LogSession session;
     return reporting(
         [&]
         {
-            const core::Log log = core::LogSession::log(assets::GetAssetIdentifier(asset));
+            const Log log = LogSession::log(assets::GetAssetIdentifier(asset));
             return converter::translate(asset, materialName.str(), document, options, log);
         });
 }
@@ -177,13 +176,13 @@ kelvor::platform::core::string::UTF8String MaterialXConverter::getMaterialName(
 
 bool MaterialXConverter::Convert(MaterialInfo& info, IString& result)
 {
-    const core::LogSession session;
+    const LogSession session;
     const auto entry = sharedState().converters.find(info.type);
     if (entry == sharedState().converters.end())
     {
-        core::LogSession::log().error(DiagnosticCode::NoConverter, "",
-                                      "no converter is registered for type " +
-                                          std::to_string(static_cast<std::int32_t>(info.type)));
+        LogSession::log().error(DiagnosticCode::NoConverter, "",
+                                "no converter is registered for type " +
+                                    std::to_string(static_cast<std::int32_t>(info.type)));
         return false;
     }
     const OverlayConverter converter = entry->second;

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "core/Log.h"
+#include "assets/Log.h"
 
 namespace vyr::MaterialTranslation::converter
 {
@@ -15,8 +15,8 @@ bool convertOverlay(const MaterialInfo& info, kelvor::platform::core::string::IS
         throw std::invalid_argument("invalid thread info");
     // The graphs of decals and threads are still to be built; until then a request fails rather
     // than yielding an empty document.
-    core::LogSession::log().error(DiagnosticCode::NoConverter, "",
-                                  "this version builds no decal and thread materials");
+    LogSession::log().error(DiagnosticCode::NoConverter, "",
+                            "this version builds no decal and thread materials");
     return false;
 }
 

@@ -1,5 +1,6 @@
 #include <MaterialTranslation/ConverterOptions.h>
 #include <MaterialTranslation/DecalInfo.h>
+#include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/MaterialInfo.h>
 #include <MaterialTranslation/ThreadInfo.h>
 
@@ -43,5 +44,23 @@ MaterialInfo::MaterialInfo(MaterialInfo&& other) noexcept = default;
 MaterialInfo& MaterialInfo::operator=(const MaterialInfo& other) = default;
 MaterialInfo& MaterialInfo::operator=(MaterialInfo&& other) noexcept = default;
 MaterialInfo::~MaterialInfo() = default;
+
+const char* diagnosticCodeName(DiagnosticCode code)
+{
+    switch (code)
+    {
+#define VYR_MTLX_NAME(constant, number, name)                                                      \
+    case DiagnosticCode::constant:                                                                 \
+        return name;
+        VYR_MTLX_DIAGNOSTIC_CODES(VYR_MTLX_NAME)
+#undef VYR_MTLX_NAME
+    }
+    return "unknown";
+}
+
+const char* libraryVersion()
+{
+    return VYR_MTLX_VERSION;
+}
 
 } // namespace vyr::MaterialTranslation

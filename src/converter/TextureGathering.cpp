@@ -1,13 +1,13 @@
 #include "converter/TextureGathering.h"
+#include "textures/MaterialFolder.h"
 
 #include <algorithm>
 #include <fstream>
 #include <map>
 
-#include "core/FileNames.h"
-#include "core/OutputFolder.h"
-#include "core/ReplaceFile.h"
-#include "core/Text.h"
+#include "base/Paths.h"
+#include "base/Text.h"
+#include "base/WriteFile.h"
 
 namespace vyr::MaterialTranslation::converter
 {
@@ -89,7 +89,8 @@ class Gathering
 {
   public:
     explicit Gathering(const GatheringRequest& request)
-        : _request(request), _folder(core::materialFolder(request.outputDirectory, request.name))
+        : _request(request),
+          _folder(textures::materialFolder(request.outputDirectory, request.name))
     {
     }
 
@@ -104,7 +105,7 @@ class Gathering
         plan();
         if (_files.empty())
             return;
-        const bool isNew = core::makeMaterialFolder(_folder);
+        const bool isNew = textures::makeMaterialFolder(_folder);
         try
         {
             fill();
@@ -146,27 +147,27 @@ class Gathering
     {
         if (isBaked(path))
             return Rank::Baked;
-        return isSameFile(core::pathFromUtf8(path).parent_path(), _folder) ? Rank::InPlace
+        return isSameFile(base::pathFromUtf8(path).parent_path(), _folder) ? Rank::InPlace
                                                                            : Rank::Users;
     }
 
     bool isBaked(const std::string& path) const
     {
         return std::ranges::any_of(_request.baked, [&](const fs::path& baked)
-                                   { return baked == core::pathFromUtf8(path); });
+                                   { return baked == base::pathFromUtf8(path); });
     }
 
     void planFile(const std::string& path, bool baked)
     {
-        const fs::path source = core::pathFromUtf8(path);
+        const fs::path source = base::pathFromUtf8(path);
         const fs::file_status status = statusOf(source);
         if (!fs::exists(status) || source.is_relative())
             return;
-        const std::string_view name = core::lastComponent(path);
-        if (core::isTreacherous(name))
+        const std::string_view name = base::lastComponent(path);
+        if (base::isUnsafeName(name))
         {
             _request.log.warning(DiagnosticCode::TextureNameRefused, "",
-                                 "not gathered, for its name: " + core::xmlText(path));
+                                 "not gathered, for its name: " + base::xmlText(path));
             return;
         }
         if (!fs::is_regular_file(status))
@@ -186,16 +187,16 @@ class Gathering
     {
         const auto file =
             std::ranges::find_if(_files, [&](const auto& entry)
-                                 { return isSameFile(core::pathFromUtf8(entry.first), source); });
+                                 { return isSameFile(base::pathFromUtf8(entry.first), source); });
         return file == _files.end() ? nullptr : &file->second;
     }
 
     fs::path place(const std::string& name, const std::string& path, bool baked)
     {
         const auto destination = [&](const std::string& candidate)
-        { return _folder / core::pathFromUtf8(candidate); };
+        { return _folder / base::pathFromUtf8(candidate); };
         const std::string taken =
-            _names.take(core::portableName(name), [&](const std::string& candidate)
+            _names.take(base::portableName(name), [&](const std::string& candidate)
                         { return !isOccupied(destination(candidate), path, baked); });
         if (taken != name && !baked)
             _request.log.warning(DiagnosticCode::TextureRenamed, "",
@@ -209,19 +210,19 @@ class Gathering
         std::error_code error;
         if (fs::is_directory(fs::symlink_status(destination, error)))
             return true;
-        if (isSameFile(destination, core::pathFromUtf8(path)))
+        if (isSameFile(destination, base::pathFromUtf8(path)))
             return false;
         return std::ranges::any_of(_paths,
                                    [&](const std::string& other)
                                    {
                                        return (baked || !isBaked(other)) &&
-                                              isSameFile(destination, core::pathFromUtf8(other));
+                                              isSameFile(destination, base::pathFromUtf8(other));
                                    });
     }
 
     static void move(const GatheredFile& file)
     {
-        const fs::path source = core::pathFromUtf8(file.source);
+        const fs::path source = base::pathFromUtf8(file.source);
         if (source == file.destination)
             return;
         std::error_code error;
@@ -232,10 +233,10 @@ class Gathering
 
     static void copy(const GatheredFile& file)
     {
-        const fs::path source = core::pathFromUtf8(file.source);
+        const fs::path source = base::pathFromUtf8(file.source);
         if (isUpToDate(source, file.destination))
             return;
-        if (const auto error = core::copyFileAtomically(source, file.destination))
+        if (const auto error = base::copyFile(source, file.destination))
             throw fs::filesystem_error("copy_file", source, file.destination, error);
     }
 
@@ -272,7 +273,7 @@ class Gathering
     std::vector<Reference> _references;
     /// Each path that is referred to, once, in the document's order.
     std::vector<std::string> _paths;
-    core::FileNames _names;
+    base::UniqueNames _names;
     std::map<std::string, GatheredFile> _files;
 };
 

@@ -7,7 +7,7 @@
 
 #include <MaterialXCore/Document.h>
 
-#include "core/Log.h"
+#include "assets/Log.h"
 
 namespace vyr::MaterialTranslation::converter
 {
@@ -24,7 +24,7 @@ struct GatheringRequest
     const std::string& outputDirectory;
     /// Files that the translation itself made. Only these may be moved.
     const std::vector<std::filesystem::path>& baked;
-    const core::Log& log;
+    const Log& log;
 };
 
 /// Copies every file that a "filename" input names into output directory / material name, and lets

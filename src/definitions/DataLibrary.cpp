@@ -7,7 +7,7 @@
 
 #include <MaterialXFormat/Util.h>
 
-#include "core/Text.h"
+#include "base/Paths.h"
 #include "definitions/Folders.h"
 
 namespace vyr::MaterialTranslation::definitions
@@ -33,14 +33,14 @@ std::vector<fs::path> definitionFiles(const fs::path& folder)
 /// @param witness a file that only the right folder has.
 mx::DocumentPtr readFolder(const fs::path& folder, const char* witness)
 {
-    const std::string shown = core::pathToUtf8(folder);
+    const std::string shown = base::utf8FromPath(folder);
     if (std::error_code error; !fs::exists(folder / witness, error))
         throw std::runtime_error("no node definitions in " + shown + ": it has no " + witness);
     mx::DocumentPtr document = mx::createDocument();
     try
     {
         for (const fs::path& file : definitionFiles(folder))
-            mx::loadLibrary(mx::FilePath(core::pathToUtf8(file)), document);
+            mx::loadLibrary(mx::FilePath(base::utf8FromPath(file)), document);
     }
     catch (const std::exception& error)
     {

@@ -1,6 +1,6 @@
 #include "definitions/FileCheck.h"
 
-#include "core/Text.h"
+#include "base/Paths.h"
 
 namespace vyr::MaterialTranslation::definitions
 {
@@ -14,7 +14,7 @@ namespace
 bool isFile(const std::string& path)
 {
     std::error_code error;
-    const fs::file_status status = fs::status(core::pathFromUtf8(path), error);
+    const fs::file_status status = fs::status(base::pathFromUtf8(path), error);
     return fs::exists(status) && !fs::is_directory(status);
 }
 
@@ -40,7 +40,7 @@ mx::FileSearchPath searchPathOf(const mx::Document& document, const std::vector<
     if (document.hasSourceUri())
         path.append(mx::FilePath(document.getSourceUri()).getParentPath());
     for (const fs::path& folder : folders)
-        path.append(mx::FilePath(core::pathToUtf8(folder)));
+        path.append(mx::FilePath(base::utf8FromPath(folder)));
     return path;
 }
 

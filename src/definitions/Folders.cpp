@@ -4,7 +4,7 @@
 
 #include <MaterialXCore/Util.h>
 
-#include "core/Text.h"
+#include "base/Paths.h"
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -86,7 +86,7 @@ fs::path choose(const fs::path& chosen, fs::path (*expected)(), const char* what
     fs::path folder = expected();
     if (folder.empty() || !isFolder(folder))
         throw std::runtime_error(std::string(what) + " are not where they are expected" +
-                                 (folder.empty() ? "" : " (" + core::pathToUtf8(folder) + ")") +
+                                 (folder.empty() ? "" : " (" + base::utf8FromPath(folder) + ")") +
                                  "; setDefinitionFolders says where they are");
     return folder;
 }

@@ -8,7 +8,7 @@
 
 #include <MaterialXFormat/XmlIo.h>
 
-#include "core/Text.h"
+#include "base/Paths.h"
 
 namespace vyr::MaterialTranslation::definitions
 {
@@ -67,7 +67,7 @@ mx::DocumentPtr readDocument(const fs::path& file)
     // MaterialX takes the content as a C string.
     if (const std::size_t zero = content.find('\0'); zero != std::string::npos)
         throw UnreadableDocument(lineAndColumn(content, zero) + ": a zero byte");
-    const std::string name = core::pathToUtf8(file);
+    const std::string name = base::utf8FromPath(file);
     mx::DocumentPtr document = mx::createDocument();
     document->setSourceUri(name);
     try

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/Text.h"
+#include "base/Text.h"
 
 namespace vyr::MaterialTranslation::graph
 {
@@ -26,9 +26,9 @@ std::string inputGraphName(const std::string& material)
 
 bool isIdentifier(std::string_view name)
 {
-    return !name.empty() && !core::isAsciiDigit(name.front()) &&
+    return !name.empty() && !base::isAsciiDigit(name.front()) &&
            std::ranges::all_of(name,
-                               [](char c) { return c == '_' || core::isAsciiAlphanumeric(c); });
+                               [](char c) { return c == '_' || base::isAsciiAlphanumeric(c); });
 }
 
 std::string takenName(const mx::DocumentPtr& document, const std::vector<std::string>& names,

@@ -15,6 +15,11 @@ namespace
 constexpr const char* periodic = "periodic";
 constexpr const char* clamp = "clamp";
 
+mx::Vector2 toVector(const std::array<float, 2>& pair)
+{
+    return {pair[0], pair[1]};
+}
+
 void addAddressModes(const mx::NodePtr& node, const char* u, const char* v)
 {
     addTypedInput(node, "uaddressmode", std::string(u));
@@ -34,10 +39,10 @@ mx::NodePtr addPlaced(const mx::GraphElementPtr& graph, const std::string& categ
     mx::NodePtr node = addNode(graph, category, name, type);
     const assets::Unit unit{assets::DistanceUnitName(texture.unit), assets::distanceUnitType};
     addFileInput(node, texture.path.str(), colorSpace);
-    addLength(node, "realworld_offset", {texture.realWorldOffsetU, texture.realWorldOffsetV}, unit);
-    addLength(node, "realworld_scale", {texture.realWorldScaleU, texture.realWorldScaleV}, unit);
-    addTypedInput(node, "uv_offset", mx::Vector2(texture.uvOffsetU, texture.uvOffsetV));
-    addTypedInput(node, "uv_scale", mx::Vector2(texture.uvScaleU, texture.uvScaleV));
+    addLength(node, "realworld_offset", toVector(texture.realWorldOffset), unit);
+    addLength(node, "realworld_scale", toVector(texture.realWorldScale), unit);
+    addTypedInput(node, "uv_offset", toVector(texture.uvOffset));
+    addTypedInput(node, "uv_scale", toVector(texture.uvScale));
     addTypedInput(node, "rotation_angle", texture.rotation);
     addAddressModes(node, addressMode, addressMode);
     return node;

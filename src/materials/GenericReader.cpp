@@ -54,8 +54,7 @@ constexpr std::int32_t linearRoughness = 2;
 class GenericReader
 {
   public:
-    GenericReader(const assets::AssetView& view, const ConverterOptions& options,
-                  const core::Log& log)
+    GenericReader(const assets::AssetView& view, const ConverterOptions& options, const Log& log)
         : _view(view), _options(options), _log(log)
     {
     }
@@ -219,7 +218,7 @@ class GenericReader
 
     const assets::AssetView& _view;
     const ConverterOptions& _options;
-    const core::Log& _log;
+    const Log& _log;
     GenericMaterial _material;
     StandardSurfaceParams& _params = _material.params;
 };
@@ -255,7 +254,7 @@ float roughnessOf(float glossiness, std::int32_t roughnessMode)
 }
 
 GenericMaterial readGenericMaterial(const assets::AssetView& view, const ConverterOptions& options,
-                                    const core::Log& log)
+                                    const Log& log)
 {
     if (options.verbose)
         printProperties(view);

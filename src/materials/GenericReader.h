@@ -3,7 +3,7 @@
 #include <MaterialTranslation/ConverterOptions.h>
 
 #include "assets/AssetView.h"
-#include "core/Log.h"
+#include "assets/Log.h"
 #include "materials/GenericMaterial.h"
 
 namespace vyr::MaterialTranslation::materials
@@ -14,7 +14,7 @@ namespace vyr::MaterialTranslation::materials
 /// @param view with a PropertyUse, of the table that holds the generic properties.
 /// @throws assets::PropertyError for a property of the wrong type.
 GenericMaterial readGenericMaterial(const assets::AssetView& view, const ConverterOptions& options,
-                                    const core::Log& log);
+                                    const Log& log);
 
 /// Surface roughness of a glossiness of 0 to 1; values outside count as the nearer end.
 /// @param roughnessMode 2: 1 - glossiness. Any other: a curve through 21 points, flatter at the

@@ -11,7 +11,7 @@
 #include "assets/PropertyReaders.h"
 #include "assets/Schemas.h"
 #include "assets/Units.h"
-#include "core/Text.h"
+#include "base/Text.h"
 #include "graph/Inputs.h"
 #include "graph/Names.h"
 #include "graph/Nodes.h"
@@ -146,7 +146,7 @@ class LyrexReader
     }
 
     const assets::AssetView& _view;
-    const core::Log& _log;
+    const Log& _log;
     bool _verbose;
 };
 
@@ -218,7 +218,7 @@ std::string userInterfaceName(const assets::IAssetInstance& asset)
     std::string name = assets::GetAssetDisplayName(asset);
     if (name.empty())
         name = assets::GetAssetName(asset);
-    std::erase_if(name, [](char c) { return !core::isAsciiAlphanumeric(c); });
+    std::erase_if(name, [](char c) { return !base::isAsciiAlphanumeric(c); });
     return name;
 }
 

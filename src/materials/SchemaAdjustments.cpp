@@ -22,7 +22,7 @@ struct Sources
 {
     const assets::AssetView& own;
     std::int32_t colorMode;
-    const core::Log& log;
+    const Log& log;
 };
 
 /// The metal that the choice "metal_type" names, by a word in the choice's name.
@@ -139,7 +139,7 @@ constexpr AdjustmentRow adjustments[] = {
 } // namespace
 
 void adjustForSchema(GenericMaterial& material, const std::string& schema,
-                     const assets::AssetView& own, std::int32_t colorMode, const core::Log& log)
+                     const assets::AssetView& own, std::int32_t colorMode, const Log& log)
 {
     for (const AdjustmentRow& row : adjustments)
         if (schema == row.schema)

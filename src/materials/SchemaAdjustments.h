@@ -4,7 +4,7 @@
 #include <string>
 
 #include "assets/AssetView.h"
-#include "core/Log.h"
+#include "assets/Log.h"
 #include "materials/GenericMaterial.h"
 
 namespace vyr::MaterialTranslation::materials
@@ -16,6 +16,6 @@ namespace vyr::MaterialTranslation::materials
 /// @param colorMode decides the encoding of the colours that it sets (ColorPass.h).
 /// @throws assets::PropertyError for a property of the wrong type.
 void adjustForSchema(GenericMaterial& material, const std::string& schema,
-                     const assets::AssetView& own, std::int32_t colorMode, const core::Log& log);
+                     const assets::AssetView& own, std::int32_t colorMode, const Log& log);
 
 } // namespace vyr::MaterialTranslation::materials

@@ -3,7 +3,7 @@
 #include <MaterialTranslation/Diagnostics.h>
 
 #include "assets/Units.h"
-#include "core/Text.h"
+#include "base/Text.h"
 #include "graph/Names.h"
 #include "graph/Nodes.h"
 
@@ -16,12 +16,12 @@ namespace
 {
 
 /// Tells who made a material from what, so that a document can be traced back.
-void addProvenance(const mx::NodePtr& material, const std::string& assetId, const core::Log& log)
+void addProvenance(const mx::NodePtr& material, const std::string& assetId, const Log& log)
 {
     material->setAttribute("vyr_converter", libraryVersion());
     if (assetId.empty())
         return;
-    const std::string text = core::xmlText(assetId);
+    const std::string text = base::xmlText(assetId);
     material->setAttribute("vyr_asset", text);
     if (text != assetId)
         log.warning(DiagnosticCode::TextChanged, "",
@@ -31,7 +31,7 @@ void addProvenance(const mx::NodePtr& material, const std::string& assetId, cons
 } // namespace
 
 bool canBuildSkeleton(const mx::DocumentPtr& document, const SkeletonRequest& request,
-                      const core::Log& log)
+                      const Log& log)
 {
     if (!document)
     {
@@ -48,7 +48,7 @@ bool canBuildSkeleton(const mx::DocumentPtr& document, const SkeletonRequest& re
 }
 
 Skeleton buildSkeleton(const mx::DocumentPtr& document, const SkeletonRequest& request,
-                       const core::Log& log)
+                       const Log& log)
 {
     document->setColorSpace(assets::linearRec709);
     Skeleton skeleton;

@@ -4,7 +4,7 @@
 
 #include <MaterialXCore/Document.h>
 
-#include "core/Log.h"
+#include "assets/Log.h"
 
 namespace vyr::MaterialTranslation::materials
 {
@@ -34,11 +34,11 @@ struct Skeleton
 /// Whether the skeleton can be built: there is a document, and the names are free in it. Says why
 /// not in the log.
 bool canBuildSkeleton(const MaterialX::DocumentPtr& document, const SkeletonRequest& request,
-                      const core::Log& log);
+                      const Log& log);
 
 /// Builds shader node, material node and look, and sets the document's colour space, linear
 /// Rec.709.
 Skeleton buildSkeleton(const MaterialX::DocumentPtr& document, const SkeletonRequest& request,
-                       const core::Log& log);
+                       const Log& log);
 
 } // namespace vyr::MaterialTranslation::materials

@@ -9,7 +9,7 @@
 #include <MaterialTranslation/ConverterOptions.h>
 
 #include "assets/AssetView.h"
-#include "core/Log.h"
+#include "assets/Log.h"
 
 namespace vyr::MaterialTranslation::materials
 {
@@ -22,7 +22,7 @@ struct Translation
     const std::string& name;
     const MaterialX::DocumentPtr& document;
     const ConverterOptions& options;
-    const core::Log& log;
+    const Log& log;
     /// Receives the image files that were baked for the material.
     std::vector<std::filesystem::path>& baked;
 };

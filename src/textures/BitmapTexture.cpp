@@ -12,7 +12,7 @@ namespace vyr::MaterialTranslation::textures
 
 namespace mx = MaterialX;
 
-BitmapTexture readBitmapTexture(const assets::AssetView& bitmap, const core::Log& log)
+BitmapTexture readBitmapTexture(const assets::AssetView& bitmap, const Log& log)
 {
     BitmapTexture texture;
     texture.image = readImageReference(bitmap, assets::bitmapImageProperty, log);

@@ -5,7 +5,7 @@
 #include <MaterialXCore/Document.h>
 
 #include "assets/AssetView.h"
-#include "core/Log.h"
+#include "assets/Log.h"
 #include "textures/TexturePlacement.h"
 
 namespace vyr::MaterialTranslation::textures
@@ -27,7 +27,7 @@ struct BitmapTexture
 
 /// Reads a bitmap texture asset: sRGB, unless the caller knows better.
 /// @throws assets::PropertyError for a property of the wrong type.
-BitmapTexture readBitmapTexture(const assets::AssetView& bitmap, const core::Log& log);
+BitmapTexture readBitmapTexture(const assets::AssetView& bitmap, const Log& log);
 
 /// Adds a "kvor:bitmap" node and its output to a node graph.
 /// @param type MaterialX's name of the value type.

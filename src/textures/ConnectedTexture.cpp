@@ -1,4 +1,5 @@
 #include "textures/ConnectedTexture.h"
+#include "textures/MaterialFolder.h"
 
 #include <algorithm>
 #include <iterator>
@@ -7,7 +8,7 @@
 #include "assets/PropertyError.h"
 #include "assets/PropertyReaders.h"
 #include "assets/Schemas.h"
-#include "core/OutputFolder.h"
+#include "base/Paths.h"
 
 namespace vyr::MaterialTranslation::textures
 {
@@ -40,19 +41,19 @@ template <class Texture> Content unlessEmpty(Texture texture)
 }
 
 Content readBitmap(const assets::AssetView& texture, const TexturedProperty& /*property*/,
-                   const core::Log& log)
+                   const Log& log)
 {
     return unlessEmpty(readBitmapTexture(texture, log));
 }
 
 Content readBump(const assets::AssetView& texture, const TexturedProperty& /*property*/,
-                 const core::Log& log)
+                 const Log& log)
 {
     return unlessEmpty(readBumpTexture(texture, log));
 }
 
 Content readNoise(const assets::AssetView& texture, const TexturedProperty& /*property*/,
-                  const core::Log& log)
+                  const Log& log)
 {
     return readNoiseTexture(texture, log);
 }
@@ -66,7 +67,7 @@ std::string imageColorSpace(const assets::AssetView& texture, const TexturedProp
 }
 
 Content readLyrexBitmap(const assets::AssetView& texture, const TexturedProperty& property,
-                        const core::Log& log)
+                        const Log& log)
 {
     BitmapTexture bitmap = readBitmapTexture(texture, log);
     if (!bitmap.image.empty())
@@ -74,7 +75,7 @@ Content readLyrexBitmap(const assets::AssetView& texture, const TexturedProperty
     return unlessEmpty(std::move(bitmap));
 }
 
-MapTexture readBumpMap(const assets::AssetView& texture, const core::Log& log)
+MapTexture readBumpMap(const assets::AssetView& texture, const Log& log)
 {
     constexpr const char* typeProperty = "bumpmap_Type";
     const std::string type = assets::GetFirstChoiceOr(texture, typeProperty, "");
@@ -93,7 +94,7 @@ MapTexture readBumpMap(const assets::AssetView& texture, const core::Log& log)
 }
 
 Content readLyrexMap(const assets::AssetView& texture, const TexturedProperty& property,
-                     const core::Log& log)
+                     const Log& log)
 {
     MapTexture map = readBumpMap(texture, log);
     if (!map.image.empty())
@@ -105,7 +106,7 @@ struct ReaderRow
 {
     TextureRole role;
     const char* schema;
-    Content (*read)(const assets::AssetView&, const TexturedProperty&, const core::Log&);
+    Content (*read)(const assets::AssetView&, const TexturedProperty&, const Log&);
 };
 
 constexpr ReaderRow readers[] = {
@@ -167,7 +168,7 @@ struct Adder
             build.graph,
             texture.property,
             type,
-            core::materialFolder(build.options.outputDirectory.str(), build.material),
+            textures::materialFolder(build.options.outputDirectory.str(), build.material),
             build.bumpAmount,
             build.options.imageSize,
             build.log,
@@ -195,7 +196,7 @@ std::optional<ConnectedTexture> readConnectedTexture(const TexturedProperty& pro
     }
     try
     {
-        const core::Log log = property.log.below(property.name);
+        const Log log = property.log.below(property.name);
         assets::PropertyUse use;
         const assets::AssetView view(*asset, &use);
         Content content = reader->read(view, property, log);

@@ -11,7 +11,7 @@
 #include <MaterialTranslation/ConverterOptions.h>
 
 #include "assets/AssetView.h"
-#include "core/Log.h"
+#include "assets/Log.h"
 #include "textures/BitmapTexture.h"
 #include "textures/MapTexture.h"
 #include "textures/ReliefTexture.h"
@@ -47,7 +47,7 @@ struct TexturedProperty
     TextureRole role;
     /// MaterialX's name of the property's value type.
     const char* type;
-    const core::Log& log;
+    const Log& log;
 };
 
 /// Reads the texture that drives a property. Warns about a texture that cannot be used, and
@@ -66,7 +66,7 @@ struct TextureBuild
     MaterialX::NodeGraphPtr graph;
     /// Strength of the material's relief.
     float bumpAmount = 0.0f;
-    const core::Log& log;
+    const Log& log;
     /// Receives the files that were baked.
     std::vector<std::filesystem::path>& baked;
 };

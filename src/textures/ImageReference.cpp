@@ -3,7 +3,8 @@
 #include <filesystem>
 
 #include "assets/PropertyReaders.h"
-#include "core/Text.h"
+#include "base/Paths.h"
+#include "base/Text.h"
 
 namespace vyr::MaterialTranslation::textures
 {
@@ -15,7 +16,7 @@ bool isImageFile(const std::filesystem::path& path)
 }
 
 std::string readImageReference(const assets::AssetView& texture, const char* property,
-                               const core::Log& log)
+                               const Log& log)
 {
     std::string image = assets::GetUriPathOrEmpty(texture, property);
     if (image.empty())
@@ -23,13 +24,13 @@ std::string readImageReference(const assets::AssetView& texture, const char* pro
         log.warning(DiagnosticCode::TexturePathEmpty, property, "the texture names no image");
         return {};
     }
-    if (core::xmlText(image) != image)
+    if (base::xmlText(image) != image)
     {
         log.warning(DiagnosticCode::TextureNameRefused, property,
-                    "a document cannot hold the image's name: " + core::xmlText(image));
+                    "a document cannot hold the image's name: " + base::xmlText(image));
         return {};
     }
-    if (!isImageFile(core::pathFromUtf8(image)))
+    if (!isImageFile(base::pathFromUtf8(image)))
         log.warning(DiagnosticCode::TextureFileMissing, property,
                     "there is no such image file: " + image);
     return image;

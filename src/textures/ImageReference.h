@@ -4,7 +4,7 @@
 #include <string>
 
 #include "assets/AssetView.h"
-#include "core/Log.h"
+#include "assets/Log.h"
 
 namespace vyr::MaterialTranslation::textures
 {
@@ -17,7 +17,7 @@ namespace vyr::MaterialTranslation::textures
 ///         document still says which image belongs there.
 /// @throws assets::PropertyError for a property that is no URI.
 std::string readImageReference(const assets::AssetView& texture, const char* property,
-                               const core::Log& log);
+                               const Log& log);
 
 /// Whether there is a file that a document's image can be taken from.
 bool isImageFile(const std::filesystem::path& path);

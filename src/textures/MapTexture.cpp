@@ -18,7 +18,7 @@ constexpr const char* depthProperty = "bumpmap_Depth";
 constexpr const char* normalScaleProperty = "bumpmap_NormalScale";
 
 MapTexture readMap(MapTexture::Kind kind, const assets::AssetView& texture,
-                   const char* imageProperty, const core::Log& log)
+                   const char* imageProperty, const Log& log)
 {
     MapTexture map;
     map.kind = kind;
@@ -36,7 +36,7 @@ MapTexture readMap(MapTexture::Kind kind, const assets::AssetView& texture,
 } // namespace
 
 MapTexture readHeightMapTexture(const assets::AssetView& texture, const char* imageProperty,
-                                const std::optional<float>& givenDepth, const core::Log& log)
+                                const std::optional<float>& givenDepth, const Log& log)
 {
     MapTexture map = readMap(MapTexture::Kind::Height, texture, imageProperty, log);
     if (givenDepth)
@@ -47,7 +47,7 @@ MapTexture readHeightMapTexture(const assets::AssetView& texture, const char* im
 }
 
 MapTexture readNormalMapTexture(const assets::AssetView& texture, const char* imageProperty,
-                                const std::optional<float>& givenScale, const core::Log& log)
+                                const std::optional<float>& givenScale, const Log& log)
 {
     MapTexture map = readMap(MapTexture::Kind::Normal, texture, imageProperty, log);
     if (givenScale)

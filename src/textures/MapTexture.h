@@ -6,7 +6,7 @@
 #include <MaterialXCore/Document.h>
 
 #include "assets/AssetView.h"
-#include "core/Log.h"
+#include "assets/Log.h"
 #include "textures/TexturePlacement.h"
 
 namespace vyr::MaterialTranslation::textures
@@ -36,13 +36,13 @@ struct MapTexture
 ///        world.
 /// @throws assets::PropertyError for a property of the wrong type.
 MapTexture readHeightMapTexture(const assets::AssetView& texture, const char* imageProperty,
-                                const std::optional<float>& givenDepth, const core::Log& log);
+                                const std::optional<float>& givenDepth, const Log& log);
 
 /// Reads a normal-map texture.
 /// @param givenScale replaces the asset's own scale; it has no unit.
 /// @throws assets::PropertyError for a property of the wrong type.
 MapTexture readNormalMapTexture(const assets::AssetView& texture, const char* imageProperty,
-                                const std::optional<float>& givenScale, const core::Log& log);
+                                const std::optional<float>& givenScale, const Log& log);
 
 /// Adds a "kvor:height_map" or "kvor:normal_map" node and its output to a node graph.
 /// @return the graph's output; null, and nothing added, for a texture without an image.

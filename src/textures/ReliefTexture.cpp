@@ -1,4 +1,5 @@
 #include "textures/ReliefTexture.h"
+#include "textures/MaterialFolder.h"
 
 #include <algorithm>
 #include <limits>
@@ -8,8 +9,8 @@
 #include "assets/Schemas.h"
 #include "assets/Units.h"
 #include "baking/BakedFiles.h"
-#include "core/OutputFolder.h"
-#include "core/Text.h"
+#include "base/Paths.h"
+#include "base/Text.h"
 #include "graph/Inputs.h"
 #include "graph/Nodes.h"
 #include "textures/ImageReference.h"
@@ -25,7 +26,7 @@ namespace
 /// Warns when a property says something that a bake does not take up.
 template <class Value>
 void warnUnlessDefault(const char* property, const Value& value, const Value& standard,
-                       const core::Log& log)
+                       const Log& log)
 {
     if (value != standard)
         log.warning(DiagnosticCode::ValueAdjusted, property,
@@ -53,7 +54,7 @@ std::vector<std::filesystem::path> imagesOf(const mx::NodeGraphPtr& graph)
     for (const mx::NodePtr& node : graph->getNodes())
         for (const mx::InputPtr& input : node->getInputs())
             if (input->getType() == mx::FILENAME_TYPE_STRING)
-                images.push_back(core::pathFromUtf8(input->getValueString()));
+                images.push_back(base::pathFromUtf8(input->getValueString()));
     return images;
 }
 
@@ -63,7 +64,7 @@ class MaterialFolder
 {
   public:
     explicit MaterialFolder(const ReliefBuild& build)
-        : _build(build), _isNew(core::makeMaterialFolder(build.folder))
+        : _build(build), _isNew(textures::makeMaterialFolder(build.folder))
     {
     }
     MaterialFolder(const MaterialFolder&) = delete;
@@ -92,7 +93,7 @@ mx::NodePtr addNormalMapNode(const ReliefBuild& build)
 
 } // namespace
 
-BumpTexture readBumpTexture(const assets::AssetView& bitmap, const core::Log& log)
+BumpTexture readBumpTexture(const assets::AssetView& bitmap, const Log& log)
 {
     BumpTexture bump;
     bump.image = readImageReference(bitmap, assets::bitmapImageProperty, log);
@@ -106,7 +107,7 @@ BumpTexture readBumpTexture(const assets::AssetView& bitmap, const core::Log& lo
     return bump;
 }
 
-NoiseTexture readNoiseTexture(const assets::AssetView& asset, const core::Log& log)
+NoiseTexture readNoiseTexture(const assets::AssetView& asset, const Log& log)
 {
     NoiseTexture texture;
     NoiseBakeOptions& noise = texture.noise;
@@ -128,7 +129,7 @@ mx::OutputPtr addBakedNormalMap(const BumpTexture& bump, ReliefBuild& build)
 {
     if (bump.image.empty())
         return nullptr;
-    if (!isImageFile(core::pathFromUtf8(bump.image)))
+    if (!isImageFile(base::pathFromUtf8(bump.image)))
     {
         build.log.warning(DiagnosticCode::BakeFailed, build.name,
                           "the surface stays without relief, whose image is missing");
@@ -136,7 +137,7 @@ mx::OutputPtr addBakedNormalMap(const BumpTexture& bump, ReliefBuild& build)
     }
     const MaterialFolder folder(build);
     baking::BumpImage image;
-    image.image = core::pathFromUtf8(bump.image);
+    image.image = base::pathFromUtf8(bump.image);
     image.folder = build.folder;
     image.kept = imagesOf(build.graph);
     // The bake carries the offsets under these names and does not use them.

@@ -9,7 +9,7 @@
 #include <MaterialTranslation/Bakes.h>
 
 #include "assets/AssetView.h"
-#include "core/Log.h"
+#include "assets/Log.h"
 #include "textures/TexturePlacement.h"
 
 namespace vyr::MaterialTranslation::textures
@@ -32,8 +32,8 @@ struct NoiseTexture
 };
 
 /// @throws assets::PropertyError for a property of the wrong type.
-BumpTexture readBumpTexture(const assets::AssetView& bitmap, const core::Log& log);
-NoiseTexture readNoiseTexture(const assets::AssetView& noise, const core::Log& log);
+BumpTexture readBumpTexture(const assets::AssetView& bitmap, const Log& log);
+NoiseTexture readNoiseTexture(const assets::AssetView& noise, const Log& log);
 
 /// Where a relief is baked, and how strong it is.
 struct ReliefBuild
@@ -48,7 +48,7 @@ struct ReliefBuild
     float bumpAmount = 0.0f;
     /// Width and height of images that are baked from procedural textures.
     std::uint64_t imageSize = 0;
-    const core::Log& log;
+    const Log& log;
     /// The baked file; empty when there is none.
     std::filesystem::path baked;
 };

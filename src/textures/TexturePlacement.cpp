@@ -18,7 +18,7 @@ mx::Vector2 toVector(const assets::Vector2& value)
 
 /// The unit of a number that is there.
 assets::Unit readUnit(const assets::AssetView& texture, const char* property, const char* unitType,
-                      const core::Log& log)
+                      const Log& log)
 {
     return assets::HasPropertyValue(texture, property)
                ? assets::readUnit(texture, property, unitType, log)
@@ -27,7 +27,7 @@ assets::Unit readUnit(const assets::AssetView& texture, const char* property, co
 
 /// A pair of numbers in the unit of the first; a document states one unit for both.
 Measured<assets::Vector2> readPair(const assets::AssetView& texture, const char* x, const char* y,
-                                   float fallback, const core::Log& log)
+                                   float fallback, const Log& log)
 {
     Measured<assets::Vector2> pair;
     pair.value = {assets::GetFloatOr(texture, x, fallback),
@@ -43,18 +43,18 @@ Measured<assets::Vector2> readPair(const assets::AssetView& texture, const char*
 } // namespace
 
 Measured<float> readMeasured(const assets::AssetView& texture, const char* property, float fallback,
-                             const char* unitType, const core::Log& log)
+                             const char* unitType, const Log& log)
 {
     return {assets::GetFloatOr(texture, property, fallback),
             readUnit(texture, property, unitType, log)};
 }
 
-Measured<assets::Vector2> readRealWorldScale(const assets::AssetView& texture, const core::Log& log)
+Measured<assets::Vector2> readRealWorldScale(const assets::AssetView& texture, const Log& log)
 {
     return readPair(texture, "texture_RealWorldScaleX", "texture_RealWorldScaleY", 1.0f, log);
 }
 
-TexturePlacement readTexturePlacement(const assets::AssetView& texture, const core::Log& log)
+TexturePlacement readTexturePlacement(const assets::AssetView& texture, const Log& log)
 {
     TexturePlacement placement;
     placement.realWorldOffset =

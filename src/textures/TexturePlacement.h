@@ -3,9 +3,9 @@
 #include <MaterialXCore/Document.h>
 
 #include "assets/AssetView.h"
+#include "assets/Log.h"
 #include "assets/PropertyReaders.h"
 #include "assets/Units.h"
-#include "core/Log.h"
 
 namespace vyr::MaterialTranslation::textures
 {
@@ -35,16 +35,15 @@ struct TexturePlacement
 /// Reads the placement of a texture asset. What is missing places the image once, unscaled and
 /// unturned.
 /// @throws assets::PropertyError for a property of the wrong type.
-TexturePlacement readTexturePlacement(const assets::AssetView& texture, const core::Log& log);
+TexturePlacement readTexturePlacement(const assets::AssetView& texture, const Log& log);
 
 /// The size of the image on the surface alone.
-Measured<assets::Vector2> readRealWorldScale(const assets::AssetView& texture,
-                                             const core::Log& log);
+Measured<assets::Vector2> readRealWorldScale(const assets::AssetView& texture, const Log& log);
 
 /// A number of a texture asset and its unit.
 /// @param unitType of the numbers that the input takes; empty where they have no unit.
 Measured<float> readMeasured(const assets::AssetView& texture, const char* property, float fallback,
-                             const char* unitType, const core::Log& log);
+                             const char* unitType, const Log& log);
 
 /// Adds the placement's inputs to a texture node, in the order in which documents have them.
 void addPlacementInputs(const MaterialX::NodePtr& node, const TexturePlacement& placement);

@@ -116,7 +116,7 @@ inline std::string uri(const platform::IProperty* property)
 {
     UTF8String text;
     dynamic_cast<const platform::IUriValue&>(*property->GetValue())
-        .GetUri(text, platform::UriForm::Preferred);
+        .GetUri(text, platform::TextForm::Preferred);
     return text.str();
 }
 

@@ -52,21 +52,21 @@ struct Integers final : Value<kpa::IIntegerValue>
 
 struct Text final : Value<kpa::IStringValue>
 {
-    void GetString(UTF8String& result) const override { result = passing(text); }
+    void GetString(UTF8String& result, TextForm) const override { result = passing(text); }
     std::string text;
 };
 
 struct Uri final : Value<kpa::IUriValue>
 {
-    void GetUri(UTF8String& text, kpa::UriForm form) const override { text = textOf(form); }
-    void GetUri(WideString& text, kpa::UriForm form) const override
+    void GetUri(UTF8String& text, kpa::TextForm form) const override { text = textOf(form); }
+    void GetUri(WideString& text, kpa::TextForm form) const override
     {
         const std::string narrow = textOf(form);
         text = WideString(std::wstring(narrow.begin(), narrow.end()));
     }
-    std::string textOf(kpa::UriForm form) const
+    std::string textOf(kpa::TextForm form) const
     {
-        return passing(form == kpa::UriForm::Preferred && !preferred.empty() ? preferred : stored);
+        return passing(form == kpa::TextForm::Preferred && !preferred.empty() ? preferred : stored);
     }
     std::string stored;
     std::string preferred;

@@ -1,6 +1,6 @@
-#include "core/Log.h"
+#include "assets/Log.h"
 
-namespace vyr::MaterialTranslation::core
+namespace vyr::MaterialTranslation
 {
 
 namespace
@@ -59,14 +59,14 @@ Log LogSession::log(std::string asset)
     return {threadRecords().records, std::move(asset)};
 }
 
-} // namespace vyr::MaterialTranslation::core
+} // namespace vyr::MaterialTranslation
 
 namespace vyr::MaterialTranslation
 {
 
 const std::vector<Diagnostic>& lastDiagnostics()
 {
-    return core::threadRecords().records;
+    return threadRecords().records;
 }
 
 } // namespace vyr::MaterialTranslation

@@ -6,7 +6,7 @@
 
 #include <MaterialTranslation/Diagnostics.h>
 
-namespace vyr::MaterialTranslation::core
+namespace vyr::MaterialTranslation
 {
 
 /// Where the steps of a translation report what the caller should know about one material.
@@ -50,4 +50,4 @@ class LogSession
     static Log log(std::string asset = {});
 };
 
-} // namespace vyr::MaterialTranslation::core
+} // namespace vyr::MaterialTranslation

@@ -1,4 +1,4 @@
-#include "core/FileNames.h"
+#include "base/Paths.h"
 
 #include <algorithm>
 #include <string>
@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/Text.h"
+#include "base/Text.h"
 
 namespace vyr::MaterialTranslation::core
 {
@@ -29,13 +29,13 @@ TEST(FileNames, ThatReachElsewhereOrNameADeviceAreTreacherous)
          {""s, "."s, ".."s, "a\0.png"s, "C:"s, "c:wood.png"s, "1:"s, "NUL"s, "Prn.png"s,
           "Lpt1.tar.gz"s, "aux .png"s, "com0"s, "conin$"s, "CONOUT$.txt"s})
     {
-        EXPECT_TRUE(isTreacherous(name)) << ::testing::PrintToString(name);
-        EXPECT_FALSE(isTreacherous(safeName(name))) << ::testing::PrintToString(name);
+        EXPECT_TRUE(isUnsafeName(name)) << ::testing::PrintToString(name);
+        EXPECT_FALSE(isUnsafeName(safeName(name))) << ::testing::PrintToString(name);
     }
     for (const char* name :
          {"...", "..png", ".png", "a.", "wood:1", "con-1.png", "~", "%2e%2e", "c", "console", "com",
           "com10", "xcom1", "comA", ".con", "wood.con", "auxiliary.png"})
-        EXPECT_FALSE(isTreacherous(name)) << name;
+        EXPECT_FALSE(isUnsafeName(name)) << name;
 }
 
 TEST(FileNames, BecomePortable)

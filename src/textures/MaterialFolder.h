@@ -2,9 +2,8 @@
 
 #include <filesystem>
 #include <string>
-#include <string_view>
 
-namespace vyr::MaterialTranslation::core
+namespace vyr::MaterialTranslation::textures
 {
 
 /// The folder of a material's baked and gathered images: output directory / material name, absolute.
@@ -16,7 +15,4 @@ std::filesystem::path materialFolder(const std::string& outputDirectory, const s
 ///         file or a symbolic link stands in its place: nothing may leave the output directory.
 bool makeMaterialFolder(const std::filesystem::path& folder);
 
-/// Whether some systems reserve the name, with any extension, for a device ("con", "lpt1.png").
-bool isDeviceName(std::string_view name);
-
-} // namespace vyr::MaterialTranslation::core
+} // namespace vyr::MaterialTranslation::textures
