@@ -113,4 +113,9 @@ VYR_MTLX_API void setBakeSettings(const BakeSettings& settings);
 /// The calling thread's settings.
 VYR_MTLX_API const BakeSettings& bakeSettings();
 
+/// Removes the images that the calling thread's last translation baked, where they were not there before
+/// it and nothing else uses them, and the material's folder if it is empty then. For a caller that fails a
+/// material after its translation, because its document is not valid or cannot be written.
+VYR_MTLX_API void discardLastBakes();
+
 } // namespace vyr::MaterialTranslation

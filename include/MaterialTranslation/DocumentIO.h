@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <MaterialXCore/Document.h>
 
@@ -10,6 +11,11 @@
 
 namespace vyr::MaterialTranslation
 {
+
+/// The inputs at or below an element that name a file: those of type "filename" that are not empty, in
+/// document order.
+/// @param root for example a document; not null.
+VYR_MTLX_API std::vector<MaterialX::InputPtr> fileInputs(const MaterialX::ConstElementPtr& root);
 
 /// A document as MaterialX XML text, with MaterialX's default write options.
 /// @param document not null.

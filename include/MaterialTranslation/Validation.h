@@ -15,36 +15,32 @@
 namespace vyr::MaterialTranslation
 {
 
+/// All codes: constant and stable name. docs/validation.md explains each.
+// clang-format off
+#define VYR_MTLX_VALIDATION_CODES(X)                                            \
+    X(Unreadable, "unreadable")                                                 \
+    X(Rule, "materialx-rule")                                                   \
+    X(ValueInvalid, "value-invalid")                                            \
+    X(ValueRange, "value-range")                                                \
+    X(ChoiceUnknown, "choice-unknown")                                          \
+    X(NodeUndefined, "node-undefined")                                          \
+    X(InputUnbound, "input-unbound")                                            \
+    X(ColorSpaceUnknown, "color-space-unknown")                                 \
+    X(UnitTypeUnknown, "unit-type-unknown")                                     \
+    X(UnitUnknown, "unit-unknown")                                              \
+    X(UnitMissing, "unit-missing")                                              \
+    X(UnitMisfit, "unit-misfit")                                                \
+    X(FileMissing, "file-missing")                                              \
+    X(MaterialMissing, "material-missing")                                      \
+    X(GraphEmpty, "graph-empty")
+// clang-format on
+
 /// What is wrong in a document.
 enum class ValidationCode
 {
-    /// The file is not there, is no XML, or is no MaterialX document.
-    Unreadable,
-    /// One of MaterialX's own rules that has no code of its own here.
-    Rule,
-    /// A text that is no value of its type, or only begins like one.
-    ValueInvalid,
-    /// A value that a form would have in another unit, in which no 32-bit float can hold it.
-    ValueRange,
-    /// A value that is not among those that the definition of the input allows, such as an address mode.
-    ChoiceUnknown,
-    /// No definition fits a node: its category is unknown, or not for its type.
-    NodeUndefined,
-    /// An input of a node has neither a value nor a connection.
-    InputUnbound,
-    ColorSpaceUnknown,
-    UnitTypeUnknown,
-    UnitUnknown,
-    /// A value has a unit type, but no unit.
-    UnitMissing,
-    /// A unit of another kind than the input takes, such as an angle for a length.
-    UnitMisfit,
-    /// An image or other file that does not exist.
-    FileMissing,
-    /// A material assignment names no material, or one that the document does not have.
-    MaterialMissing,
-    /// A node graph without nodes, or without an output.
-    GraphEmpty,
+#define VYR_MTLX_ENUMERATOR(constant, name) constant,
+    VYR_MTLX_VALIDATION_CODES(VYR_MTLX_ENUMERATOR)
+#undef VYR_MTLX_ENUMERATOR
 };
 
 /// Stable name of a code, such as "file-missing".

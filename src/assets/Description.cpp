@@ -2,12 +2,8 @@
 
 #include <ostream>
 
-#include <kelvor/platform/assets/IProperty.h>
-#include <kelvor/platform/assets/IScalarValue.h>
 #include <kelvor/platform/assets/PropertyType.h>
 
-#include "assets/PropertyError.h"
-#include "assets/PropertyReaders.h"
 #include "assets/Schemas.h"
 
 namespace vyr::MaterialTranslation::assets
@@ -18,105 +14,94 @@ namespace platform = kelvor::platform::assets;
 namespace
 {
 
-bool isHidden(const IAssetInstance& asset)
+/// What `read` gives, or `otherwise` where the asset states nothing that can be read: a diagnostic must
+/// not make a translation fail.
+template <class Value, class Read> Value readOr(Value otherwise, Read read)
 {
     try
     {
-        return GetBooleanOr(AssetView(asset), hiddenProperty, false);
+        return read();
     }
     catch (const PropertyError&)
     {
-        return false;
+        return otherwise;
     }
 }
 
-/// The type of a noise, or "?" when the asset states none that can be read: a diagnostic must not
-/// make a translation fail.
-std::string noiseType(const AssetView& noise)
+void writeValue(const Property& property, std::ostream& stream)
 {
-    try
-    {
-        return GetFirstChoiceOr(noise, "noise_Type", "?");
-    }
-    catch (const PropertyError&)
-    {
-        return "?";
-    }
-}
-
-void writeColor(const AssetView& view, const char* name, std::ostream& stream)
-{
-    const Color4 color = GetColor4Property(view, name);
-    stream << color[0] << ' ' << color[1] << ' ' << color[2] << ' ' << color[3];
-}
-
-void writeChoices(const AssetView& view, const char* name, std::ostream& stream)
-{
-    for (const std::string& choice : GetChoiceListProperty(view, name))
-        stream << choice << ' ';
-}
-
-void writeValue(const AssetView& view, const char* name, std::ostream& stream)
-{
-    switch (FindProperty(view, name)->GetType())
+    switch (property.type())
     {
     case platform::ePropertyType_Boolean:
-        stream << (GetBooleanProperty(view, name) ? "true" : "false");
+        stream << (property.boolean() ? "true" : "false");
+        break;
+    case platform::ePropertyType_Integer:
+        stream << property.integer();
         break;
     case platform::ePropertyType_Scalar:
-        stream << GetFloatProperty(view, name);
+        stream << property.number();
         break;
     case platform::ePropertyType_Color:
-        writeColor(view, name, stream);
+    {
+        const Color4 color = property.colorWithAlpha();
+        stream << color[0] << ' ' << color[1] << ' ' << color[2] << ' ' << color[3];
         break;
+    }
     case platform::ePropertyType_ChoiceList:
-        writeChoices(view, name, stream);
+        for (const std::string& choice : property.choices())
+            stream << choice << ' ';
+        break;
+    case platform::ePropertyType_String:
+        stream << property.string();
+        break;
+    case platform::ePropertyType_Text:
+        stream << property.text();
         break;
     default:
-        stream << "(type " << FindProperty(view, name)->GetType() << ')';
+        stream << "(type " << property.type() << ')';
         break;
     }
 }
 
 } // namespace
 
-void WriteMaterialDescription(const IAssetInstance& asset, std::ostream& stream)
+void writeMaterialDescription(const Asset& asset, std::ostream& stream)
 {
-    stream << "Material Class:" << GetAssetSchemaName(asset) << '\n';
-    stream << "Description: " << GetAssetDescription(asset) << '\n';
-    stream << "Name: " << GetAssetDisplayName(asset) << '\n';
-    stream << "Hidden or not: " << (isHidden(asset) ? "YES" : "NO") << '\n';
+    const bool hidden = readOr(false, [&] { return asset[hiddenProperty].boolean(false); });
+    stream << "Material Class:" << asset.schema() << std::endl;
+    stream << "Description: " << asset.description() << std::endl;
+    stream << "Name: " << asset.displayName() << std::endl;
+    stream << "Hidden or not: " << (hidden ? "YES" : "NO") << std::endl;
 }
 
-void WriteTextureSchema(const AssetView& view, const char* name, std::ostream& stream)
+void writeTextureSchema(const Property& property, std::ostream& stream)
 {
-    const std::string schema = GetConnectedTextureName(view, name);
-    stream << name << " has schema type : " << schema;
+    const std::string schema = property.connectedSchema();
+    stream << property.name() << " has schema type : " << schema;
     if (schema == noiseSchema)
     {
-        const ConnectedAsset noise = GetConnectedAsset(view, name);
-        stream << " (" << noiseType(AssetView(*noise.second)) << ')';
+        const AssetHandle noise = property.connected();
+        const std::string unknown = "?";
+        stream << " (" << readOr(unknown, [&] { return Asset(*noise)["noise_Type"].choice("?"); })
+               << ')';
     }
-    stream << '\n';
+    stream << std::endl;
 }
 
-void WriteProperty(const AssetView& view, const char* name, std::ostream& stream)
+void writeProperty(const Property& property, std::ostream& stream)
 {
-    if (HasConnectedAsset(view, name))
-    {
-        WriteTextureSchema(view, name, stream);
-        return;
-    }
-    stream << name << ": ";
+    if (property.isConnected())
+        return writeTextureSchema(property, stream);
+    stream << property.name() << ": ";
     try
     {
-        writeValue(view, name, stream);
+        writeValue(property, stream);
     }
     catch (const PropertyError& error)
     {
         stream << '(' << error.reason() << ')';
     }
-    stream << '\n';
+    stream << std::endl;
 }
 
 } // namespace vyr::MaterialTranslation::assets

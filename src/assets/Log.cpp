@@ -1,5 +1,7 @@
 #include "assets/Log.h"
 
+#include <iterator>
+
 namespace vyr::MaterialTranslation
 {
 
@@ -25,6 +27,19 @@ Log Log::below(const std::string& property) const
     Log log = *this;
     log._path += property + "/";
     return log;
+}
+
+Log Log::into(std::vector<Diagnostic>& records) const
+{
+    Log log = *this;
+    log._records = &records;
+    return log;
+}
+
+void Log::append(std::vector<Diagnostic> records) const
+{
+    _records->insert(_records->end(), std::make_move_iterator(records.begin()),
+                     std::make_move_iterator(records.end()));
 }
 
 void Log::error(DiagnosticCode code, const std::string& property, std::string text) const
@@ -58,11 +73,6 @@ Log LogSession::log(std::string asset)
 {
     return {threadRecords().records, std::move(asset)};
 }
-
-} // namespace vyr::MaterialTranslation
-
-namespace vyr::MaterialTranslation
-{
 
 const std::vector<Diagnostic>& lastDiagnostics()
 {

@@ -24,6 +24,10 @@ class Log
     /// A log for the properties of a texture that is connected to `property`.
     Log below(const std::string& property) const;
 
+    /// The same log with another list, whose records may be appended later.
+    Log into(std::vector<Diagnostic>& records) const;
+    void append(std::vector<Diagnostic> records) const;
+
     void error(DiagnosticCode code, const std::string& property, std::string text) const;
     void warning(DiagnosticCode code, const std::string& property, std::string text) const;
 

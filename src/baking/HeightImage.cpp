@@ -1,13 +1,5 @@
 #include "baking/HeightImage.h"
 
-#include "baking/BakeError.h"
-#include "baking/ParallelRows.h"
-
-#include <OpenImageIO/imageio.h>
-#include <OpenImageIO/strutil.h>
-
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -16,10 +8,19 @@
 #include <memory>
 #include <string_view>
 
+#include <OpenImageIO/imageio.h>
+#include <OpenImageIO/strutil.h>
+#include <fmt/format.h>
+
+#include "base/Paths.h"
+#include "base/Text.h"
+
 namespace vyr::MaterialTranslation::baking
 {
+
 namespace
 {
+
 using std::string_view_literals::operator""sv;
 
 /// The bytes by which a format is known. They come first in the file.
@@ -29,7 +30,7 @@ struct Signature
     const char* format;
 };
 
-constexpr Signature kSignatures[] = {
+constexpr Signature signatures[] = {
     {"\x89PNG\r\n\x1A\n"sv, "png"},
     {"\xFF\xD8\xFF"sv, "jpeg"},
     {"II*\0"sv, "tiff"},
@@ -50,51 +51,33 @@ constexpr Signature kSignatures[] = {
     {"Pf"sv, "pnm"},
 };
 
-constexpr const char* kTargaExtensions[] = {".tga", ".tpic"};
-
 const char* formatOf(const std::filesystem::path& path, std::string_view start)
 {
-    for (const Signature& signature : kSignatures)
+    for (const Signature& signature : signatures)
     {
-        if (start.substr(0, signature.bytes.size()) == signature.bytes)
-        {
+        if (start.starts_with(signature.bytes))
             return signature.format;
-        }
     }
-    if (start.size() >= 12 && start.substr(0, 4) == "RIFF" && start.substr(8, 4) == "WEBP")
-    {
+    if (start.starts_with("RIFF") && start.substr(8).starts_with("WEBP"))
         return "webp";
-    }
-    const std::string extension = utf8(path.extension());
-    for (const char* targa : kTargaExtensions)
-    {
-        if (OIIO::Strutil::iequals(extension, targa))
-        {
-            return "targa";
-        }
-    }
-    return nullptr;
+    const std::string extension = base::utf8FromPath(path.extension());
+    const bool targa =
+        base::equalsIgnoringCase(extension, ".tga") || base::equalsIgnoringCase(extension, ".tpic");
+    return targa ? "targa" : nullptr;
 }
 
 /// The first bytes of a regular file; devices and pipes could block for ever.
 std::string startOf(const std::filesystem::path& path)
 {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error))
-    {
-        throw BakeError(fmt::format("{}: no such image file", utf8(path)));
-    }
+    if (!base::isFile(path))
+        throw BakeError(path, "no such image file");
     std::ifstream file(path, std::ios::binary);
     std::array<char, 16> bytes{};
     file.read(bytes.data(), bytes.size());
     if (file.bad() || !file.is_open())
-    {
-        throw BakeError(fmt::format("{}: the image file cannot be read", utf8(path)));
-    }
+        throw BakeError(path, "the image file cannot be read");
     if (file.gcount() == 0)
-    {
-        throw BakeError(fmt::format("{}: the image file is empty", utf8(path)));
-    }
+        throw BakeError(path, "the image file is empty");
     return {bytes.data(), static_cast<std::size_t>(file.gcount())};
 }
 
@@ -102,19 +85,17 @@ std::string startOf(const std::filesystem::path& path)
 /// picture of their own. The end of the file when there are none.
 std::streamoff jpegDataBegin(std::ifstream& file, std::streamoff size)
 {
+    constexpr unsigned char startOfScan = 0xDA;
+    constexpr unsigned char fill = 0xFF;
     std::streamoff at = 2;
     while (at + 4 <= size)
     {
         std::array<unsigned char, 4> segment{};
         file.seekg(at);
         file.read(reinterpret_cast<char*>(segment.data()), segment.size());
-        constexpr unsigned char kStartOfScan = 0xDA;
-        if (!file || segment[0] != 0xFF || segment[1] == kStartOfScan)
-        {
+        if (!file || segment[0] != 0xFF || segment[1] == startOfScan)
             return at;
-        }
-        constexpr unsigned char kFill = 0xFF;
-        at += segment[1] == kFill ? 1 : 2 + (segment[2] << 8 | segment[3]);
+        at += segment[1] == fill ? 1 : 2 + (segment[2] << 8 | segment[3]);
     }
     return size;
 }
@@ -123,17 +104,15 @@ std::streamoff jpegDataBegin(std::ifstream& file, std::streamoff size)
 /// marker, which cannot occur within the data; what other programs append is rarely long.
 void checkJpegEnd(const std::filesystem::path& path)
 {
-    constexpr std::streamoff kTail = 65536;
+    constexpr std::streamoff tailSize = 65536;
     std::ifstream file(path, std::ios::binary | std::ios::ate);
     const std::streamoff size = file.tellg();
     const std::streamoff begin = jpegDataBegin(file, size);
     file.clear();
-    file.seekg(std::max(size - kTail, begin));
+    file.seekg(std::max(size - tailSize, begin));
     const std::string tail{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     if (tail.find("\xFF\xD9") == std::string::npos)
-    {
-        throw BakeError(fmt::format("{}: the image file is truncated", utf8(path)));
-    }
+        throw BakeError(path, "the image file is truncated");
 }
 
 /// OpenImageIO's words on one line.
@@ -149,52 +128,36 @@ std::unique_ptr<OIIO::ImageInput> openImage(const std::filesystem::path& path, c
 {
     auto input = OIIO::ImageInput::create(format);
     if (!input)
-    {
-        throw BakeError(fmt::format("{}: {}", utf8(path), reason(OIIO::geterror())));
-    }
+        throw BakeError(path, reason(OIIO::geterror()));
     OIIO::ImageSpec hints;
     hints.attribute("oiio:UnassociatedAlpha", 1);
     input->threads(threads);
-    if (!input->open(utf8(path), spec, hints))
-    {
-        throw BakeError(fmt::format("{}: {}", utf8(path), reason(input->geterror())));
-    }
+    if (!input->open(base::utf8FromPath(path), spec, hints))
+        throw BakeError(path, reason(input->geterror()));
     return input;
 }
 
 void checkShape(const std::filesystem::path& path, const OIIO::ImageSpec& spec,
                 const ImageLimits& limits)
 {
-    checkPixels(utf8(path), spec.width, spec.height, limits);
+    checkPixels(path, spec.width, spec.height, limits);
     if (spec.depth > 1 || spec.deep)
-    {
-        throw BakeError(fmt::format("{}: volumes and deep images have no heights", utf8(path)));
-    }
+        throw BakeError(path, "volumes and deep images have no heights");
     if (spec.nchannels < 1 || spec.nchannels > limits.channels)
-    {
-        throw BakeError(fmt::format("{}: {} channels, but an image may have 1 to {}", utf8(path),
-                                    spec.nchannels, limits.channels));
-    }
+        throw BakeError(path, fmt::format("{} channels, but an image may have 1 to {}",
+                                          spec.nchannels, limits.channels));
 }
+
 } // namespace
 
-std::string utf8(const std::filesystem::path& path)
-{
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
-void checkPixels(const std::string& what, int width, int height, const ImageLimits& limits)
+void checkPixels(const std::filesystem::path& file, int width, int height,
+                 const ImageLimits& limits)
 {
     if (width < 1 || height < 1)
-    {
-        throw BakeError(fmt::format("{}: {} x {} is no image", what, width, height));
-    }
+        throw BakeError(file, fmt::format("{} x {} is no image", width, height));
     if (static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) > limits.pixels)
-    {
-        throw BakeError(fmt::format("{}: {} x {} pixels are more than the limit of {}", what, width,
-                                    height, limits.pixels));
-    }
+        throw BakeError(file, fmt::format("{} x {} pixels are more than the limit of {}", width,
+                                          height, limits.pixels));
 }
 
 HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits& limits,
@@ -202,14 +165,10 @@ HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits
 {
     const char* format = formatOf(path, startOf(path));
     if (format == nullptr)
-    {
-        throw BakeError(fmt::format(
-            "{}: not a png, jpeg, tiff, exr, targa, bmp, hdr, webp, sgi or pnm image", utf8(path)));
-    }
-    if (std::string_view(format) == "jpeg")
-    {
+        throw BakeError(path,
+                        "not a png, jpeg, tiff, exr, targa, bmp, hdr, webp, sgi or pnm image");
+    if (format == "jpeg"sv)
         checkJpegEnd(path);
-    }
     HeightImage image;
     const auto input = openImage(path, format, threads, image.source);
     checkShape(path, image.source, limits);
@@ -219,9 +178,8 @@ HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits
     // The reader of TIFF returns true although strips are missing.
     const std::string error = input->geterror();
     if (!whole || !error.empty())
-    {
-        throw BakeError(fmt::format("{}: {}", utf8(path), reason(error)));
-    }
+        throw BakeError(path, reason(error));
     return image;
 }
+
 } // namespace vyr::MaterialTranslation::baking

@@ -1,13 +1,18 @@
 #pragma once
 
-#include <MaterialTranslation/Bakes.h>
+#include <filesystem>
 
 #include <OpenImageIO/imagebuf.h>
 
-#include <filesystem>
+#include <MaterialTranslation/Bakes.h>
 
+#include "baking/ImageRows.h"
+
+/// @file
+/// Reading of images.
 namespace vyr::MaterialTranslation::baking
 {
+
 /// A height image as read from a file.
 struct HeightImage
 {
@@ -27,6 +32,9 @@ struct HeightImage
 HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits& limits,
                             int threads = 0);
 
-/// @throws BakeError when the image has more pixels than allowed, or none; `what` starts the message.
-void checkPixels(const std::string& what, int width, int height, const ImageLimits& limits);
+/// @throws BakeError when the image has more pixels than allowed, or none.
+/// @param file  named in the message.
+void checkPixels(const std::filesystem::path& file, int width, int height,
+                 const ImageLimits& limits);
+
 } // namespace vyr::MaterialTranslation::baking

@@ -1,26 +1,32 @@
 #include "baking/NoiseImage.h"
 
-#include "baking/NoiseRows.h"
-#include "baking/ParallelRows.h"
-
-#include <OpenImageIO/strutil.h>
-
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <iostream>
+#include <limits>
 #include <optional>
+#include <vector>
+
+#include "baking/ImageRows.h"
+#include "base/Text.h"
 
 namespace vyr::MaterialTranslation::baking
 {
+
 namespace
 {
+
 using Color = std::array<float, 3>;
 
-/// Octave 33 would be a 2^32th of the first: less than half of the last bit of any pixel.
-constexpr float kMostLevels = 32.0f;
+constexpr Color black{0.0f, 0.0f, 0.0f};
+constexpr Color white{1.0f, 1.0f, 1.0f};
+
+constexpr OIIO::TypeDesc colorType(OIIO::TypeDesc::FLOAT, 3);
+
+/// Rows whose sums are kept while the octaves are added up one after the other.
+constexpr int bandRows = 64;
 
 struct NoiseType
 {
@@ -29,48 +35,97 @@ struct NoiseType
     bool absolute; ///< absolute values are added, so that the noise lies above 0
 };
 
-constexpr NoiseType kNoiseTypes[] = {
+constexpr NoiseType noiseTypes[] = {
     {"noise_regular", false, false},
     {"noise_fractal", true, false},
     {"noise_turbulence", true, true},
 };
 
-const NoiseType* findNoiseType(OIIO::string_view name)
+/// The lattice cell of a coordinate is the coordinate less a half, rounded to the nearest integer with ties to
+/// even. A cell that is no 32-bit integer is the lowest one, with fraction 0.
+NoiseAxis latticeAxis(float coordinate)
 {
-    for (const NoiseType& type : kNoiseTypes)
+    constexpr float limit = 2147483648.0f;
+    const float cell = std::nearbyint(coordinate - 0.5f);
+    if (!(cell >= -limit && cell < limit))
+        return {static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::min()), 0.0f, 0.0f};
+    const float f = coordinate - cell;
+    const float fade = f * f * f * (f * (f * 6.0f - 15.0f) + 10.0f);
+    return {static_cast<std::uint32_t>(static_cast<std::int32_t>(cell)), f, fade};
+}
+
+float noiseCoordinate(int pixel, int pixels, float size)
+{
+    return std::fabs(static_cast<float>(pixel) / static_cast<float>(pixels)) * 100.0f / size;
+}
+
+/// All octaves of one strip of columns.
+class NoiseStrip
+{
+  public:
+    NoiseStrip(const NoiseField& field, const KernelSet& kernels)
+        : _field(field), _kernels(kernels), _phase(latticeAxis(field.phase)),
+          _columns(static_cast<std::size_t>(field.octaves)), _sums(bandRows * noiseColumns)
     {
-        if (OIIO::Strutil::iequals(name, type.name))
+    }
+
+    void moveTo(int column)
+    {
+        for (int i = 0; i < noiseColumns; ++i)
         {
-            return &type;
+            const float along = noiseCoordinate(column + i, _field.width, _field.size);
+            float frequency = 1.0f;
+            for (NoiseColumns& columns : _columns)
+            {
+                const NoiseAxis axis = latticeAxis(along * frequency);
+                columns.cell[i] = axis.cell;
+                columns.fraction[i] = axis.fraction;
+                columns.fade[i] = axis.fade;
+                frequency *= 2.0f;
+            }
         }
     }
-    return nullptr;
-}
 
-constexpr OIIO::TypeDesc kColorType(OIIO::TypeDesc::FLOAT, 3);
-
-std::optional<Color> colorAttribute(const OIIO::ImageSpec& spec, const char* name)
-{
-    Color color{};
-    if (!spec.getattribute(name, kColorType, color.data()))
+    /// Adds up at most bandRows rows; row i of the result starts at i * noiseColumns.
+    const float* sumRows(int yBegin, int yEnd)
     {
-        return std::nullopt;
+        std::ranges::fill(_sums, 0.0f);
+        float frequency = 1.0f;
+        for (const NoiseColumns& columns : _columns)
+        {
+            addOctave(columns, frequency, yBegin, yEnd);
+            frequency *= 2.0f;
+        }
+        return _sums.data();
     }
-    return color;
-}
 
-/// The parameters as the kernels use them.
-struct NoiseParameters
-{
-    std::optional<Color> color1;
-    std::optional<Color> color2;
-    float size;
-    float thresholdLow;
-    float thresholdHigh;
-    float phase;
-    float levels;
+  private:
+    void addOctave(const NoiseColumns& columns, float frequency, int yBegin, int yEnd)
+    {
+        NoiseOctaveRow row{0.0f, 0.0f, _phase, 1.0f / frequency, _field.absolute};
+        std::uint32_t cell = 0;
+        for (int y = yBegin; y < yEnd; ++y)
+        {
+            const NoiseAxis axis =
+                latticeAxis(noiseCoordinate(y, _field.height, _field.size) * frequency);
+            if (y == yBegin || axis.cell != cell)
+            {
+                cell = axis.cell;
+                _kernels.noiseGradients(columns, cell, _phase, _gradients);
+            }
+            row.fraction = axis.fraction;
+            row.fade = axis.fade;
+            float* sums = _sums.data() + static_cast<std::ptrdiff_t>(y - yBegin) * noiseColumns;
+            _kernels.addNoiseOctave(_gradients, columns, row, sums);
+        }
+    }
 
-    int channels() const { return color1 && color2 ? 3 : 1; }
+    const NoiseField& _field;
+    const KernelSet& _kernels;
+    NoiseAxis _phase;
+    std::vector<NoiseColumns> _columns;
+    NoiseGradients _gradients;
+    std::vector<float> _sums;
 };
 
 float orOne(float value)
@@ -78,85 +133,108 @@ float orOne(float value)
     return value > 0.0f ? value : 1.0f;
 }
 
-NoiseParameters noiseParameters(const OIIO::ImageSpec& spec)
+/// The options as they count.
+NoiseBakeOptions withinRanges(NoiseBakeOptions options)
 {
-    return {
-        colorAttribute(spec, "noise:color1"),
-        colorAttribute(spec, "noise:color2"),
-        orOne(spec.get_float_attribute("noise:size", 0.0f)),
-        spec.get_float_attribute("noise:thresholdLow", 0.0f),
-        spec.get_float_attribute("noise:thresholdHigh", 0.0f),
-        spec.get_float_attribute("noise:phase", 0.0f),
-        std::min(orOne(spec.get_float_attribute("noise:levels", 0.0f)), kMostLevels),
-    };
+    options.size = orOne(options.size);
+    options.levels = std::min(orOne(options.levels), mostNoiseLevels);
+    return options;
 }
 
-OIIO::ImageSpec imageSpec(const OIIO::ImageSpec& source, const NoiseParameters& parameters)
+/// @param options  As they count.
+OIIO::ImageSpec imageSpec(const NoiseBakeOptions& options)
 {
-    OIIO::ImageSpec spec(source.width, source.height, parameters.channels(), OIIO::TypeFloat);
-    spec.attribute("noise_Color1", kColorType, parameters.color1.value_or(Color{0, 0, 0}).data());
-    spec.attribute("noise_Color2", kColorType, parameters.color2.value_or(Color{1, 1, 1}).data());
-    spec.attribute("noise_Size", parameters.size);
-    spec.attribute("noise_ThresholdLow", parameters.thresholdLow);
-    spec.attribute("noise_ThresholdHigh", parameters.thresholdHigh);
-    spec.attribute("noise_Phase", parameters.phase);
-    spec.attribute("noise_Levels", parameters.levels);
+    const int channels = options.color1 && options.color2 ? 3 : 1;
+    OIIO::ImageSpec spec(options.width, options.height, channels, OIIO::TypeFloat);
+    spec.attribute("noise_Color1", colorType, options.color1.value_or(black).data());
+    spec.attribute("noise_Color2", colorType, options.color2.value_or(white).data());
+    spec.attribute("noise_Size", options.size);
+    spec.attribute("noise_ThresholdLow", options.thresholdLow);
+    spec.attribute("noise_ThresholdHigh", options.thresholdHigh);
+    spec.attribute("noise_Phase", options.phase);
+    spec.attribute("noise_Levels", options.levels);
     return spec;
 }
 
 /// A fraction of a level adds a whole octave.
-int octaveCount(float levels)
+NoiseField noiseField(const NoiseBakeOptions& options, const NoiseType& type)
 {
-    int octaves = 0;
-    for (float remaining = levels; remaining > 0.0f; remaining -= 1.0f)
-    {
-        ++octaves;
-    }
-    return octaves;
+    const int octaves = type.octaves ? static_cast<int>(std::ceil(options.levels)) : 1;
+    return {options.width, options.height, options.size, options.phase, octaves, type.absolute};
 }
 
-NoiseShade noiseShade(const NoiseParameters& parameters, const NoiseType& type)
+NoiseShade noiseShade(const NoiseBakeOptions& options, const NoiseType& type, int channels)
 {
-    const Color color1 = parameters.color1.value_or(Color{0, 0, 0});
-    const Color color2 = parameters.color2.value_or(Color{1, 1, 1});
-    return {
-        !type.absolute,        parameters.thresholdLow,           parameters.thresholdHigh,
-        parameters.channels(), {color1[0], color1[1], color1[2]}, {color2[0], color2[1], color2[2]},
-    };
+    const Color a = options.color1.value_or(black);
+    const Color b = options.color2.value_or(white);
+    return {!type.absolute, options.thresholdLow, options.thresholdHigh,
+            channels,       {a[0], a[1], a[2]},   {b[0], b[1], b[2]}};
 }
+
+OIIO::ImageBuf unsupportedType(const std::string& type, const OIIO::ImageSpec& spec)
+{
+    std::cerr << "Unsupported Noise type:" << type << std::endl;
+    OIIO::ImageBuf image;
+    if (spec.width > 0 && spec.height > 0)
+        image.reset("noise_image", spec, OIIO::InitializePixels::Yes);
+    image.errorfmt("Unsupported Noise type");
+    return image;
+}
+
+std::optional<Color> colorAttribute(const OIIO::ImageSpec& spec, const char* name)
+{
+    Color color{};
+    if (!spec.getattribute(name, colorType, color.data()))
+        return std::nullopt;
+    return color;
+}
+
 } // namespace
 
-OIIO::ImageBuf bakeNoiseImage(const OIIO::ImageSpec& source, int threads)
+void bakeNoiseRows(const NoiseField& field, const NoiseShade& shade, const KernelSet& kernels,
+                   int yBegin, int yEnd, float* pixels)
 {
-    const NoiseParameters parameters = noiseParameters(source);
-    const OIIO::ImageSpec spec = imageSpec(source, parameters);
-    const std::string typeName = source.get_string_attribute("noise:type");
-    const NoiseType* type = findNoiseType(typeName);
-    if (type == nullptr)
+    const auto channels = static_cast<std::size_t>(shade.channels);
+    const std::size_t rowFloats = channels * static_cast<std::size_t>(field.width);
+    NoiseStrip strip(field, kernels);
+    for (int x = 0; x < field.width; x += noiseColumns)
     {
-        std::cerr << "Unsupported Noise type:" << typeName << std::endl;
-        OIIO::ImageBuf image;
-        if (spec.width > 0 && spec.height > 0)
+        strip.moveTo(x);
+        const auto count = static_cast<std::size_t>(std::min(noiseColumns, field.width - x));
+        for (int y = yBegin; y < yEnd; y += bandRows)
         {
-            image.reset("noise_image", spec, OIIO::InitializePixels::Yes);
+            const int bandEnd = std::min(y + bandRows, yEnd);
+            const float* sums = strip.sumRows(y, bandEnd);
+            float* target = pixels + static_cast<std::size_t>(y - yBegin) * rowFloats +
+                            channels * static_cast<std::size_t>(x);
+            for (int row = y; row < bandEnd; ++row)
+            {
+                kernels.shadeNoise(sums, count, shade, target);
+                sums += noiseColumns;
+                target += rowFloats;
+            }
         }
-        image.errorfmt("Unsupported Noise type");
-        return image;
     }
+}
+
+OIIO::ImageBuf bakeNoise(const NoiseBakeOptions& given)
+{
+    const NoiseBakeOptions options = withinRanges(given);
+    const OIIO::ImageSpec spec = imageSpec(options);
+    const auto* type =
+        std::ranges::find_if(noiseTypes, [&](const NoiseType& known)
+                             { return base::equalsIgnoringCase(known.name, options.type); });
+    if (type == std::end(noiseTypes))
+        return unsupportedType(options.type, spec);
     OIIO::ImageBuf image = uninitializedImage("noise_image", spec);
     if (!image.initialized())
     {
         image.errorfmt("The noise image has no pixels");
         return image;
     }
-    const NoiseField field{spec.width,
-                           spec.height,
-                           parameters.size,
-                           parameters.phase,
-                           type->octaves ? octaveCount(parameters.levels) : 1,
-                           type->absolute};
-    const NoiseShade shade = noiseShade(parameters, *type);
-    forEachRowBlock(spec.width, spec.height, threads,
+    const NoiseField field = noiseField(options, *type);
+    const NoiseShade shade = noiseShade(options, *type, spec.nchannels);
+    forEachRowBlock(spec.width, spec.height, options.threads,
                     [&](int yBegin, int yEnd)
                     {
                         bakeNoiseRows(field, shade, kernels(), yBegin, yEnd,
@@ -165,13 +243,21 @@ OIIO::ImageBuf bakeNoiseImage(const OIIO::ImageSpec& source, int threads)
     return image;
 }
 
-std::vector<std::string> noiseWarnings(const OIIO::ImageSpec& parameters)
+OIIO::ImageBuf bakeNoiseImage(const OIIO::ImageSpec& parameters, int threads)
 {
-    const float levels = parameters.get_float_attribute("noise:levels", 0.0f);
-    if (levels > kMostLevels)
-    {
-        return {fmt::format("{:g} noise levels are baked as {:g}", levels, kMostLevels)};
-    }
-    return {};
+    NoiseBakeOptions options;
+    options.width = parameters.width;
+    options.height = parameters.height;
+    options.type = parameters.get_string_attribute("noise:type");
+    options.color1 = colorAttribute(parameters, "noise:color1");
+    options.color2 = colorAttribute(parameters, "noise:color2");
+    options.size = parameters.get_float_attribute("noise:size", 0.0f);
+    options.thresholdLow = parameters.get_float_attribute("noise:thresholdLow", 0.0f);
+    options.thresholdHigh = parameters.get_float_attribute("noise:thresholdHigh", 0.0f);
+    options.levels = parameters.get_float_attribute("noise:levels", 0.0f);
+    options.phase = parameters.get_float_attribute("noise:phase", 0.0f);
+    options.threads = threads;
+    return bakeNoise(options);
 }
+
 } // namespace vyr::MaterialTranslation::baking

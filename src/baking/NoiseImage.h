@@ -2,14 +2,29 @@
 
 #include <OpenImageIO/imagebuf.h>
 
-#include <string>
-#include <vector>
+#include <MaterialTranslation/Bakes.h>
+
+#include "baking/kernels/Kernels.h"
 
 namespace vyr::MaterialTranslation::baking
 {
-/// Bakes four-dimensional gradient noise, thresholded and blended between two colours.
+
+/// Octave 33 would be a 2^32th of the first: less than half of the last bit of any pixel.
+inline constexpr float mostNoiseLevels = 32.0f;
+
+/// Bakes four-dimensional gradient noise, thresholded and blended between two colours. docs/bakes.md has the
+/// formulas.
 ///
-/// Attributes of `parameters`, whose width and height are those of the image:
+/// @param options  The limits are not used. The result is the same for every number of threads.
+/// @return "noise_image": 32-bit float, three channels when both colours are given, else one, with the
+///         parameters as used in the attributes "noise_Color1", "noise_Color2", "noise_Size",
+///         "noise_ThresholdLow", "noise_ThresholdHigh", "noise_Phase" and "noise_Levels". With another type it
+///         is zero throughout and has the error "Unsupported Noise type"; the type goes to standard error.
+///         Without pixels, and with an error, when width or height is not greater than 0.
+/// @throws std::runtime_error when memory does not hold the result.
+OIIO::ImageBuf bakeNoise(const NoiseBakeOptions& options);
+
+/// The same with the parameters as attributes of a specification, whose width and height are those of the image:
 ///
 /// | attribute                                    | type     | meaning, and value when absent             |
 /// |----------------------------------------------|----------|--------------------------------------------|
@@ -20,18 +35,23 @@ namespace vyr::MaterialTranslation::baking
 /// | "noise:thresholdLow", "noise:thresholdHigh"  | float    | 0                                          |
 /// | "noise:phase"                                | float    | 0                                          |
 /// | "noise:levels"                               | float    | 0; not greater than 0 is 1, above 32 is 32 |
-///
-/// docs/bakes.md has the formulas.
-///
-/// @param threads  0: OpenImageIO's default thread count; 1: everything in the calling thread. The result is
-///                 the same.
-/// @return "noise_image": 32-bit float, three channels when both colours are given, else one, with the
-///         parameters as used in the attributes "noise_Color1", "noise_Color2", "noise_Size",
-///         "noise_ThresholdLow", "noise_ThresholdHigh", "noise_Phase" and "noise_Levels". With another type it
-///         is zero throughout and has the error "Unsupported Noise type"; the type goes to standard error.
-///         Without pixels, and with an error, when width or height is not greater than 0.
 OIIO::ImageBuf bakeNoiseImage(const OIIO::ImageSpec& parameters, int threads = 0);
 
-/// What bakeNoiseImage does not take as it is given, one sentence each.
-std::vector<std::string> noiseWarnings(const OIIO::ImageSpec& parameters);
+/// A noise image as numbers: where its pixels lie in noise space and what is added up there.
+struct NoiseField
+{
+    int width;   ///< of the whole image, pixels
+    int height;  ///< of the whole image, pixels
+    float size;  ///< greater than 0; the image is 100 / size lattice cells wide and high
+    float phase; ///< fourth coordinate
+    int octaves; ///< how often noise is added, each time at twice the frequency and half the height
+    bool absolute; ///< absolute values are added (turbulence)
+};
+
+/// Computes whole rows of a noise image; a pixel depends on its place only, not on what else is computed.
+///
+/// @param pixels  The pixel (0, yBegin) of the image, `shade.channels` floats a pixel, rows without gaps.
+void bakeNoiseRows(const NoiseField& field, const NoiseShade& shade, const KernelSet& kernels,
+                   int yBegin, int yEnd, float* pixels);
+
 } // namespace vyr::MaterialTranslation::baking

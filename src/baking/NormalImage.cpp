@@ -1,38 +1,34 @@
 #include "baking/NormalImage.h"
 
-#include "baking/ParallelRows.h"
-#include "baking/kernels/Kernels.h"
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <vector>
 
+#include "baking/ImageRows.h"
+#include "baking/kernels/Kernels.h"
+
 namespace vyr::MaterialTranslation::baking
 {
+
 namespace
 {
+
 std::array<float, 2> pairAttribute(const OIIO::ImageSpec& spec, const char* name)
 {
-    std::array<float, 2> pair{1.0f, 1.0f};
+    std::array<float, 2> pair{};
     if (!spec.getattribute(name, OIIO::TypeDesc(OIIO::TypeDesc::FLOAT, 2), pair.data()))
-    {
         return {1.0f, 1.0f};
-    }
     return pair;
 }
 
-SlopeStrength slopeStrength(const OIIO::ImageSpec& parameters, int width, int height)
+SlopeStrength slopeStrength(const NormalBakeOptions& options, int width, int height)
 {
-    const float amount = parameters.get_float_attribute("bump_amount", 0.0f);
+    const float amount = options.bumpAmount;
     if (amount == 0.0f)
-    {
         return {1.0f, 1.0f};
-    }
-    const auto worldScale = pairAttribute(parameters, "real_world_scale");
-    const auto bumpScale = pairAttribute(parameters, "bump_scale");
-    return {static_cast<float>(width) * amount / worldScale[0] * bumpScale[0],
-            static_cast<float>(height) * amount / worldScale[1] * bumpScale[1]};
+    return {static_cast<float>(width) * amount / options.realWorldScale[0] * options.bumpScale[0],
+            static_cast<float>(height) * amount / options.realWorldScale[1] * options.bumpScale[1]};
 }
 
 /// Rows of channel 0: where they are when they are plain floats, else copied, the last three at hand.
@@ -45,9 +41,7 @@ class HeightReader
         const bool plain = image.localpixels() != nullptr && spec.format == OIIO::TypeFloat &&
                            image.pixel_stride() == static_cast<OIIO::stride_t>(sizeof(float));
         if (!plain)
-        {
-            _copies.resize(kCopies * static_cast<std::size_t>(spec.width));
-        }
+            _copies.resize(_rows.size() * static_cast<std::size_t>(spec.width));
     }
 
     /// The row, valid until two other rows were asked for. Rows outside of the image are its border rows.
@@ -56,10 +50,8 @@ class HeightReader
         const OIIO::ImageSpec& spec = _image.spec();
         y = std::clamp(y, 0, spec.height - 1);
         if (_copies.empty())
-        {
             return static_cast<const float*>(_image.pixeladdr(spec.x, spec.y + y, spec.z));
-        }
-        const auto slot = static_cast<std::size_t>(y) % kCopies;
+        const auto slot = static_cast<std::size_t>(y) % _rows.size();
         float* copy = _copies.data() + slot * static_cast<std::size_t>(spec.width);
         if (_rows[slot] != y)
         {
@@ -72,15 +64,14 @@ class HeightReader
     }
 
   private:
-    static constexpr std::size_t kCopies = 3;
     const OIIO::ImageBuf& _image;
     std::vector<float> _copies;
-    std::array<int, kCopies> _rows{-1, -1, -1};
+    std::array<int, 3> _rows{-1, -1, -1};
 };
+
 } // namespace
 
-OIIO::ImageBuf bakeNormalImage(const OIIO::ImageBuf& height, const OIIO::ImageSpec& parameters,
-                               int threads)
+OIIO::ImageBuf bakeNormals(const OIIO::ImageBuf& height, const NormalBakeOptions& options)
 {
     const OIIO::ImageSpec& source = height.spec();
     OIIO::ImageSpec spec(source.width, source.height, 3, OIIO::TypeFloat);
@@ -91,9 +82,9 @@ OIIO::ImageBuf bakeNormalImage(const OIIO::ImageBuf& height, const OIIO::ImageSp
         image.errorfmt("The height image has no pixels");
         return image;
     }
-    const SlopeStrength strength = slopeStrength(parameters, spec.width, spec.height);
+    const SlopeStrength strength = slopeStrength(options, spec.width, spec.height);
     forEachRowBlock(
-        spec.width, spec.height, threads,
+        spec.width, spec.height, options.threads,
         [&](int yBegin, int yEnd)
         {
             HeightReader reader(height);
@@ -106,4 +97,16 @@ OIIO::ImageBuf bakeNormalImage(const OIIO::ImageBuf& height, const OIIO::ImageSp
         });
     return image;
 }
+
+OIIO::ImageBuf bakeNormalImage(const OIIO::ImageBuf& height, const OIIO::ImageSpec& parameters,
+                               int threads)
+{
+    NormalBakeOptions options;
+    options.bumpAmount = parameters.get_float_attribute("bump_amount", 0.0f);
+    options.realWorldScale = pairAttribute(parameters, "real_world_scale");
+    options.bumpScale = pairAttribute(parameters, "bump_scale");
+    options.threads = threads;
+    return bakeNormals(height, options);
+}
+
 } // namespace vyr::MaterialTranslation::baking

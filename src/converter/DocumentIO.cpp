@@ -1,8 +1,10 @@
 #include <MaterialTranslation/DocumentIO.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <MaterialXFormat/XmlIo.h>
 
@@ -13,6 +15,14 @@ namespace vyr::MaterialTranslation
 
 namespace
 {
+
+/// Few inputs name files; what an element is costs more to ask than what attributes it has.
+bool namesFile(const MaterialX::Element& element)
+{
+    return element.getAttribute(MaterialX::TypedElement::TYPE_ATTRIBUTE) ==
+               MaterialX::FILENAME_TYPE_STRING &&
+           !element.getAttribute(MaterialX::ValueElement::VALUE_ATTRIBUTE).empty();
+}
 
 /// Whether each "<" begins a line, as the tags and comments that MaterialX writes do: none is in an attribute's
 /// value then, where line breaks are escaped.
@@ -63,6 +73,25 @@ std::string escapeAttributes(std::string text)
 }
 
 } // namespace
+
+std::vector<MaterialX::InputPtr> fileInputs(const MaterialX::ConstElementPtr& root)
+{
+    std::vector<MaterialX::InputPtr> inputs;
+    // The next one is the last; a stack of its own, since documents may be nested deeply.
+    std::vector<MaterialX::ElementPtr> waiting = {
+        std::const_pointer_cast<MaterialX::Element>(root)};
+    while (!waiting.empty())
+    {
+        const MaterialX::ElementPtr element = std::move(waiting.back());
+        waiting.pop_back();
+        if (namesFile(*element))
+            if (MaterialX::InputPtr input = element->asA<MaterialX::Input>())
+                inputs.push_back(std::move(input));
+        const std::vector<MaterialX::ElementPtr>& children = element->getChildren();
+        waiting.insert(waiting.end(), children.rbegin(), children.rend());
+    }
+    return inputs;
+}
 
 std::string documentToXml(const MaterialX::DocumentPtr& document)
 {

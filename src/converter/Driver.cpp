@@ -1,14 +1,14 @@
 #include "converter/Driver.h"
 
+#include <algorithm>
 #include <filesystem>
 
-#include "assets/Schemas.h"
+#include "assets/Lyrex.h"
 #include "base/Paths.h"
 #include "base/Text.h"
-#include "converter/TextureGathering.h"
-#include "graph/Names.h"
-#include "materials/GenericTranslator.h"
-#include "materials/LyrexTranslator.h"
+#include "graph/Nodes.h"
+#include "materials/Generic.h"
+#include "materials/Lyrex.h"
 
 namespace vyr::MaterialTranslation::converter
 {
@@ -45,9 +45,9 @@ bool isUsable(const std::string& name, const mx::DocumentPtr& document,
     return false;
 }
 
-bool runTranslator(const materials::Translation& translation)
+bool runTranslator(const Translation& translation)
 {
-    if (assets::IsLyrex(translation.asset))
+    if (assets::findLyrexFamily(assets::Asset(translation.asset).schema()))
         return materials::translateLyrex(translation);
     constexpr std::int32_t legacyPath = 1;
     if (translation.options.translationPath == legacyPath)
@@ -64,6 +64,7 @@ bool runTranslator(const materials::Translation& translation)
 bool translate(const assets::IAssetInstance& asset, const std::string& name,
                const mx::DocumentPtr& document, ConverterOptions& options, const Log& log)
 {
+    textures::MaterialFiles::keep(nullptr);
     if (options.outputDirectory.empty())
         options.outputDirectory = base::utf8FromPath(fs::temp_directory_path());
     if (!isUsable(name, document, options, log))
@@ -74,12 +75,29 @@ bool translate(const assets::IAssetInstance& asset, const std::string& name,
         log.error(DiagnosticCode::CloneFailed, "", "the asset cannot be cloned");
         return false;
     }
-    const std::size_t before = document->getChildren().size();
-    std::vector<fs::path> baked;
-    const bool translated = runTranslator({*clone, name, document, options, log, baked});
+    auto files = std::make_unique<textures::MaterialFiles>(options.outputDirectory.str(), name);
+    const BakeSettings bakes = bakeSettings();
+    const Translation translation{*clone, name, document, options, bakes, log, *files};
+    const std::size_t firstChild = document->getChildren().size();
+    const bool translated = runTranslator(translation);
     if (options.copyTextures)
-        gatherTextures({document, before, name, options.outputDirectory.str(), baked, log});
+        gatherTextures(translation, firstChild);
+    if (translated)
+        textures::MaterialFiles::keep(std::move(files));
     return translated;
+}
+
+std::string materialName(const assets::IAssetInstance& instance, bool useIdentifier)
+{
+    const assets::Asset asset(instance);
+    std::string name = asset.displayName();
+    std::erase_if(name, [](char c) { return !base::isAsciiAlphanumeric(c); });
+    if (!useIdentifier && !name.empty())
+        return base::isAsciiDigit(name.front()) ? "M" + name : name;
+
+    std::string identifier = asset.identifier();
+    std::erase_if(identifier, [](char c) { return c != '_' && !base::isAsciiAlphanumeric(c); });
+    return "XID_" + name + "_" + identifier;
 }
 
 } // namespace vyr::MaterialTranslation::converter

@@ -1,13 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
-#include <MaterialXCore/Document.h>
-
-#include <MaterialTranslation/ConverterOptions.h>
-
-#include "assets/AssetView.h"
-#include "assets/Log.h"
+#include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::converter
 {
@@ -18,5 +14,23 @@ namespace vyr::MaterialTranslation::converter
 ///         cannot be used.
 bool translate(const assets::IAssetInstance& asset, const std::string& name,
                const MaterialX::DocumentPtr& document, ConverterOptions& options, const Log& log);
+
+/// Copies every file that a "filename" input of the translation names into the material's folder, and
+/// lets the input name the copy, by its absolute path.
+///
+/// A file is copied once however many inputs name it; it is not copied again while the copy has its
+/// size and is not older. Different files of one name, also if only their case differs, get
+/// different names. A user's file is never moved, a missing one stays as it is in the document.
+/// When nothing can be written, a folder made for it is gone again.
+/// @param firstChild of the document that belongs to the translation: another material's files are not
+///        gathered again.
+/// @throws std::filesystem::filesystem_error "exists", "create_directory", "copy_file", "rename"; the
+///         document keeps the values already rewritten.
+void gatherTextures(const Translation& translation, std::size_t firstChild);
+
+/// The name of an asset's material, a valid MaterialX identifier.
+/// @param useIdentifier whether the asset's identifier is part of it even when the asset's English
+///        name would do.
+std::string materialName(const assets::IAssetInstance& asset, bool useIdentifier);
 
 } // namespace vyr::MaterialTranslation::converter

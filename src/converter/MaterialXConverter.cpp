@@ -5,11 +5,8 @@
 #include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/DocumentIO.h>
 
-#include "assets/Log.h"
-#include "assets/PropertyReaders.h"
-#include "assets/Schemas.h"
+#include "assets/Lyrex.h"
 #include "converter/Driver.h"
-#include "converter/MaterialName.h"
 #include "converter/SharedState.h"
 
 namespace vyr::MaterialTranslation
@@ -52,7 +49,7 @@ template <class Operation> bool reporting(Operation operation)
 /// Registers a clone of the asset unless its name is registered already.
 bool registerAsset(const assets::IAssetInstance& asset, const std::string& name)
 {
-    const Log log = LogSession::log(assets::GetAssetIdentifier(asset));
+    const Log log = LogSession::log(assets::Asset(asset).identifier());
     RegisteredAssets& registered = sharedState().registered;
     if (name.empty())
         log.error(DiagnosticCode::NameEmpty, "", "the asset has neither a name nor an identifier");
@@ -90,11 +87,7 @@ void MaterialXConverter::releaseInstance()
     sharedState().instance.reset();
 }
 
-MaterialXConverter::MaterialXConverter(ConverterOptions& given) : options(given)
-{
-    // The shared state must be made before the first instance, to outlive a static one.
-    sharedState();
-}
+MaterialXConverter::MaterialXConverter(ConverterOptions& given) : options(given) {}
 
 MaterialXConverter::MaterialXConverter(const MaterialXConverter& other) = default;
 
@@ -129,18 +122,22 @@ bool MaterialXConverter::SerializeRegisteredAssetsForConversion(
         LogSession::log().error(DiagnosticCode::NothingRegistered, "", "no asset is registered");
         return false;
     }
-    const std::string name = registered.front().name;
-    const mx::DocumentPtr document = mx::createDocument();
-    bool translated = false;
-    {
-        const FrontRelease release(registered);
-        translated = TranslateToMaterialX(*registered.front().asset, name, document);
-        if (translated)
-            message.Assign(UTF8String(documentToXml(document)));
-    }
-    if (options.writeMtlxFile)
-        writeDocumentFile(document, temporaryDocumentPath(name));
-    return translated;
+    return reporting(
+        [&]
+        {
+            const std::string name = registered.front().name;
+            const mx::DocumentPtr document = mx::createDocument();
+            bool translated = false;
+            {
+                const FrontRelease release(registered);
+                translated = TranslateToMaterialX(*registered.front().asset, name, document);
+                if (translated)
+                    message.Assign(UTF8String(documentToXml(document)));
+            }
+            if (options.writeMtlxFile)
+                writeDocumentFile(document, temporaryDocumentPath(name));
+            return translated;
+        });
 }
 
 bool MaterialXConverter::Destroy()
@@ -163,7 +160,7 @@ bool MaterialXConverter::TranslateToMaterialX(const IAssetInstance& asset,
     return reporting(
         [&]
         {
-            const Log log = LogSession::log(assets::GetAssetIdentifier(asset));
+            const Log log = LogSession::log(assets::Asset(asset).identifier());
             return converter::translate(asset, materialName.str(), document, options, log);
         });
 }
@@ -192,7 +189,7 @@ bool MaterialXConverter::Convert(MaterialInfo& info, IString& result)
 bool MaterialXConverter::IsLyrex(
     const std::unique_ptr<IAssetInstance, kelvor::platform::assets::IAssetInstanceDeleter>& asset)
 {
-    return asset && assets::IsLyrex(*asset);
+    return asset && assets::findLyrexFamily(assets::Asset(*asset).schema());
 }
 
 } // namespace vyr::MaterialTranslation

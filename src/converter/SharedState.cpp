@@ -1,11 +1,35 @@
 #include "converter/SharedState.h"
 
-#include <MaterialTranslation/Diagnostics.h>
+#include <stdexcept>
 
-#include "converter/OverlayEntry.h"
+#include <MaterialTranslation/Diagnostics.h>
 
 namespace vyr::MaterialTranslation::converter
 {
+
+namespace
+{
+
+/// The built-in converter of decal and thread requests.
+bool convertOverlay(const MaterialInfo& info, kelvor::platform::core::string::IString& /*result*/)
+{
+    if (info.type == ConversionType::Decal && !info.payload)
+        throw std::invalid_argument("invalid decal info");
+    if (info.type == ConversionType::Thread && !info.payload)
+        throw std::invalid_argument("invalid thread info");
+    // The graphs of decals and threads are still to be built; until then a request fails rather
+    // than yielding an empty document.
+    LogSession::log().error(DiagnosticCode::NoConverter, "",
+                            "this version builds no decal and thread materials");
+    return false;
+}
+
+/// Made when the library is loaded and destroyed when it is unloaded: before and after everything of a
+/// host that was linked to it, static objects included.
+SharedState state{
+    {}, {{ConversionType::Decal, convertOverlay}, {ConversionType::Thread, convertOverlay}}, {}};
+
+} // namespace
 
 void RegisteredAssets::append(std::string name, assets::AssetHandle asset)
 {
@@ -35,10 +59,6 @@ void RegisteredAssets::clear()
 
 SharedState& sharedState()
 {
-    static SharedState state{
-        {},
-        {{ConversionType::Decal, convertOverlay}, {ConversionType::Thread, convertOverlay}},
-        {}};
     return state;
 }
 

@@ -9,7 +9,7 @@
 
 #include <MaterialTranslation/MaterialXConverter.h>
 
-#include "assets/AssetView.h"
+#include "assets/Asset.h"
 
 namespace vyr::MaterialTranslation::converter
 {
@@ -42,8 +42,8 @@ class RegisteredAssets
     std::unordered_set<std::string_view> _names;
 };
 
-/// What all converter objects of the process share. Members are destroyed from the last to the
-/// first: the instance's destructor still uses the list.
+/// What all converter objects of the process share, from the loading of the library to its unloading.
+/// Members are destroyed from the last to the first: the instance's destructor still uses the list.
 struct SharedState
 {
     RegisteredAssets registered;

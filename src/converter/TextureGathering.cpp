@@ -1,13 +1,14 @@
-#include "converter/TextureGathering.h"
-#include "textures/MaterialFolder.h"
-
 #include <algorithm>
 #include <fstream>
 #include <map>
+#include <vector>
+
+#include <MaterialTranslation/DocumentIO.h>
 
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "base/WriteFile.h"
+#include "converter/Driver.h"
 
 namespace vyr::MaterialTranslation::converter
 {
@@ -23,12 +24,6 @@ enum class Rank
     InPlace,
     Users,
     Baked,
-};
-
-struct Reference
-{
-    mx::InputPtr input;
-    std::string path;
 };
 
 /// One file and its place in the material's folder.
@@ -47,25 +42,6 @@ fs::file_status statusOf(const fs::path& path)
     if (status.type() == fs::file_type::none)
         throw fs::filesystem_error("exists", path, error);
     return status;
-}
-
-bool isSameFile(const fs::path& a, const fs::path& b)
-{
-    std::error_code error;
-    return fs::equivalent(a, b, error) && !error;
-}
-
-void collectReferences(const mx::ElementPtr& root, std::vector<Reference>& references)
-{
-    for (const mx::ElementPtr& element : root->traverseTree())
-    {
-        const mx::NodePtr node = element->asA<mx::Node>();
-        if (!node)
-            continue;
-        for (const mx::InputPtr& input : node->getInputs())
-            if (input->getType() == mx::FILENAME_TYPE_STRING && !input->getValueString().empty())
-                references.push_back({input, input->getValueString()});
-    }
 }
 
 bool haveEqualBytes(const fs::path& a, const fs::path& b)
@@ -88,51 +64,36 @@ bool haveEqualBytes(const fs::path& a, const fs::path& b)
 class Gathering
 {
   public:
-    explicit Gathering(const GatheringRequest& request)
-        : _request(request),
-          _folder(textures::materialFolder(request.outputDirectory, request.name))
+    explicit Gathering(const Translation& translation)
+        : _files(translation.files), _folder(translation.files.folder()), _log(translation.log)
     {
     }
 
-    void run()
+    void run(const mx::Document& document, std::size_t firstChild)
     {
-        const auto& children = _request.document->getChildren();
-        for (std::size_t i = _request.firstChild; i < children.size(); ++i)
-            collectReferences(children[i], _references);
-        for (const Reference& reference : _references)
-            if (std::ranges::find(_paths, reference.path) == _paths.end())
-                _paths.push_back(reference.path);
+        const auto& children = document.getChildren();
+        for (std::size_t i = firstChild; i < children.size(); ++i)
+            for (const mx::InputPtr& input : fileInputs(children[i]))
+                _inputs.push_back(input);
+        for (const mx::InputPtr& input : _inputs)
+            if (std::ranges::find(_paths, input->getValueString()) == _paths.end())
+                _paths.push_back(input->getValueString());
         plan();
-        if (_files.empty())
+        if (_gathered.empty())
             return;
-        const bool isNew = textures::makeMaterialFolder(_folder);
-        try
-        {
-            fill();
-        }
-        catch (...)
-        {
-            std::error_code ignored;
-            if (isNew)
-                fs::remove(_folder, ignored); // refuses when something is in it
-            throw;
-        }
-        for (const Reference& reference : _references)
-            rewrite(reference);
+        _files.makeFolder();
+        // Own files first: they make room for a user's file of the same name.
+        for (const auto& [path, file] : _gathered)
+            if (file.baked)
+                move(file);
+        for (const auto& [path, file] : _gathered)
+            if (!file.baked)
+                copy(file);
+        for (const mx::InputPtr& input : _inputs)
+            rewrite(*input);
     }
 
   private:
-    void fill() const
-    {
-        // Own files first: they make room for a user's file of the same name.
-        for (const auto& [path, file] : _files)
-            if (file.baked)
-                move(file);
-        for (const auto& [path, file] : _files)
-            if (!file.baked)
-                copy(file);
-    }
-
     /// Gives each file a place: first the users' files that are in the folder already and must not
     /// be overwritten, then the other users' files, last the converter's own, which can be moved.
     void plan()
@@ -147,15 +108,11 @@ class Gathering
     {
         if (isBaked(path))
             return Rank::Baked;
-        return isSameFile(base::pathFromUtf8(path).parent_path(), _folder) ? Rank::InPlace
-                                                                           : Rank::Users;
+        return base::isSameFile(base::pathFromUtf8(path).parent_path(), _folder) ? Rank::InPlace
+                                                                                 : Rank::Users;
     }
 
-    bool isBaked(const std::string& path) const
-    {
-        return std::ranges::any_of(_request.baked, [&](const fs::path& baked)
-                                   { return baked == base::pathFromUtf8(path); });
-    }
+    bool isBaked(const std::string& path) const { return _files.isOwn(base::pathFromUtf8(path)); }
 
     void planFile(const std::string& path, bool baked)
     {
@@ -166,29 +123,29 @@ class Gathering
         const std::string_view name = base::lastComponent(path);
         if (base::isUnsafeName(name))
         {
-            _request.log.warning(DiagnosticCode::TextureNameRefused, "",
-                                 "not gathered, for its name: " + base::xmlText(path));
+            _log.warning(DiagnosticCode::TextureNameRefused, "",
+                         "not gathered, for its name: " + base::xmlText(path));
             return;
         }
         if (!fs::is_regular_file(status))
         {
-            _request.log.warning(DiagnosticCode::TextureNotGathered, "",
-                                 "not gathered, it is no ordinary file: " + path);
+            _log.warning(DiagnosticCode::TextureNotGathered, "",
+                         "not gathered, it is no ordinary file: " + path);
             return;
         }
         if (const auto* same = findSame(source))
-            _files[path] = *same;
+            _gathered[path] = *same;
         else
-            _files[path] = {path, place(std::string(name), path, baked), baked};
+            _gathered[path] = {path, place(std::string(name), path, baked), baked};
     }
 
     /// A file that was planned under another spelling of its path.
     const GatheredFile* findSame(const fs::path& source) const
     {
-        const auto file =
-            std::ranges::find_if(_files, [&](const auto& entry)
-                                 { return isSameFile(base::pathFromUtf8(entry.first), source); });
-        return file == _files.end() ? nullptr : &file->second;
+        const auto file = std::ranges::find_if(
+            _gathered, [&](const auto& entry)
+            { return base::isSameFile(base::pathFromUtf8(entry.first), source); });
+        return file == _gathered.end() ? nullptr : &file->second;
     }
 
     fs::path place(const std::string& name, const std::string& path, bool baked)
@@ -199,8 +156,8 @@ class Gathering
             _names.take(base::portableName(name), [&](const std::string& candidate)
                         { return !isOccupied(destination(candidate), path, baked); });
         if (taken != name && !baked)
-            _request.log.warning(DiagnosticCode::TextureRenamed, "",
-                                 "gathered under the name " + taken + ": " + path);
+            _log.warning(DiagnosticCode::TextureRenamed, "",
+                         "gathered under the name " + taken + ": " + path);
         return destination(taken);
     }
 
@@ -210,17 +167,18 @@ class Gathering
         std::error_code error;
         if (fs::is_directory(fs::symlink_status(destination, error)))
             return true;
-        if (isSameFile(destination, base::pathFromUtf8(path)))
+        if (base::isSameFile(destination, base::pathFromUtf8(path)))
             return false;
         return std::ranges::any_of(_paths,
                                    [&](const std::string& other)
                                    {
                                        return (baked || !isBaked(other)) &&
-                                              isSameFile(destination, base::pathFromUtf8(other));
+                                              base::isSameFile(destination,
+                                                               base::pathFromUtf8(other));
                                    });
     }
 
-    static void move(const GatheredFile& file)
+    void move(const GatheredFile& file)
     {
         const fs::path source = base::pathFromUtf8(file.source);
         if (source == file.destination)
@@ -229,6 +187,7 @@ class Gathering
         fs::rename(source, file.destination, error);
         if (error)
             throw fs::filesystem_error("rename", source, file.destination, error);
+        _files.rename(source, file.destination);
     }
 
     static void copy(const GatheredFile& file)
@@ -248,7 +207,7 @@ class Gathering
         const fs::file_status status = fs::symlink_status(destination, error);
         if (!fs::is_regular_file(status))
             return false;
-        if (isSameFile(source, destination))
+        if (base::isSameFile(source, destination))
             return true;
         if (fs::file_size(source, error) != fs::file_size(destination, error) || error)
             return false;
@@ -259,29 +218,28 @@ class Gathering
                           (sourceTime == destinationTime && haveEqualBytes(source, destination)));
     }
 
-    void rewrite(const Reference& reference) const
+    void rewrite(mx::Input& input) const
     {
-        const auto file = _files.find(reference.path);
-        if (file == _files.end() || !fs::exists(statusOf(file->second.destination)))
-            return;
-        const std::u8string text = file->second.destination.generic_u8string();
-        reference.input->setValueString({text.begin(), text.end()});
+        const auto file = _gathered.find(input.getValueString());
+        if (file != _gathered.end() && fs::exists(statusOf(file->second.destination)))
+            input.setValueString(base::genericUtf8FromPath(file->second.destination));
     }
 
-    const GatheringRequest& _request;
-    fs::path _folder;
-    std::vector<Reference> _references;
+    textures::MaterialFiles& _files;
+    const fs::path& _folder;
+    const Log& _log;
+    std::vector<mx::InputPtr> _inputs;
     /// Each path that is referred to, once, in the document's order.
     std::vector<std::string> _paths;
     base::UniqueNames _names;
-    std::map<std::string, GatheredFile> _files;
+    std::map<std::string, GatheredFile> _gathered;
 };
 
 } // namespace
 
-void gatherTextures(const GatheringRequest& request)
+void gatherTextures(const Translation& translation, std::size_t firstChild)
 {
-    Gathering(request).run();
+    Gathering(translation).run(*translation.document, firstChild);
 }
 
 } // namespace vyr::MaterialTranslation::converter

@@ -8,7 +8,12 @@
 #include <MaterialXFormat/Util.h>
 
 #include "base/Paths.h"
-#include "definitions/Folders.h"
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
 
 namespace vyr::MaterialTranslation::definitions
 {
@@ -18,6 +23,84 @@ namespace mx = MaterialX;
 
 namespace
 {
+
+/// The file of the library or program that a function is in; empty when the system cannot tell.
+fs::path moduleFile(const void* function)
+{
+#if defined(_WIN32)
+    HMODULE module = nullptr;
+    constexpr DWORD flags =
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    if (!GetModuleHandleExW(flags, static_cast<LPCWSTR>(function), &module))
+        return {};
+    std::wstring name(32768, L'\0');
+    name.resize(GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size())));
+    return name;
+#else
+    Dl_info info{};
+    if (dladdr(function, &info) == 0 || !info.dli_fname)
+        return {};
+    // A program that was found on the search path is known by its bare name.
+    const fs::path named(info.dli_fname);
+    std::error_code error;
+    if (named.has_parent_path())
+        return fs::absolute(named, error);
+    return fs::read_symlink("/proc/self/exe", error);
+#endif
+}
+
+template <class Function> fs::path folderOf(Function* function)
+{
+    const fs::path file = moduleFile(reinterpret_cast<const void*>(function));
+    std::error_code error;
+    const fs::path real = fs::canonical(file, error);
+    return error ? fs::path() : real.parent_path();
+}
+
+bool isFolder(const fs::path& path)
+{
+    std::error_code error;
+    return fs::is_directory(path, error);
+}
+
+fs::path expectedStandard()
+{
+    const fs::path materialX = folderOf(&MaterialX::getVersionString);
+    return materialX.empty() ? fs::path()
+                             : (materialX / VYR_STANDARD_FROM_MATERIALX).lexically_normal();
+}
+
+/// Installed trees have their libraries at different depths below the prefix.
+fs::path expectedKvor()
+{
+    fs::path folder = folderOf(&definitionsOf);
+    for (fs::path below; folder != below; below = folder, folder = folder.parent_path())
+    {
+        const fs::path candidate = folder / VYR_KVOR_FROM_PREFIX;
+        if (isFolder(candidate))
+            return candidate;
+    }
+    return {};
+}
+
+fs::path choose(const fs::path& chosen, fs::path (*expected)(), const char* what)
+{
+    if (!chosen.empty())
+        return fs::absolute(chosen);
+    fs::path folder = expected();
+    if (folder.empty() || !isFolder(folder))
+        throw std::runtime_error(std::string(what) + " are not where they are expected" +
+                                 (folder.empty() ? "" : " (" + base::utf8FromPath(folder) + ")") +
+                                 "; setDefinitionFolders says where they are");
+    return folder;
+}
+
+/// The folders, with every empty one replaced by the one where it is expected.
+DefinitionFolders found(const DefinitionFolders& chosen)
+{
+    return {choose(chosen.standard, expectedStandard, "MaterialX's standard definitions"),
+            choose(chosen.kvor, expectedKvor, "the definitions of the kvor nodes")};
+}
 
 /// In an order that does not depend on the file system.
 std::vector<fs::path> definitionFiles(const fs::path& folder)
@@ -63,7 +146,7 @@ void forgetSource(const mx::DocumentPtr& document)
 std::vector<std::string> colorSpacesOf(const mx::Document& library)
 {
     std::vector<std::string> names = {"none", "lin_rec709"};
-    const std::string suffix = toLinear;
+    const std::string suffix = toLinearSuffix;
     for (const mx::NodeDefPtr& definition : library.getNodeDefs())
     {
         const std::string& node = definition->getNodeString();
@@ -120,7 +203,7 @@ std::shared_ptr<const Definitions> definitionsOf(DefinitionSet set)
     const std::lock_guard lock(state.mutex);
     auto& definitions = state.sets.at(static_cast<std::size_t>(set));
     if (!definitions)
-        definitions = read(completed(state.chosen), set);
+        definitions = read(found(state.chosen), set);
     return definitions;
 }
 
@@ -141,7 +224,7 @@ DefinitionFolders definitionFolders()
 {
     definitions::Shared& state = definitions::shared();
     const std::lock_guard lock(state.mutex);
-    return definitions::completed(state.chosen);
+    return definitions::found(state.chosen);
 }
 
 MaterialX::ConstDocumentPtr definitionLibrary(DefinitionSet set)

@@ -17,8 +17,8 @@ inline constexpr const char* kvorNamespace = "kvor";
 /// How the category of a node of that namespace begins.
 inline constexpr const char* kvorPrefix = "kvor:";
 
-/// What a node behind an image is called that transforms its colour space to the linear one.
-inline constexpr const char* toLinear = "_to_lin_rec709";
+/// What follows a colour space's name in the category of the node that makes its colours linear.
+inline constexpr const char* toLinearSuffix = "_to_lin_rec709";
 
 /// A set of definitions, and what is asked of it for every element of every document.
 struct Definitions

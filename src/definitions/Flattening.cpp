@@ -3,10 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "graph/Inputs.h"
-#include "graph/Names.h"
 #include "graph/Nodes.h"
-#include "graph/Rewriting.h"
 
 namespace vyr::MaterialTranslation::definitions
 {
@@ -42,17 +39,17 @@ void transformBehind(const mx::GraphElementPtr& graph, const mx::NodePtr& bitmap
                      const mx::InputPtr& file, const Definitions& definitions)
 {
     const std::string space = file->getActiveColorSpace();
-    const std::string category = space + toLinear;
+    const std::string category = space + toLinearSuffix;
     if (definitions.categories.count(category) == 0 ||
         !(isAltered(bitmap, "invert", "false") || isAltered(bitmap, "rgbamount", "1")))
         return;
     const std::vector<mx::PortElementPtr> readers = bitmap->getDownstreamPorts();
-    const mx::NodePtr transform = graph::addNode(
-        graph, category, graph::freeName(graph, bitmap->getName() + "_linear"), bitmap->getType());
+    const mx::NodePtr transform = graph->addNode(
+        category, graph::freeName(graph, bitmap->getName() + "_linear"), bitmap->getType());
     graph->setChildIndex(transform->getName(), graph->getChildIndex(bitmap->getName()) + 1);
     for (const mx::PortElementPtr& reader : readers)
         reader->setNodeName(transform->getName());
-    graph::connectInput(graph::addInput(transform, "in", bitmap->getType()), bitmap);
+    transform->addInput("in", bitmap->getType())->setNodeName(bitmap->getName());
     file->setColorSpace("none");
 }
 
@@ -76,7 +73,9 @@ void flattenNode(const mx::GraphElementPtr& graph, const mx::NodePtr& node,
 {
     const std::string name = node->getName();
     // It follows the node to what replaces it.
-    const mx::OutputPtr mark = graph::addMark(graph, node);
+    const mx::OutputPtr mark =
+        graph->addOutput(graph::freeName(graph, name + "_mark"), node->getType());
+    mark->setConnectedNode(node);
     graph->flattenSubgraphs(
         mx::EMPTY_STRING, [&](const mx::NodePtr& candidate)
         { return isKvor(candidate) && others.count(candidate->getName()) == 0; });

@@ -1,14 +1,14 @@
 #include "definitions/ReadDocument.h"
 
-#include <algorithm>
-#include <charconv>
 #include <fstream>
 #include <iterator>
 #include <string_view>
 
 #include <MaterialXFormat/XmlIo.h>
+#include <fmt/format.h>
 
 #include "base/Paths.h"
+#include "base/Text.h"
 
 namespace vyr::MaterialTranslation::definitions
 {
@@ -36,12 +36,8 @@ std::string contentOf(const fs::path& file)
 
 std::string lineAndColumn(std::string_view content, std::size_t offset)
 {
-    const std::string_view before = content.substr(0, offset);
-    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
-    const std::size_t lineEnd = before.rfind('\n');
-    const std::size_t column =
-        before.size() - (lineEnd == std::string_view::npos ? 0 : lineEnd + 1) + 1;
-    return "line " + std::to_string(line) + ", column " + std::to_string(column);
+    const auto [line, column] = base::lineColumnOf(content, offset);
+    return fmt::format("line {}, column {}", line, column);
 }
 
 /// MaterialX says "XML parse error (<reason> at character <offset>)".
@@ -50,13 +46,13 @@ std::string parseFailure(std::string_view text, std::string_view content)
     constexpr std::string_view opening = "XML parse error (";
     constexpr std::string_view marker = " at character ";
     const std::size_t at = text.rfind(marker);
-    std::size_t offset = 0;
-    if (text.substr(0, opening.size()) != opening || at == std::string_view::npos)
+    if (!text.starts_with(opening) || at == text.npos)
         return std::string(text);
-    const std::string_view number = text.substr(at + marker.size());
-    std::from_chars(number.data(), number.data() + number.size(), offset);
-    return lineAndColumn(content, std::min(offset, content.size())) + ": " +
-           std::string(text.substr(opening.size(), at - opening.size()));
+    const std::size_t number = at + marker.size();
+    const auto offset =
+        base::numberFromText<std::size_t>(text.substr(number, text.rfind(')') - number));
+    return fmt::format("{}: {}", lineAndColumn(content, offset.value_or(0)),
+                       text.substr(opening.size(), at - opening.size()));
 }
 
 } // namespace

@@ -1,9 +1,10 @@
-#include "definitions/RuleMessages.h"
+#include "definitions/Checks.h"
 
 #include <algorithm>
 #include <iterator>
-#include <optional>
 #include <string_view>
+
+#include <fmt/ranges.h>
 
 namespace vyr::MaterialTranslation::definitions
 {
@@ -13,75 +14,63 @@ namespace mx = MaterialX;
 namespace
 {
 
-std::string quoted(const std::string& text)
-{
-    return '"' + text + '"';
-}
-
-std::string joined(const std::vector<std::string>& texts)
-{
-    std::string all;
-    for (const std::string& text : texts)
-        all += (all.empty() ? "" : ", ") + text;
-    return all;
-}
-
-using Description = std::optional<std::string>;
-
-Description undefinedType(const mx::Element& element)
+std::string undefinedType(const mx::Element& element)
 {
     std::vector<std::string> types;
     for (const mx::NodeDefPtr& definition :
          element.getDocument()->getMatchingNodeDefs(element.getCategory()))
         if (std::ranges::find(types, definition->getType()) == types.end())
             types.push_back(definition->getType());
-    return "no definition of " + quoted(element.getCategory()) + " is of type " +
-           quoted(element.asA<mx::TypedElement>()->getType()) + "; there are " + joined(types);
+    return fmt::format("no definition of \"{}\" is of type \"{}\"; there are {}",
+                       element.getCategory(), element.asA<mx::TypedElement>()->getType(),
+                       fmt::join(types, ", "));
 }
 
-Description unboundInput(const mx::Element&)
+std::string unboundInput(const mx::Element&)
 {
     return "the input has neither a value nor a connection";
 }
 
-Description wrongValue(const mx::Element& element)
+std::string wrongValue(const mx::Element& element)
 {
     const auto value = element.asA<mx::ValueElement>();
-    return quoted(value->getValueString()) + " is no value of type " + quoted(value->getType());
+    return fmt::format("\"{}\" is no value of type \"{}\"", value->getValueString(),
+                       value->getType());
 }
 
-Description unknownUnitType(const mx::Element& element)
+std::string unknownUnitType(const mx::Element& element)
 {
-    return "unknown unit type " + quoted(element.asA<mx::ValueElement>()->getUnitType());
+    return "unknown unit type \"" + element.asA<mx::ValueElement>()->getUnitType() + '"';
 }
 
-/// Nothing when the unit type is unknown, which has a message of its own.
-Description unknownUnit(const mx::Element& element)
+/// Empty when the unit type is unknown, which has a message of its own.
+std::string unknownUnit(const mx::Element& element)
 {
     const auto value = element.asA<mx::ValueElement>();
     const std::string& type = value->getUnitType();
     if (type.empty())
-        return "the unit " + quoted(value->getUnit()) + " has no unit type";
+        return "the unit \"" + value->getUnit() + "\" has no unit type";
     const mx::UnitTypeDefPtr definition = element.getDocument()->getUnitTypeDef(type);
     if (!definition)
-        return std::nullopt;
+        return {};
     std::vector<std::string> names;
     for (const mx::UnitDefPtr& units : definition->getUnitDefs())
         for (const mx::UnitPtr& unit : units->getUnits())
             names.push_back(unit->getName());
-    return "no unit " + quoted(value->getUnit()) + " of type " + quoted(type) + "; there are " +
-           joined(names);
+    return fmt::format("no unit \"{}\" of type \"{}\"; there are {}", value->getUnit(), type,
+                       fmt::join(names, ", "));
 }
 
-/// Rules that say more to a reader when they are told in terms of the element.
-struct Retold
+/// A rule that says more to a reader in terms of the element.
+struct RuleWording
 {
     std::string_view rule;
     ValidationCode code;
-    Description (*describe)(const mx::Element&);
+    /// Empty for nothing to say.
+    std::string (*describe)(const mx::Element&);
 };
 
-constexpr Retold retold[] = {
+constexpr RuleWording wordings[] = {
     {"Node interface doesn't support this output type", ValidationCode::NodeUndefined,
      undefinedType},
     {"Node input binds no value or connection", ValidationCode::InputUnbound, unboundInput},
@@ -91,21 +80,18 @@ constexpr Retold retold[] = {
     {"Invalid value", ValidationCode::ValueInvalid, wrongValue},
 };
 
-void add(const mx::ElementPtr& element, const std::string& rule,
-         std::vector<ValidationMessage>& messages)
+void reportRule(const mx::Element& element, const std::string& rule, Checks& checks)
 {
-    const auto* known =
-        std::ranges::find_if(retold, [&](const Retold& r) { return r.rule == rule; });
-    const std::string path = element->getNamePath();
-    if (known == std::end(retold))
-        messages.push_back({path, ValidationCode::Rule, rule});
-    else if (const Description text = known->describe(*element))
-        messages.push_back({path, known->code, *text});
+    const auto* known = std::ranges::find(wordings, rule, &RuleWording::rule);
+    if (known == std::end(wordings))
+        checks.report(element, ValidationCode::Rule, rule);
+    else if (std::string text = known->describe(element); !text.empty())
+        checks.report(element, known->code, std::move(text));
 }
 
 } // namespace
 
-void addRuleMessages(const mx::ElementPtr& element, std::vector<ValidationMessage>& messages)
+void checkRules(const mx::ElementPtr& element, Checks& checks)
 {
     std::string report;
     if (element->validate(&report))
@@ -116,7 +102,7 @@ void addRuleMessages(const mx::ElementPtr& element, std::vector<ValidationMessag
     {
         const std::size_t before = at == 0 ? std::string::npos : report.rfind('\n', at - 1);
         const std::size_t begin = before == std::string::npos ? 0 : before + 1;
-        add(element, report.substr(begin, at - begin), messages);
+        reportRule(*element, report.substr(begin, at - begin), checks);
     }
 }
 

@@ -1,26 +1,69 @@
 #include "graph/Nodes.h"
 
-#include "graph/Names.h"
+#include <algorithm>
+
+#include "assets/ColorSpaces.h"
+#include "base/Text.h"
+#include "graph/Values.h"
 
 namespace vyr::MaterialTranslation::graph
 {
 
 namespace mx = MaterialX;
 
-mx::NodePtr addNode(const mx::GraphElementPtr& graph, const std::string& category,
-                    const std::string& name, const std::string& type)
+namespace
 {
-    return graph->addNode(category, name, type);
+
+const std::string& typeOf(const mx::TypedElementPtr& source)
+{
+    return source ? source->getType() : typeStringOf<float>();
 }
 
-std::string outputName(const std::string& node)
+mx::Vector2 toVector(const std::array<float, 2>& pair)
 {
-    return node + "_output";
+    return {pair[0], pair[1]};
 }
 
-mx::OutputPtr addNodeOutput(const mx::NodeGraphPtr& graph, const mx::NodePtr& node)
+mx::NodePtr addPlaced(const mx::GraphElementPtr& graph, const std::string& category,
+                      const std::string& name, const TextureInfo& texture, const std::string& type,
+                      const char* colorSpace, bool repeats)
 {
-    return addOutput(graph, outputName(node->getName()), node, node->getType());
+    mx::NodePtr node = graph->addNode(category, name, type);
+    const base::Unit unit{base::lengthUnitName(texture.unit), base::distanceUnitType};
+    const auto addPair = [&](const char* input, const std::array<float, 2>& pair)
+    { return addTypedInput(node, input, toVector(pair)); };
+    addFileInput(node, texture.path.str(), colorSpace);
+    setInputUnit(addPair("realworld_offset", texture.realWorldOffset), unit);
+    setInputUnit(addPair("realworld_scale", texture.realWorldScale), unit);
+    addPair("uv_offset", texture.uvOffset);
+    addPair("uv_scale", texture.uvScale);
+    addTypedInput(node, "rotation_angle", texture.rotation);
+    setAddressModes(node, repeats, repeats);
+    return node;
+}
+
+} // namespace
+
+bool isIdentifier(std::string_view name)
+{
+    return !name.empty() && !base::isAsciiDigit(name.front()) &&
+           std::ranges::all_of(name,
+                               [](char c) { return c == '_' || base::isAsciiAlphanumeric(c); });
+}
+
+std::string freeName(const std::string& name,
+                     const std::function<bool(const std::string&)>& isTaken)
+{
+    std::string candidate = name;
+    for (int number = 2; isTaken(candidate); ++number)
+        candidate = name + std::to_string(number);
+    return candidate;
+}
+
+std::string freeName(const mx::ConstElementPtr& parent, const std::string& name)
+{
+    return freeName(name, [&](const std::string& candidate)
+                    { return parent->getChild(candidate) != nullptr; });
 }
 
 mx::OutputPtr addOutput(const mx::NodeGraphPtr& graph, const std::string& name,
@@ -31,28 +74,84 @@ mx::OutputPtr addOutput(const mx::NodeGraphPtr& graph, const std::string& name,
     return output;
 }
 
-mx::NodeGraphPtr addNodeGraph(const mx::DocumentPtr& document, const std::string& name)
+mx::OutputPtr addNodeOutput(const mx::NodeGraphPtr& graph, const mx::NodePtr& node)
 {
-    return document->addNodeGraph(name);
+    return addOutput(graph, node->getName() + "_output", node, node->getType());
 }
 
-mx::NodePtr addSurfaceMaterial(const mx::DocumentPtr& document, const std::string& name,
-                               const mx::NodePtr& shader)
+mx::InputPtr addSourceInput(const mx::NodePtr& node, const std::string& name,
+                            const mx::TypedElementPtr& source, const std::string& type)
 {
-    return document->addMaterialNode(name, shader);
+    mx::InputPtr input = node->addInput(name, type);
+    connectInput(input, source);
+    return input;
 }
 
-void assignInDefaultLook(const mx::DocumentPtr& document, const std::string& material)
+mx::NodePtr addConstantFloat(const mx::GraphElementPtr& graph, const std::string& name, float value)
 {
-    mx::LookPtr look = document->getLook(defaultLookName);
-    const bool first = !look;
-    if (first)
-        look = document->addLook(defaultLookName);
-    constexpr const char* everything = "*";
-    const std::string name = first ? "material_assign_default" : "material_assign_" + material;
-    const mx::MaterialAssignPtr assignment =
-        look->addMaterialAssign(freeName(look, name), material);
-    assignment->setGeom(everything);
+    mx::NodePtr node = graph->addNode("constant", name, typeStringOf<float>());
+    addTypedInput(node, "value", value);
+    return node;
+}
+
+mx::NodePtr addExtract(const mx::GraphElementPtr& graph, const std::string& name,
+                       const mx::TypedElementPtr& source, int index)
+{
+    mx::NodePtr node = graph->addNode("extract", name, typeStringOf<float>());
+    addSourceInput(node, "in", source, typeOf(source));
+    addTypedInput(node, "index", index);
+    return node;
+}
+
+mx::NodePtr addSwitch(const mx::GraphElementPtr& graph, const std::string& name,
+                      const mx::TypedElementPtr& first, const mx::TypedElementPtr& second,
+                      int selector)
+{
+    mx::NodePtr node = addBinary(graph, "switch", name, first, second);
+    addTypedInput(node, "which", selector);
+    return node;
+}
+
+mx::NodePtr addBinary(const mx::GraphElementPtr& graph, const std::string& category,
+                      const std::string& name, const mx::TypedElementPtr& first,
+                      const mx::TypedElementPtr& second)
+{
+    mx::NodePtr node = graph->addNode(category, name, typeOf(first));
+    addSourceInput(node, "in1", first, typeOf(first));
+    addSourceInput(node, "in2", second, typeOf(first));
+    return node;
+}
+
+mx::NodePtr addMix(const mx::GraphElementPtr& graph, const std::string& name,
+                   const mx::TypedElementPtr& foreground, const mx::TypedElementPtr& background,
+                   float factor)
+{
+    mx::NodePtr node = graph->addNode("mix", name, typeOf(foreground));
+    addSourceInput(node, "fg", foreground, typeOf(foreground));
+    addSourceInput(node, "bg", background, typeOf(foreground));
+    addTypedInput(node, "mix", factor);
+    return node;
+}
+
+mx::NodePtr addPlacedTextureNode(const mx::GraphElementPtr& graph, const std::string& name,
+                                 const TextureInfo& texture, const std::string& type)
+{
+    return addPlaced(graph, "kvor:bitmap", name, texture, type, assets::srgbTexture, false);
+}
+
+mx::NodePtr addPlacedTextureNode(const mx::GraphElementPtr& graph, const std::string& category,
+                                 const std::string& name, const TextureInfo& texture,
+                                 const std::string& type, bool linear)
+{
+    return addPlaced(graph, category, name, texture, type,
+                     linear ? assets::linearRec709 : assets::srgbTexture, true);
+}
+
+void setAddressModes(const mx::NodePtr& node, bool repeatU, bool repeatV)
+{
+    const auto mode = [](bool repeats) { return std::string(repeats ? "periodic" : "clamp"); };
+    addTypedInput(node, "uaddressmode", mode(repeatU));
+    addTypedInput(node, "vaddressmode", mode(repeatV));
 }
 
 } // namespace vyr::MaterialTranslation::graph

@@ -1,35 +1,81 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <string_view>
 
 #include <MaterialXCore/Document.h>
 
+#include <MaterialTranslation/TextureInfo.h>
+
+/// @file
+/// Names of elements, and the nodes that graphs use again and again. A source is a sibling node or a
+/// published input of the graph; with a null source the input is there, but unconnected.
 namespace vyr::MaterialTranslation::graph
 {
 
-/// Adds a node. The name must be free in the graph (see Names.h).
-MaterialX::NodePtr addNode(const MaterialX::GraphElementPtr& graph, const std::string& category,
-                           const std::string& name, const std::string& type);
+/// Whether a text can be the base of element names: ASCII letters, digits and "_", not empty, and
+/// no digit first. MaterialX's own check lets empty names and leading digits through.
+bool isIdentifier(std::string_view name);
 
-/// Name of the graph output of a texture's node.
-std::string outputName(const std::string& node);
-
-/// Adds an output to a node graph, named after a node (outputName), connected to it and of its type.
-MaterialX::OutputPtr addNodeOutput(const MaterialX::NodeGraphPtr& graph,
-                                   const MaterialX::NodePtr& node);
+/// `name`, or `name` with the smallest number from 2 behind it that is not taken.
+std::string freeName(const std::string& name,
+                     const std::function<bool(const std::string&)>& isTaken);
+/// The same, free in `parent`.
+std::string freeName(const MaterialX::ConstElementPtr& parent, const std::string& name);
 
 /// Adds an output of a name and type to a node graph and connects it to a node.
 MaterialX::OutputPtr addOutput(const MaterialX::NodeGraphPtr& graph, const std::string& name,
                                const MaterialX::NodePtr& node, const std::string& type);
 
-MaterialX::NodeGraphPtr addNodeGraph(const MaterialX::DocumentPtr& document,
-                                     const std::string& name);
+/// The same, named after the node ("<node>_output") and of its type.
+MaterialX::OutputPtr addNodeOutput(const MaterialX::NodeGraphPtr& graph,
+                                   const MaterialX::NodePtr& node);
 
-/// Adds the surface material node that uses a shader node.
-MaterialX::NodePtr addSurfaceMaterial(const MaterialX::DocumentPtr& document,
-                                      const std::string& name, const MaterialX::NodePtr& shader);
+/// Adds an input of a type and connects it to a source.
+MaterialX::InputPtr addSourceInput(const MaterialX::NodePtr& node, const std::string& name,
+                                   const MaterialX::TypedElementPtr& source,
+                                   const std::string& type);
 
-/// Assigns a material to all geometry in the look "default", which is added when it is missing.
-void assignInDefaultLook(const MaterialX::DocumentPtr& document, const std::string& material);
+/// A "constant" node of type "float".
+MaterialX::NodePtr addConstantFloat(const MaterialX::GraphElementPtr& graph,
+                                    const std::string& name, float value);
+
+/// An "extract" node: channel `index` of the source.
+MaterialX::NodePtr addExtract(const MaterialX::GraphElementPtr& graph, const std::string& name,
+                              const MaterialX::TypedElementPtr& source, int index);
+
+/// A "switch" node between two sources, of the type of the first.
+MaterialX::NodePtr addSwitch(const MaterialX::GraphElementPtr& graph, const std::string& name,
+                             const MaterialX::TypedElementPtr& first,
+                             const MaterialX::TypedElementPtr& second, int selector);
+
+/// A node with the inputs "in1" and "in2", such as "multiply", of the type of the first source.
+MaterialX::NodePtr addBinary(const MaterialX::GraphElementPtr& graph, const std::string& category,
+                             const std::string& name, const MaterialX::TypedElementPtr& first,
+                             const MaterialX::TypedElementPtr& second);
+
+/// A "mix" node of the type of the foreground: foreground x factor + background x (1 - factor).
+MaterialX::NodePtr addMix(const MaterialX::GraphElementPtr& graph, const std::string& name,
+                          const MaterialX::TypedElementPtr& foreground,
+                          const MaterialX::TypedElementPtr& background, float factor);
+
+/// Adds a "kvor:bitmap" node for a decal: the image, sRGB, placed as the record says, and never
+/// repeated.
+/// @param type MaterialX's name of the node's output type.
+MaterialX::NodePtr addPlacedTextureNode(const MaterialX::GraphElementPtr& graph,
+                                        const std::string& name, const TextureInfo& texture,
+                                        const std::string& type);
+
+/// Adds a texture node of a category for a thread: the image placed as the record says, and always
+/// repeated.
+/// @param linear whether the image holds data instead of sRGB colours.
+MaterialX::NodePtr addPlacedTextureNode(const MaterialX::GraphElementPtr& graph,
+                                        const std::string& category, const std::string& name,
+                                        const TextureInfo& texture, const std::string& type,
+                                        bool linear);
+
+/// Adds "uaddressmode" and "vaddressmode": "periodic" where the image repeats, else "clamp".
+void setAddressModes(const MaterialX::NodePtr& node, bool repeatU, bool repeatV);
 
 } // namespace vyr::MaterialTranslation::graph

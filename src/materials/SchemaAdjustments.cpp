@@ -1,13 +1,10 @@
-#include "materials/SchemaAdjustments.h"
-
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <string_view>
 
-#include "assets/PropertyReaders.h"
 #include "assets/Schemas.h"
-#include "materials/ColorPass.h"
+#include "materials/Generic.h"
 
 namespace vyr::MaterialTranslation::materials
 {
@@ -16,14 +13,6 @@ namespace
 {
 
 using Color = StandardSurfaceParams::Color;
-
-/// What an adjustment reads, and where it reports.
-struct Sources
-{
-    const assets::AssetView& own;
-    std::int32_t colorMode;
-    const Log& log;
-};
 
 /// The metal that the choice "metal_type" names, by a word in the choice's name.
 struct FlakeRow
@@ -42,45 +31,43 @@ const FlakeRow flakes[] = {
 
 /// Flakes of a metal under a clear coat: the flakes mirror in their colour, the lacquer above them
 /// is smooth.
-void adjustMetallicPaint(GenericMaterial& material, const Sources& from)
+void adjustMetallicPaint(StandardSurfaceParams& params, const ColorReader& own)
 {
     constexpr const char* property = "metal_type";
-    StandardSurfaceParams& params = material.params;
     params.specular = 1.0f;
     params.coat = 1.0f;
-    const std::string metal = assets::GetFirstChoiceOr(from.own, property, "");
+    const std::string metal = own.asset[property].choice("");
     if (metal.empty())
         return;
     const auto* flake = std::ranges::find_if(flakes, [&](const FlakeRow& row)
                                              { return metal.find(row.word) != std::string::npos; });
     if (flake == std::end(flakes))
     {
-        from.log.warning(DiagnosticCode::ChoiceUnknown, property,
-                         "\"" + metal +
-                             "\" is no metal that is known; the paint keeps its own colour");
+        own.log.warning(DiagnosticCode::ChoiceUnknown, property,
+                        "\"" + metal +
+                            "\" is no metal that is known; the paint keeps its own colour");
         return;
     }
-    params.base_color = encodeLinear(flake->color, from.colorMode);
+    params.base_color = encodeLinear(flake->color, own.colorMode);
     params.metalness = 1.0f;
 }
 
 /// Glass through and through: its colour is that of the light that passes, and its reflectance at
 /// normal incidence R is an index of refraction of (1 + sqrt R) / (1 - sqrt R), Fresnel's formula
 /// for a surface in air.
-void adjustSolidGlass(GenericMaterial& material, const Sources& from)
+void adjustSolidGlass(StandardSurfaceParams& params, const ColorReader& own)
 {
     constexpr const char* property = "glazing_reflectance";
-    StandardSurfaceParams& params = material.params;
     params.transmission_color = params.base_color;
     params.specular = 1.0f;
-    if (!assets::HasPropertyValue(from.own, property))
+    if (!own.asset[property].hasValue())
         return;
     constexpr float highest = 0.9f; // an index of 38; a perfect mirror has none
-    const float reflectance = assets::GetFloatProperty(from.own, property);
+    const float reflectance = own.asset[property].number();
     const float used = std::clamp(reflectance, 0.0f, highest);
     if (used != reflectance)
-        from.log.warning(DiagnosticCode::ValueAdjusted, property,
-                         "taken as the nearest of 0 to 0.9");
+        own.log.warning(DiagnosticCode::ValueAdjusted, property,
+                        "taken as the nearest of 0 to 0.9");
     const float root = std::sqrt(used);
     params.specular_IOR = (1.0f + root) / (1.0f - root);
 }
@@ -99,30 +86,29 @@ const WaterRow waters[] = {
     {"water_reflecting_pool", {0.001f, 0.002f, 0.002f}, {0.238f, 0.356f, 0.369f}},
 };
 
-void adjustWater(GenericMaterial& material, const Sources& from)
+void adjustWater(StandardSurfaceParams& params, const ColorReader& own)
 {
     constexpr const char* property = "water_type";
     constexpr float waterIndex = 1.333f; // at 20 degrees Celsius, 589 nm
-    StandardSurfaceParams& params = material.params;
     params.specular = 1.0f;
     params.specular_IOR = waterIndex;
-    const std::string type = assets::GetFirstChoiceOr(from.own, property, "");
+    const std::string type = own.asset[property].choice("");
     const auto* water =
         std::ranges::find_if(waters, [&](const WaterRow& row) { return row.type == type; });
     if (water != std::end(waters))
     {
-        params.base_color = encodeLinear(water->base, from.colorMode);
-        params.transmission_color = encodeLinear(water->transmission, from.colorMode);
+        params.base_color = encodeLinear(water->base, own.colorMode);
+        params.transmission_color = encodeLinear(water->transmission, own.colorMode);
         return;
     }
     params.transmission_color = params.base_color;
     if (!type.empty())
-        from.log.warning(DiagnosticCode::ChoiceUnknown, property,
-                         "\"" + type +
-                             "\" is no kind of water that is known; it keeps its own colour");
+        own.log.warning(DiagnosticCode::ChoiceUnknown, property,
+                        "\"" + type +
+                            "\" is no kind of water that is known; it keeps its own colour");
 }
 
-using Adjustment = void (*)(GenericMaterial&, const Sources&);
+using Adjustment = void (*)(StandardSurfaceParams&, const ColorReader&);
 
 struct AdjustmentRow
 {
@@ -138,12 +124,12 @@ constexpr AdjustmentRow adjustments[] = {
 
 } // namespace
 
-void adjustForSchema(GenericMaterial& material, const std::string& schema,
-                     const assets::AssetView& own, std::int32_t colorMode, const Log& log)
+void adjustForSchema(StandardSurfaceParams& params, const std::string& schema,
+                     const ColorReader& own)
 {
     for (const AdjustmentRow& row : adjustments)
         if (schema == row.schema)
-            row.adjust(material, {own, colorMode, log});
+            row.adjust(params, own);
 }
 
 } // namespace vyr::MaterialTranslation::materials

@@ -1,10 +1,7 @@
 #include "materials/Skeleton.h"
 
-#include <MaterialTranslation/Diagnostics.h>
-
-#include "assets/Units.h"
+#include "assets/ColorSpaces.h"
 #include "base/Text.h"
-#include "graph/Names.h"
 #include "graph/Nodes.h"
 
 namespace vyr::MaterialTranslation::materials
@@ -14,6 +11,21 @@ namespace mx = MaterialX;
 
 namespace
 {
+
+constexpr const char* lookName = "default";
+
+/// The first of the names that the document already uses, or that the look needs; empty when all are
+/// free. The look itself may be there already: several materials share it.
+std::string takenName(const mx::DocumentPtr& document, std::initializer_list<std::string> names,
+                      bool addLook)
+{
+    for (const std::string& name : names)
+        if (document->getChild(name) || (addLook && name == lookName))
+            return name;
+    const bool lookIsTaken =
+        addLook && document->getChild(lookName) && !document->getLook(lookName);
+    return lookIsTaken ? lookName : std::string();
+}
 
 /// Tells who made a material from what, so that a document can be traced back.
 void addProvenance(const mx::NodePtr& material, const std::string& assetId, const Log& log)
@@ -28,37 +40,57 @@ void addProvenance(const mx::NodePtr& material, const std::string& assetId, cons
                     "the identifier has characters that a document cannot hold");
 }
 
-} // namespace
-
-bool canBuildSkeleton(const mx::DocumentPtr& document, const SkeletonRequest& request,
-                      const Log& log)
+void assignInLook(const mx::DocumentPtr& document, const std::string& material)
 {
-    if (!document)
-    {
-        log.error(DiagnosticCode::NoDocument, "", "no document was given");
-        return false;
-    }
-    const std::string taken = graph::takenName(
-        document, {request.name, graph::shaderName(request.name), request.graphName},
-        request.addLook);
-    if (!taken.empty())
-        log.error(DiagnosticCode::NameTaken, "",
-                  "the document already has an element \"" + taken + "\"");
-    return taken.empty();
+    mx::LookPtr look = document->getLook(lookName);
+    const bool first = !look;
+    if (first)
+        look = document->addLook(lookName);
+    constexpr const char* everything = "*";
+    const std::string name = first ? "material_assign_default" : "material_assign_" + material;
+    look->addMaterialAssign(graph::freeName(look, name), material)->setGeom(everything);
 }
 
-Skeleton buildSkeleton(const mx::DocumentPtr& document, const SkeletonRequest& request,
-                       const Log& log)
+} // namespace
+
+std::optional<Skeleton> Skeleton::build(const Translation& translation, const std::string& category,
+                                        const char* graphSuffix)
 {
-    document->setColorSpace(assets::linearRec709);
+    const mx::DocumentPtr& document = translation.document;
+    const std::string& name = translation.name;
+    const bool addLook = translation.options.addLook;
+    if (!document)
+    {
+        translation.log.error(DiagnosticCode::NoDocument, "", "no document was given");
+        return std::nullopt;
+    }
     Skeleton skeleton;
-    skeleton.shader = graph::addNode(document, request.category, graph::shaderName(request.name),
-                                     mx::SURFACE_SHADER_TYPE_STRING);
-    skeleton.material = graph::addSurfaceMaterial(document, request.name, skeleton.shader);
-    addProvenance(skeleton.material, request.assetId, log);
-    if (request.addLook)
-        graph::assignInDefaultLook(document, request.name);
+    skeleton._graphName = name + graphSuffix;
+    const std::string shaderName = name + "_shader";
+    if (const std::string taken =
+            takenName(document, {name, shaderName, skeleton._graphName}, addLook);
+        !taken.empty())
+    {
+        translation.log.error(DiagnosticCode::NameTaken, "",
+                              "the document already has an element \"" + taken + "\"");
+        return std::nullopt;
+    }
+    document->setColorSpace(assets::linearRec709);
+    skeleton._shader = document->addNode(category, shaderName, mx::SURFACE_SHADER_TYPE_STRING);
+    skeleton._material = document->addMaterialNode(name, skeleton._shader);
+    addProvenance(skeleton._material, assets::Asset(translation.asset).identifier(),
+                  translation.log);
+    if (addLook)
+        assignInLook(document, name);
     return skeleton;
+}
+
+mx::OutputPtr Skeleton::addTexture(const textures::Texture& texture, const std::string& property,
+                                   const std::string& type)
+{
+    if (!_graph)
+        _graph = _shader->getDocument()->addNodeGraph(_graphName);
+    return textures::addTexture(texture, _graph, property, type);
 }
 
 } // namespace vyr::MaterialTranslation::materials

@@ -2,11 +2,8 @@
 
 #include <variant>
 
-#include "assets/PropertyReaders.h"
-#include "graph/Inputs.h"
-#include "graph/Names.h"
-#include "graph/Nodes.h"
-#include "materials/ColorPass.h"
+#include "graph/Values.h"
+#include "materials/ColorModes.h"
 #include "materials/Skeleton.h"
 #include "materials/TintGraph.h"
 
@@ -31,8 +28,8 @@ struct InputRow
     const char* type = "float";
 };
 
-// The inputs in the order in which documents have them: the four that make the material's nature,
-// then the shading model's own order.
+// The inputs that are written, in the order in which documents have them: the four that make the
+// material's nature, then the shading model's own order.
 const InputRow inputs[] = {
     {"base", &Params::base},
     {"metalness", &Params::metalness},
@@ -58,80 +55,53 @@ const InputRow inputs[] = {
 class InputWriter
 {
   public:
-    InputWriter(const GenericMaterial& material, const mx::NodePtr& shader,
-                const textures::TextureBuild& build)
-        : _material(material), _shader(shader), _build(build),
-          _colorSpace(plainColorSpace(build.options.colorMode))
+    InputWriter(const StandardSurface& material, Skeleton& skeleton, const char* colorSpace)
+        : _material(material), _skeleton(skeleton), _colorSpace(colorSpace)
     {
     }
 
     void write(const InputRow& row) const
     {
-        if (const mx::OutputPtr output = tinted(row, textureOutput(row)))
-            graph::addConnectedInput(_shader, row.name, output);
-        else
-            std::visit([&](auto field) { writePlain(row.name, field); }, row.field);
+        const auto texture = _material.textures.find(row.name);
+        if (texture == _material.textures.end())
+            return std::visit([&](auto field) { writePlain(row.name, field); }, row.field);
+        const auto& [property, node] = texture->second;
+        mx::OutputPtr output = _skeleton.addTexture(node, property, row.type);
+        if (_material.tint && row.field == Field(&Params::base_color))
+            output = addTintGraph(_skeleton.shader()->getDocument(), output, *_material.tint);
+        graph::addConnectedInput(_skeleton.shader(), row.name, output);
     }
 
   private:
-    mx::OutputPtr textureOutput(const InputRow& row) const
-    {
-        const auto texture = _material.textures.find(row.name);
-        return texture == _material.textures.end()
-                   ? nullptr
-                   : textures::addConnectedTexture(texture->second, row.type, _build);
-    }
-
-    /// The texture of a tinted wood's base colour goes through the tint; any other stays.
-    mx::OutputPtr tinted(const InputRow& row, const mx::OutputPtr& texture) const
-    {
-        if (!texture || !_material.tint || row.field != Field(&Params::base_color))
-            return texture;
-        return addTintGraph(_shader->getDocument(), texture, *_material.tint, _colorSpace);
-    }
-
     void writePlain(const char* /*name*/, std::monostate /*none*/) const {}
-    void writePlain(const char* name, float Params::* field) const
+    template <class Value> void writePlain(const char* name, Value Params::* field) const
     {
-        graph::addTypedInput(_shader, name, _material.params.*field);
-    }
-    void writePlain(const char* name, bool Params::* field) const
-    {
-        graph::addTypedInput(_shader, name, _material.params.*field);
+        graph::addTypedInput(_skeleton.shader(), name, _material.params.*field);
     }
     void writePlain(const char* name, Params::Color Params::* field) const
     {
-        const mx::InputPtr input = graph::addTypedInput(_shader, name, _material.params.*field);
+        const mx::InputPtr input =
+            graph::addTypedInput(_skeleton.shader(), name, _material.params.*field);
         if (field != &Params::opacity)
             input->setColorSpace(_colorSpace);
     }
 
-    const GenericMaterial& _material;
-    const mx::NodePtr& _shader;
-    const textures::TextureBuild& _build;
+    const StandardSurface& _material;
+    Skeleton& _skeleton;
     const char* _colorSpace;
 };
 
 } // namespace
 
-bool buildStandardSurface(const GenericMaterial& material, const Translation& translation)
+bool buildStandardSurface(const StandardSurface& material, const Translation& translation)
 {
-    const auto& [asset, name, document, options, log, baked] = translation;
-    const std::string assetId = assets::GetAssetIdentifier(asset);
-    const SkeletonRequest request{name, material.params.category, assetId, options.addLook,
-                                  graph::nodeGraphName(name)};
-    if (!canBuildSkeleton(document, request, log))
+    std::optional<Skeleton> skeleton =
+        Skeleton::build(translation, material.params.category, "_nodegraph");
+    if (!skeleton)
         return false;
-
-    const Skeleton skeleton = buildSkeleton(document, request, log);
-    textures::TextureBuild build{name, options, {}, material.bumpAmount, log, baked};
-    if (!material.textures.empty())
-        build.graph = graph::addNodeGraph(document, request.graphName);
-    const InputWriter writer(material, skeleton.shader, build);
+    const InputWriter writer(material, *skeleton, plainColorSpace(translation.options.colorMode));
     for (const InputRow& row : inputs)
         writer.write(row);
-    if (build.graph && build.graph->getChildren().empty())
-        document->removeNodeGraph(request.graphName);
     return true;
 }
 

@@ -1,9 +1,7 @@
 #include "materials/TintGraph.h"
 
-#include "graph/Inputs.h"
-#include "graph/Names.h"
 #include "graph/Nodes.h"
-#include "graph/UtilityNodes.h"
+#include "graph/Values.h"
 
 namespace vyr::MaterialTranslation::materials
 {
@@ -45,8 +43,7 @@ mx::NodePtr addOverlayChannel(const TintNetwork& network, const std::string& suf
     const auto over = binary("subtract", "over_result", one, doubled);
 
     const auto& type = graph::typeStringOf<float>();
-    mx::NodePtr chosen =
-        graph::addNode(graph, "ifgreatereq", "ifgreater_than_factor" + suffix, type);
+    mx::NodePtr chosen = graph->addNode("ifgreatereq", "ifgreater_than_factor" + suffix, type);
     graph::addSourceInput(chosen, "value1", s, type);
     graph::addTypedInput(chosen, "value2", half);
     graph::addSourceInput(chosen, "in1", over, type);
@@ -70,7 +67,7 @@ mx::OutputPtr addTintNetwork(const mx::NodeGraphPtr& graph, const mx::InputPtr& 
         channels[i] = addOverlayChannel(network, suffixes[i], i);
 
     const mx::NodePtr overlay =
-        graph::addNode(graph, "combine3", "combine_color3", graph::typeStringOf<mx::Color3>());
+        graph->addNode("combine3", "combine_color3", graph::typeStringOf<mx::Color3>());
     for (int i = 0; i < 3; ++i)
         graph::addSourceInput(overlay, "in" + std::to_string(i + 1), channels[i],
                               graph::typeStringOf<float>());
@@ -82,17 +79,22 @@ mx::OutputPtr addTintNetwork(const mx::NodeGraphPtr& graph, const mx::InputPtr& 
 }
 
 mx::OutputPtr addTintGraph(const mx::DocumentPtr& document, const mx::OutputPtr& texture,
-                           const mx::Color3& tint, const std::string& colorSpace)
+                           const Tint& tint)
 {
     const mx::NodeGraphPtr graph =
-        graph::addNodeGraph(document, graph::freeName(document, "hardWoodTint_nodegraph"));
-    const mx::InputPtr source =
-        graph::addInput(graph, "generic_diffuse", graph::typeStringOf<mx::Color3>());
+        document->addNodeGraph(graph::freeName(document, "hardWoodTint_nodegraph"));
+    const auto& type = graph::typeStringOf<mx::Color3>();
+    const mx::InputPtr source = graph->addInput("generic_diffuse", type);
     source->setConnectedOutput(texture);
-    const mx::InputPtr color = graph::addTypedInput(graph, "tint_color", tint);
-    color->setColorSpace(colorSpace);
-    return addTintNetwork(graph, source, color, "tint_color_result",
-                          graph::typeStringOf<mx::Color3>());
+    const mx::InputPtr color = graph::addTypedInput(graph, "tint_color", tint.color);
+    color->setColorSpace(tint.colorSpace);
+    mx::OutputPtr result = addTintNetwork(graph, source, color, "tint_color_result", type);
+    // Code generators look for the colour space only where the colour is read.
+    for (const mx::NodePtr& node : graph->getNodes())
+        for (const mx::InputPtr& input : node->getInputs())
+            if (input->getInterfaceName() == color->getName())
+                input->setColorSpace(tint.colorSpace);
+    return result;
 }
 
 } // namespace vyr::MaterialTranslation::materials

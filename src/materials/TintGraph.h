@@ -4,6 +4,8 @@
 
 #include <MaterialXCore/Document.h>
 
+#include "materials/StandardSurface.h"
+
 namespace vyr::MaterialTranslation::materials
 {
 
@@ -20,11 +22,10 @@ MaterialX::OutputPtr addTintNetwork(const MaterialX::NodeGraphPtr& graph,
                                     const MaterialX::InputPtr& tint, const std::string& outputName,
                                     const std::string& type);
 
-/// Adds a node graph of its own that tints the output of a material's node graph.
-/// @param colorSpace of the tint colour.
+/// Adds a node graph of its own that tints the output of a material's node graph. The tint stays as the
+/// asset states it; its colour space is stated where it is read.
 /// @return the output with the tinted colour.
 MaterialX::OutputPtr addTintGraph(const MaterialX::DocumentPtr& document,
-                                  const MaterialX::OutputPtr& texture,
-                                  const MaterialX::Color3& tint, const std::string& colorSpace);
+                                  const MaterialX::OutputPtr& texture, const Tint& tint);
 
 } // namespace vyr::MaterialTranslation::materials

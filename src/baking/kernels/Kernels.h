@@ -13,6 +13,7 @@
 /// floating-point environment (round to nearest, denormals kept).
 namespace vyr::MaterialTranslation::baking
 {
+
 /// Three neighbouring rows of heights. At the border of the image the row itself stands in for the missing one.
 struct HeightRows
 {
@@ -29,14 +30,14 @@ struct SlopeStrength
 };
 
 /// Columns that the noise kernels work on at a time: small enough that the gradients stay in the nearest cache.
-inline constexpr int kNoiseColumns = 256;
+inline constexpr int noiseColumns = 256;
 
 /// Where neighbouring pixels lie between the lattice points of one octave, on the axis along a row.
 struct alignas(64) NoiseColumns
 {
-    std::uint32_t cell[kNoiseColumns]; ///< lower lattice integer
-    float fraction[kNoiseColumns];     ///< offset from it, 0 to 1
-    float fade[kNoiseColumns];         ///< fade weight of the fraction
+    std::uint32_t cell[noiseColumns]; ///< lower lattice integer
+    float fraction[noiseColumns];     ///< offset from it, 0 to 1
+    float fade[noiseColumns];         ///< fade weight of the fraction
 };
 
 /// One lattice axis that is constant for the pixels in question.
@@ -51,11 +52,11 @@ struct NoiseAxis
 /// (across * dx + along) + rest, where dx is the offset on the axis across the rows.
 struct alignas(64) NoiseGradients
 {
-    static constexpr int kCorners =
-        8; ///< bit 0: upper across the rows, bit 1: upper along, bit 2: upper phase
-    float across[kCorners][kNoiseColumns];
-    float along[kCorners][kNoiseColumns];
-    float rest[kCorners][kNoiseColumns];
+    /// Bit 0: upper across the rows, bit 1: upper along, bit 2: upper phase.
+    static constexpr int corners = 8;
+    float across[corners][noiseColumns];
+    float along[corners][noiseColumns];
+    float rest[corners][noiseColumns];
 };
 
 /// How one octave of one row is added up.
@@ -88,15 +89,15 @@ struct KernelSet
     void (*normalRow)(const HeightRows& heights, std::size_t width, const SlopeStrength& strength,
                       float* rgb);
 
-    /// Gradients of all kNoiseColumns columns between the lattice rows `row` and `row + 1`.
+    /// Gradients of all noiseColumns columns between the lattice rows `row` and `row + 1`.
     void (*noiseGradients)(const NoiseColumns& columns, std::uint32_t row, const NoiseAxis& phase,
                            NoiseGradients& gradients);
 
-    /// Adds one octave to all kNoiseColumns values of `sums`.
+    /// Adds one octave to all noiseColumns values of `sums`.
     void (*addNoiseOctave)(const NoiseGradients& gradients, const NoiseColumns& columns,
                            const NoiseOctaveRow& row, float* sums);
 
-    /// Turns kNoiseColumns noise values into pixels; the first `count` of them are stored.
+    /// Turns noiseColumns noise values into pixels; the first `count` of them are stored.
     void (*shadeNoise)(const float* noise, std::size_t count, const NoiseShade& shade,
                        float* pixels);
 };
@@ -106,4 +107,5 @@ const std::vector<KernelSet>& kernelSets();
 
 /// The set that the bakes use: the last of kernelSets().
 const KernelSet& kernels();
+
 } // namespace vyr::MaterialTranslation::baking

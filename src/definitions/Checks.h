@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <MaterialXCore/Document.h>
+#include <MaterialXFormat/File.h>
+
+#include <MaterialTranslation/Validation.h>
+
+#include "definitions/DataLibrary.h"
+
+namespace vyr::MaterialTranslation::definitions
+{
+
+/// The validation of one document, which has its data library. All that it refers to is borrowed.
+struct Checks
+{
+    const Definitions& definitions;
+    /// Where relative file names are looked up.
+    MaterialX::FileSearchPath searchPath;
+    std::vector<ValidationMessage>& messages;
+
+    void report(const MaterialX::Element& element, ValidationCode code, std::string text)
+    {
+        messages.push_back({element.getNamePath(), code, std::move(text)});
+    }
+};
+
+/// What MaterialX's own validation says about an element, without what it says about its children.
+void checkRules(const MaterialX::ElementPtr& element, Checks& checks);
+
+/// Whether nothing of a value's text is left over behind what MaterialX reads.
+void checkWholeText(const MaterialX::ValueElement& value, Checks& checks);
+
+/// The text, choice, unit and file name of a value.
+void checkValue(const MaterialX::ValueElement& value, Checks& checks);
+
+} // namespace vyr::MaterialTranslation::definitions

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "textures/Texture.h"
+
+/// @file
+/// The readers of the kinds of textures, and what they have in common. A reader gives nothing, and says
+/// why, for a texture that cannot be used.
+namespace vyr::MaterialTranslation::textures
+{
+
+using Reading = std::optional<TextureReading>;
+
+Reading readBitmap(const TextureRequest& request);
+Reading readLyrexBitmap(const TextureRequest& request);
+Reading readLyrexMap(const TextureRequest& request);
+Reading readBump(const TextureRequest& request);
+Reading readNoise(const TextureRequest& request);
+
+/// A node that reads a height map; "depth" in the unit that the asset states.
+/// @param imageProperty names the image.
+/// @param givenDepth replaces the asset's own depth; it borrows the unit of the image's size in the
+///        world.
+Reading readHeightMap(const TextureRequest& request, const char* imageProperty,
+                      const std::optional<float>& givenDepth = {});
+
+/// A node that reads a normal map.
+/// @param givenScale replaces the asset's own scale; it has no unit.
+Reading readNormalMap(const TextureRequest& request, const char* imageProperty,
+                      const std::optional<float>& givenScale = {});
+
+/// A node that reads a baked normal map: linear data. The file is set by the bake.
+Texture bakedNormalMap();
+
+/// The image that a property of the texture names, as the asset library resolves it. Warns when it
+/// names none, when a document cannot hold the name, and when there is no such file.
+/// @return empty when the texture has no usable image. A file that does not exist stays: the
+///         document still says which image belongs there.
+std::string readImage(const TextureRequest& request, const char* property);
+
+/// Whether there is a file that an image can be taken from. A reference that the asset library leaves
+/// relative counts as not found: what lies in the process's working folder is none of the material's.
+bool isImageFile(const std::string& image);
+
+/// What is missing places the image once, unscaled and unturned.
+Placement readPlacement(const TextureRequest& request);
+
+/// The size of the image on the surface alone.
+Measured<assets::Vector2> readRealWorldScale(const TextureRequest& request);
+
+/// A number and its unit.
+/// @param unitType of the numbers that the input takes; empty where they have no unit.
+Measured<float> readMeasured(const TextureRequest& request, const char* property, float fallback,
+                             const char* unitType);
+
+} // namespace vyr::MaterialTranslation::textures
