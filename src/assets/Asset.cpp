@@ -5,6 +5,7 @@
 
 #include <kelvor/platform/assets/IAssetDefinition.h>
 #include <kelvor/platform/assets/IAssetIdentity.h>
+#include <kelvor/platform/assets/IAssetInstance.h>
 #include <kelvor/platform/assets/IProperty.h>
 
 #include "assets/Description.h"
@@ -86,9 +87,23 @@ class ImageWalk
 
 } // namespace
 
+void AssetRelease::operator()(IAssetInstance* asset) const
+{
+    asset->Release();
+}
+
+AssetHandle cloneOf(const IAssetInstance& asset)
+{
+    return AssetHandle(asset.Clone());
+}
+
 void Property::settleConnection() const
 {
     note(_asset->_settled, _property);
+}
+
+Asset::Asset(const IAssetInstance& instance, std::ostream* trace) : Asset(instance, instance, trace)
+{
 }
 
 Property Asset::operator[](const char* name) const
@@ -120,6 +135,11 @@ std::string Asset::schema() const
     if (const auto* definition = _instance.GetDefinition())
         definition->GetName(name);
     return name.str();
+}
+
+bool Asset::hasWorkingPropertyNames() const
+{
+    return _instance.HasWorkingPropertyNames();
 }
 
 std::string Asset::description() const

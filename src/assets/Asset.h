@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include <kelvor/platform/assets/IAssetInstance.h>
+#include <kelvor/platform/assets/Fwd.h>
 
 #include "assets/Log.h"
 #include "base/Units.h"
@@ -26,8 +26,13 @@ using kelvor::platform::assets::IProperty;
 using kelvor::platform::assets::IPropertyConstTable;
 
 /// One reference to an asset, given back when the handle goes.
-using AssetHandle =
-    std::unique_ptr<IAssetInstance, kelvor::platform::assets::IAssetInstanceDeleter>;
+struct AssetRelease
+{
+    void operator()(IAssetInstance* asset) const;
+};
+using AssetHandle = std::unique_ptr<IAssetInstance, AssetRelease>;
+
+AssetHandle cloneOf(const IAssetInstance& asset);
 
 using Color3 = std::array<float, 3>; ///< red, green, blue
 using Color4 = std::array<float, 4>; ///< red, green, blue, alpha
@@ -191,10 +196,7 @@ class Asset
 {
   public:
     /// @param trace gets a line for each property when its value or texture is first read; null: none.
-    explicit Asset(const IAssetInstance& instance, std::ostream* trace = nullptr)
-        : Asset(instance, instance, trace)
-    {
-    }
+    explicit Asset(const IAssetInstance& instance, std::ostream* trace = nullptr);
     Asset(const IAssetInstance& instance, const IPropertyConstTable& table,
           std::ostream* trace = nullptr)
         : _instance(instance), _table(table), _trace(trace)
@@ -203,7 +205,6 @@ class Asset
     Asset(const Asset&) = delete;
     Asset& operator=(const Asset&) = delete;
 
-    const IAssetInstance& instance() const { return _instance; }
     Property operator[](const char* name) const;
 
     /// The asset's own name; empty when it has no identity.
@@ -211,6 +212,8 @@ class Asset
     /// The name shown to people, in English.
     std::string displayName() const;
     std::string schema() const;
+    /// Whether property names may be used to tell what properties mean.
+    bool hasWorkingPropertyNames() const;
     std::string description() const;
     std::string identifier() const;
 

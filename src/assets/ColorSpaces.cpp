@@ -55,7 +55,7 @@ ColorMeaning namedMeaning(const ColorSpaceQuestion& question,
                           const std::vector<std::string>& presets)
 {
     std::string property;
-    if (question.source.instance().HasWorkingPropertyNames())
+    if (question.source.hasWorkingPropertyNames())
         property = question.property;
     auto preset = std::ranges::find_if(presets, isLyrexName);
     if (preset == presets.end())

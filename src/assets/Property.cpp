@@ -1,6 +1,7 @@
 #include <cmath>
 #include <iterator>
 
+#include <kelvor/platform/assets/IAssetInstance.h>
 #include <kelvor/platform/assets/IAssetLibraryManager.h>
 #include <kelvor/platform/assets/IChoiceListValue.h>
 #include <kelvor/platform/assets/IIntegerValue.h>

@@ -9,6 +9,7 @@
 #include "graph/Nodes.h"
 #include "materials/Generic.h"
 #include "materials/Lyrex.h"
+#include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::converter
 {
@@ -69,7 +70,7 @@ bool translate(const assets::IAssetInstance& asset, const std::string& name,
         options.outputDirectory = base::utf8FromPath(fs::temp_directory_path());
     if (!isUsable(name, document, options, log))
         return false;
-    const assets::AssetHandle clone(asset.Clone());
+    const assets::AssetHandle clone = assets::cloneOf(asset);
     if (!clone)
     {
         log.error(DiagnosticCode::CloneFailed, "", "the asset cannot be cloned");

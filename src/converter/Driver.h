@@ -3,7 +3,15 @@
 #include <cstddef>
 #include <string>
 
-#include "textures/Translation.h"
+#include <MaterialXCore/Document.h>
+
+#include "assets/Asset.h"
+
+namespace vyr::MaterialTranslation
+{
+struct ConverterOptions;
+struct Translation;
+} // namespace vyr::MaterialTranslation
 
 namespace vyr::MaterialTranslation::converter
 {

@@ -57,7 +57,7 @@ bool registerAsset(const assets::IAssetInstance& asset, const std::string& name)
         log.warning(DiagnosticCode::NameDuplicate, "",
                     "an asset with the material name \"" + name +
                         "\" is registered already; this one is left out");
-    else if (assets::AssetHandle clone{asset.Clone()})
+    else if (assets::AssetHandle clone = assets::cloneOf(asset))
         registered.append(name, std::move(clone));
     else
         log.error(DiagnosticCode::CloneFailed, "", "the asset cannot be cloned");

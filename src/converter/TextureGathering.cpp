@@ -9,6 +9,7 @@
 #include "base/Text.h"
 #include "base/WriteFile.h"
 #include "converter/Driver.h"
+#include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::converter
 {

@@ -2,8 +2,11 @@
 
 #include <iostream>
 
+#include <kelvor/platform/assets/IAssetInstance.h>
+
 #include "assets/Description.h"
 #include "assets/Schemas.h"
+#include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::materials
 {

@@ -6,6 +6,7 @@
 #include <kelvor/platform/assets/UnitCode.h>
 
 #include "materials/Generic.h"
+#include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::materials
 {

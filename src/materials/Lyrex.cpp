@@ -10,6 +10,7 @@
 #include "base/Text.h"
 #include "graph/Values.h"
 #include "materials/Skeleton.h"
+#include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::materials
 {

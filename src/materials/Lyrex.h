@@ -1,6 +1,9 @@
 #pragma once
 
-#include "textures/Translation.h"
+namespace vyr::MaterialTranslation
+{
+struct Translation;
+}
 
 namespace vyr::MaterialTranslation::materials
 {

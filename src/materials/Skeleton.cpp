@@ -3,6 +3,7 @@
 #include "assets/ColorSpaces.h"
 #include "base/Text.h"
 #include "graph/Nodes.h"
+#include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::materials
 {

@@ -6,6 +6,7 @@
 #include "materials/ColorModes.h"
 #include "materials/Skeleton.h"
 #include "materials/TintGraph.h"
+#include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::materials
 {

@@ -3,8 +3,10 @@
 
 #include "assets/ColorSpaces.h"
 #include "assets/Schemas.h"
+#include "baking/MaterialBakes.h"
 #include "base/Paths.h"
 #include "textures/Kinds.h"
+#include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::textures
 {

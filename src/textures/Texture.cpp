@@ -4,10 +4,12 @@
 #include <iterator>
 
 #include "assets/Schemas.h"
+#include "baking/MaterialBakes.h"
 #include "base/Paths.h"
 #include "graph/Nodes.h"
 #include "graph/Values.h"
 #include "textures/Kinds.h"
+#include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::textures
 {

@@ -7,14 +7,23 @@
 #include <string>
 #include <vector>
 
+#include <MaterialXCore/Document.h>
+
 #include "assets/Asset.h"
-#include "baking/MaterialBakes.h"
-#include "textures/Translation.h"
 
 /// @file
 /// Textures that drive properties of a material, from the asset to the node, in three stages: all are
 /// read, then those are baked for which there is no node, then the rules of the material ask which of its
 /// properties are textured. After the second stage a texture is a record with a file, or there is none.
+namespace vyr::MaterialTranslation
+{
+struct Translation;
+namespace baking
+{
+struct BakeOutcome;
+}
+} // namespace vyr::MaterialTranslation
+
 namespace vyr::MaterialTranslation::textures
 {
 
