@@ -1,20 +1,99 @@
 #include "CommandLine.h"
 
-#include <cstdio>
-#include <iostream>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <map>
-#include <memory>
+#include <optional>
+#include <sstream>
+#include <type_traits>
+
+#include <CLI/CLI.hpp>
 
 #include <MaterialTranslation/Diagnostics.h>
 
-#include "Arguments.h"
 #include "Console.h"
+#include "base/Text.h"
 
 namespace vyr::cli
 {
 namespace
 {
+
+// Values are read more strictly than by CLI11's own conversions, which accept "nan", read "010" as octal,
+// and take "--output=-x" for a folder "-x".
+
+/// The range of an option's numbers, both ends included.
+template <class Number> struct Range
+{
+    Number lowest = std::numeric_limits<Number>::lowest();
+    Number highest = std::numeric_limits<Number>::max();
+
+    bool holds(Number number) const { return number >= lowest && number <= highest; }
+};
+
+/// What was expected in place of `text`.
+template <class Number> std::string numberProblem(const std::string& text, Range<Number> range)
+{
+    if constexpr (std::is_integral_v<Number>)
+        return '"' + text + "\" is no whole number from " + std::to_string(range.lowest) + " to " +
+               std::to_string(range.highest);
+    return '"' + text + "\" is no number";
+}
+
+/// Adds an option that takes `count` numbers and writes them to `numbers`.
+template <class Number>
+CLI::Option* addNumbers(CLI::App& app, const std::string& name, Number* numbers, std::size_t count,
+                        const std::string& help, Range<Number> range = {})
+{
+    const auto read = [=](const CLI::results_t& texts)
+    {
+        for (std::size_t i = 0; i < count; ++i)
+        {
+            const std::optional<Number> number = base::numberFromText<Number>(texts.at(i));
+            if (!number || !range.holds(*number))
+                throw CLI::ValidationError(name, numberProblem(texts[i], range));
+            numbers[i] = *number;
+        }
+        return true;
+    };
+    return app.add_option(name, read, help)->expected(static_cast<int>(count))->type_name("N");
+}
+
+template <class Number>
+CLI::Option* addNumber(CLI::App& app, const std::string& name, Number& number,
+                       const std::string& help, Range<Number> range = {})
+{
+    return addNumbers(app, name, &number, 1, help, range);
+}
+
+/// What the path of an option must be. An empty one, and one that begins with "-", is a slip of the pen more
+/// often than not; "./-x" names such a file. Files need no such check: "--" in front of them says that a
+/// leading "-" is meant.
+std::string pathProblem(const std::string& path)
+{
+    if (path.empty())
+        return "an empty path";
+    if (path.front() == '-')
+        return "\"" + path + "\" looks like an option (\"./" + path + "\" names such a file)";
+    return {};
+}
+
+CLI::Option* addPath(CLI::App& app, const std::string& name, std::string& path,
+                     const std::string& help)
+{
+    return app.add_option(name, path, help)->check(pathProblem);
+}
+
+/// Adds an option that may be given several times, with one text each time.
+CLI::Option* addRepeatable(CLI::App& app, const std::string& name, std::vector<std::string>& texts,
+                           const std::string& help)
+{
+    return app.add_option(name, texts, help)
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
 
 /// Larger images than this are a slip of the pen: one would fill more memory than machines have.
 constexpr int largestImage = 16384;
@@ -77,7 +156,7 @@ void defineDocumentOptions(CLI::App& app, ConvertCommand& command)
                  "keep absolute image paths in the documents");
 }
 
-void defineConvert(CLI::App& root, ConvertCommand& command)
+CLI::App& defineConvert(CLI::App& root, ConvertCommand& command)
 {
     CLI::App& app = *root.add_subcommand("convert", "convert materials to MaterialX documents");
     addFiles(app, command.files);
@@ -87,7 +166,7 @@ void defineConvert(CLI::App& root, ConvertCommand& command)
         ->type_name("ID");
     addRepeatable(app, "--texture-path", command.texturePaths,
                   "a further folder to look image references up in; repeatable")
-        ->check(pathText())
+        ->check(pathProblem)
         ->type_name("DIR");
     defineConversionOptions(app, command.options);
     defineDocumentOptions(app, command);
@@ -96,27 +175,31 @@ void defineConvert(CLI::App& root, ConvertCommand& command)
     addPath(app, "--report", command.report, "write a JSON report")->type_name("FILE");
     app.add_flag("--strict", command.strict, "a material with a warning counts as failed");
     app.add_flag("--quiet,-q", command.quiet, "no progress, no summary");
+    return app;
 }
 
-void defineOverlay(CLI::App& root, OverlayCommand& command)
+CLI::App& defineOverlay(CLI::App& root, OverlayCommand& command)
 {
     CLI::App& app = *root.add_subcommand("overlay", "convert decals and threads");
     addFiles(app, command.files);
     addOutputFolder(app, command.output);
+    return app;
 }
 
-void defineList(CLI::App& root, ListCommand& command)
+CLI::App& defineList(CLI::App& root, ListCommand& command)
 {
     CLI::App& app = *root.add_subcommand("list", "print what the files hold");
     addFiles(app, command.files);
     app.add_flag("--json", command.json, "print JSON");
+    return app;
 }
 
-void defineValidate(CLI::App& root, ValidateCommand& command)
+CLI::App& defineValidate(CLI::App& root, ValidateCommand& command)
 {
     CLI::App& app = *root.add_subcommand(
         "validate", "check documents against the standard and the kvor definitions");
     app.add_option("FILE", command.files, "MaterialX documents")->required()->type_name("");
+    return app;
 }
 
 void addImageFile(CLI::App& app, std::string& output)
@@ -126,7 +209,7 @@ void addImageFile(CLI::App& app, std::string& output)
         ->type_name("FILE");
 }
 
-void defineBakeNormal(CLI::App& bake, BakeNormalCommand& command)
+CLI::App& defineBakeNormal(CLI::App& bake, BakeNormalCommand& command)
 {
     CLI::App& app = *bake.add_subcommand("normal", "bake a height image into a normal map");
     app.add_option("IMAGE", command.image, "height image")->required()->type_name("");
@@ -137,14 +220,15 @@ void defineBakeNormal(CLI::App& bake, BakeNormalCommand& command)
                "size of the image in the world (default 1 1)");
     addNumbers(app, "--bump-scale", command.options.bumpScale.data(), 2,
                "further factors along x and y (default 1 1)");
+    return app;
 }
 
-void defineBakeNoise(CLI::App& bake, BakeNoiseCommand& command)
+CLI::App& defineBakeNoise(CLI::App& bake, BakeNoiseCommand& command)
 {
     MaterialTranslation::NoiseBakeOptions& options = command.options;
-    options.size = 1.0F;
-    options.thresholdHigh = 1.0F;
-    options.levels = 1.0F;
+    options.size = 1.0f;
+    options.thresholdHigh = 1.0f;
+    options.levels = 1.0f;
     const auto useColors = [&command](const std::string&) { command.inColor = true; };
     const Range<int> pixels{1, largestImage};
 
@@ -166,6 +250,7 @@ void defineBakeNoise(CLI::App& bake, BakeNoiseCommand& command)
     addNumber(app, "--threshold-high", options.thresholdHigh, "noise above is 1 (default 1)");
     addNumber(app, "--levels", options.levels, "octaves of fractal and turbulence (default 1)");
     addNumber(app, "--phase", options.phase, "place on the noise's fourth axis (default 0)");
+    return app;
 }
 
 /// What CLI11 does not check.
@@ -217,35 +302,28 @@ Request parseCommandLine(int count, const char* const* arguments)
     ValidateCommand validate;
     BakeNormalCommand normal;
     BakeNoiseCommand noise;
-    defineConvert(app, convert);
-    defineOverlay(app, overlay);
-    defineList(app, list);
-    defineValidate(app, validate);
+    Request request;
+    const auto choose = [&request](CLI::App& command, const auto& options)
+    { command.callback([&request, &options] { request = options; }); };
+    choose(defineConvert(app, convert), convert);
+    choose(defineOverlay(app, overlay), overlay);
+    choose(defineList(app, list), list);
+    choose(defineValidate(app, validate), validate);
     CLI::App& bake = *app.add_subcommand("bake", "bake images")->require_subcommand(1);
-    defineBakeNormal(bake, normal);
-    defineBakeNoise(bake, noise);
+    choose(defineBakeNormal(bake, normal), normal);
+    choose(defineBakeNoise(bake, noise), noise);
     try
     {
         checkCommandName(app, count, arguments);
         app.parse(count, arguments);
         if (bake.got_subcommand("noise"))
             checkSize(noise);
+        return request;
     }
     catch (const CLI::ParseError& outcome)
     {
         return answer(app, outcome);
     }
-    if (app.got_subcommand("convert"))
-        return convert;
-    if (app.got_subcommand("overlay"))
-        return overlay;
-    if (app.got_subcommand("list"))
-        return list;
-    if (app.got_subcommand("validate"))
-        return validate;
-    if (bake.got_subcommand("normal"))
-        return normal;
-    return noise;
 }
 
 } // namespace vyr::cli

@@ -1,20 +1,110 @@
 #pragma once
 
+#include <array>
+#include <string>
 #include <variant>
+#include <vector>
 
-#include "Commands.h"
-#include "ExitStatus.h"
+#include <MaterialTranslation/Bakes.h>
+#include <MaterialTranslation/ConverterOptions.h>
+#include <MaterialTranslation/NodeForms.h>
 
+/// @file
+/// What the program can be asked for, and how it ends. Texts are UTF-8; paths are as the user wrote them.
 namespace vyr::cli
 {
 
-/// What the program has to do: a command, or nothing but to end, because help was printed or the
-/// arguments are wrong.
+/// How the program ends; part of its interface, since scripts act on it.
+enum class ExitStatus : int
+{
+    /// Everything that was asked for is done.
+    Done = 0,
+    /// Some materials, overlays or images failed, or a result could not be delivered; the others
+    /// were written.
+    SomeFailed = 1,
+    /// Wrong usage, an unknown material or unreadable input: nothing was written.
+    WrongUse = 2,
+    /// Interrupted by the user or the system; what was written until then is whole.
+    Interrupted = 130,
+};
+
+/// `vyr-mtlx convert`.
+struct ConvertCommand
+{
+    std::vector<std::string> files;
+    std::string output;
+    /// Identifiers of the only materials to convert; empty: all.
+    std::vector<std::string> assets;
+    /// Further folders to look image references up in.
+    std::vector<std::string> texturePaths;
+    /// `outputDirectory` is filled when the folder is known to exist.
+    MaterialTranslation::ConverterOptions options;
+    bool absolutePaths = false;
+    /// How the documents use the kvor nodes.
+    MaterialTranslation::NodeForm nodes = MaterialTranslation::NodeForm::Reference;
+    bool validate = false;
+    /// Materials translated side by side; 0: as many as there are cores.
+    unsigned jobs = 0;
+    /// JSON report; empty: none.
+    std::string report;
+    bool strict = false;
+    bool quiet = false;
+};
+
+/// `vyr-mtlx overlay`.
+struct OverlayCommand
+{
+    std::vector<std::string> files;
+    std::string output;
+};
+
+/// `vyr-mtlx list`.
+struct ListCommand
+{
+    std::vector<std::string> files;
+    bool json = false;
+};
+
+/// `vyr-mtlx validate`.
+struct ValidateCommand
+{
+    std::vector<std::string> files;
+};
+
+/// `vyr-mtlx bake normal`.
+struct BakeNormalCommand
+{
+    std::string image;
+    std::string output;
+    MaterialTranslation::NormalBakeOptions options;
+};
+
+/// `vyr-mtlx bake noise`.
+struct BakeNoiseCommand
+{
+    std::string output;
+    /// Width and height in pixels, where `options` has none; 0: none either.
+    int resolution = 0;
+    /// The colours count when one of them was given.
+    bool inColor = false;
+    std::array<float, 3> color1{0.0f, 0.0f, 0.0f};
+    std::array<float, 3> color2{1.0f, 1.0f, 1.0f};
+    MaterialTranslation::NoiseBakeOptions options;
+};
+
+/// A command, or nothing but to end, because help was printed or the arguments are wrong.
 using Request = std::variant<ExitStatus, ConvertCommand, OverlayCommand, ListCommand,
                              ValidateCommand, BakeNormalCommand, BakeNoiseCommand>;
 
 /// Reads the arguments; prints the help and the version to standard output, and what is wrong to
 /// standard error.
 Request parseCommandLine(int count, const char* const* arguments);
+
+ExitStatus run(const ConvertCommand& command);
+ExitStatus run(const OverlayCommand& command);
+ExitStatus run(const ListCommand& command);
+ExitStatus run(const ValidateCommand& command);
+ExitStatus run(const BakeNormalCommand& command);
+ExitStatus run(const BakeNoiseCommand& command);
 
 } // namespace vyr::cli

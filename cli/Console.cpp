@@ -1,9 +1,13 @@
 #include "Console.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <string>
 #include <system_error>
 
 #if defined(_WIN32)
@@ -12,6 +16,9 @@
 #else
 #include <unistd.h>
 #endif
+
+#include "CommandLine.h"
+#include "base/Text.h"
 
 namespace vyr::cli
 {
@@ -30,6 +37,36 @@ bool isTerminal(std::FILE* stream)
 #endif
 }
 
+constexpr int signals[] = {
+    SIGINT,
+    SIGTERM,
+#if defined(SIGHUP)
+    SIGHUP,
+#endif
+};
+
+/// In seconds. A terminal and a script that both pass a request on send two at once.
+constexpr std::time_t patience = 1;
+
+std::atomic<bool> finishing{false};
+std::atomic<bool> requested{false};
+static_assert(std::atomic<bool>::is_always_lock_free, "used by a signal handler");
+
+std::atomic<std::time_t> firstRequest{0};
+static_assert(std::atomic<std::time_t>::is_always_lock_free, "used by a signal handler");
+
+extern "C" void onSignal(int signal)
+{
+    const std::time_t now = std::time(nullptr);
+    const bool impatient = requested.load() && now - firstRequest.load() > patience;
+    if (!finishing.load() || impatient)
+        std::_Exit(static_cast<int>(ExitStatus::Interrupted));
+    if (!requested.exchange(true))
+        firstRequest.store(now);
+    // Some systems fall back to the default action after the first delivery.
+    std::signal(signal, onSignal);
+}
+
 } // namespace
 
 void prepareStandardStreams()
@@ -46,27 +83,9 @@ void prepareStandardStreams()
 #endif
 }
 
-std::string oneLine(std::string_view text)
-{
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string line;
-    line.reserve(text.size());
-    for (const char c : text)
-    {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '\n')
-            line += "\\n";
-        else if (byte < 0x20 || byte == 0x7f)
-            line.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
-        else
-            line += c;
-    }
-    return line;
-}
-
 void complain(std::string_view line)
 {
-    complainAsIs(oneLine(line) + '\n');
+    complainAsIs(base::printable(line) + '\n');
 }
 
 void complainAsIs(std::string_view lines)
@@ -119,6 +138,23 @@ void Progress::show(std::size_t done)
                  std::to_string(done) + "/" + std::to_string(_total));
     _shown = true;
     _drawn = now;
+}
+
+void catchStopRequests()
+{
+    for (const int signal : signals)
+        if (std::signal(signal, onSignal) == SIG_IGN)
+            std::signal(signal, SIG_IGN);
+}
+
+void finishBeforeStopping()
+{
+    finishing.store(true);
+}
+
+bool stopRequested()
+{
+    return requested.load();
 }
 
 } // namespace vyr::cli

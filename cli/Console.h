@@ -2,19 +2,14 @@
 
 #include <chrono>
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 namespace vyr::cli
 {
 
-/// To be called first: a reader of the program's output that goes away must not end the program in
+/// To be called first. A reader of the program's output that goes away must not end the program in
 /// the middle of a file.
 void prepareStandardStreams();
-
-/// The text with control characters written as escapes ("\n", "\x1b"), so that a name from a file
-/// can neither break a line in two nor talk to the terminal.
-std::string oneLine(std::string_view text);
 
 /// Writes one line to standard error, control characters escaped.
 void complain(std::string_view line);
@@ -64,5 +59,18 @@ class Progress
     std::size_t _total;
     std::chrono::steady_clock::time_point _drawn;
 };
+
+/// To be called first. From now on a request to stop (Ctrl+C, a polite kill, a closed terminal) ends
+/// the program with ExitStatus::Interrupted: at once, as long as nothing is being written. Requests
+/// that the program was started to ignore stay ignored.
+void catchStopRequests();
+
+/// To be called before the first file is written. From now on a request to stop ends nothing by
+/// itself: what is in hand is finished whole, and nothing new begun. Asked again a while later, the
+/// program ends at once.
+void finishBeforeStopping();
+
+/// Whether the program was asked to stop.
+bool stopRequested();
 
 } // namespace vyr::cli

@@ -1,99 +1,109 @@
 #include <algorithm>
 #include <array>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include <MaterialTranslation/MaterialXConverter.h>
 
-#include "Commands.h"
+#include "CommandLine.h"
 #include "Console.h"
-#include "Overlays.h"
-#include "Report.h"
+#include "Json.h"
 #include "Source.h"
+#include "base/Text.h"
 
 namespace vyr::cli
 {
 namespace
 {
 
-using Json = nlohmann::ordered_json;
+/// A material or overlay of the files.
+struct Entry
+{
+    /// Empty for an overlay.
+    std::string id;
+    std::string name;
+    /// Schema or type.
+    std::string kind;
+    std::string file;
+    std::vector<std::string> textures;
+};
 
-Json materialList(const assetlib::Library& library)
+std::vector<Entry> materialsOf(const assetlib::Library& library)
 {
     MaterialTranslation::ConverterOptions options;
     MaterialTranslation::MaterialXConverter converter(options);
-    Json list = Json::array();
+    std::vector<Entry> entries;
     for (const assetlib::Material& material : library.materials())
-        list.push_back({{"id", material.id},
-                        {"name", converter.getMaterialName(*material.asset).str()},
-                        {"schema", material.schema},
-                        {"file", material.file},
-                        {"textures", reachOf(*material.asset).images}});
-    return list;
+        entries.push_back({material.id, converter.getMaterialName(*material.asset).str(),
+                           material.schema, material.file, reachOf(*material.asset).images});
+    return entries;
 }
 
-Json overlayList(const assetlib::Library& library)
+std::vector<Entry> overlaysOf(const assetlib::Library& library)
 {
-    Json list = Json::array();
+    std::vector<Entry> entries;
     for (const assetlib::Overlay& overlay : library.overlays())
-        list.push_back({{"name", overlay.name},
-                        {"type", typeName(overlay)},
-                        {"file", overlay.file},
-                        {"textures", texturePathsOf(overlay)}});
-    return list;
+        entries.push_back({{}, overlay.name, typeName(overlay), overlay.file, imagesOf(overlay)});
+    return entries;
+}
+
+void addEntries(const JsonNode& list, const std::vector<Entry>& entries, const char* kind)
+{
+    for (const Entry& entry : entries)
+    {
+        const JsonNode object = list.addObject();
+        if (!entry.id.empty())
+            object.add("id", entry.id);
+        object.add("name", entry.name);
+        object.add(kind, entry.kind);
+        object.add("file", entry.file);
+        object.add("textures", entry.textures);
+    }
+}
+
+std::string asJson(const std::vector<Entry>& materials, const std::vector<Entry>& overlays)
+{
+    const JsonDocument document;
+    addEntries(document.root().addList("materials"), materials, "schema");
+    addEntries(document.root().addList("overlays"), overlays, "type");
+    return document.text();
 }
 
 using Row = std::array<std::string, 4>;
 
-std::string joined(const Json& texts)
+Row toRow(const Entry& entry)
 {
-    std::string all;
-    for (const Json& text : texts)
-        all += (all.empty() ? "" : ", ") + text.get_ref<const std::string&>();
-    return all;
+    std::string textures;
+    for (const std::string& texture : entry.textures)
+        textures += (textures.empty() ? "" : ", ") + texture;
+    Row row = {entry.id, entry.name, entry.kind, textures};
+    if (entry.id.empty())
+        row = {"-", entry.name, "(" + entry.kind + ")", textures};
+    std::ranges::transform(row, row.begin(), base::printable);
+    return row;
 }
 
-/// Number of characters, not bytes.
-std::size_t lengthOf(const std::string& text)
+std::string asTable(const std::vector<Entry>& materials, const std::vector<Entry>& overlays)
 {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(text, [](char c) { return (c & 0xC0) != 0x80; }));
-}
+    std::vector<Row> rows = {{"ID", "NAME", "SCHEMA", "TEXTURES"}};
+    for (const std::vector<Entry>& entries : {materials, overlays})
+        std::ranges::transform(entries, std::back_inserter(rows), toRow);
 
-std::string table(const std::vector<Row>& rows)
-{
-    std::array<std::size_t, 4> widths{};
+    std::array<std::size_t, std::tuple_size_v<Row>> widths{};
     for (const Row& row : rows)
         for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], lengthOf(row[i]));
+            widths[i] = std::max(widths[i], base::characterCount(row[i]));
 
     std::string text;
     for (const Row& row : rows)
     {
         std::string line;
-        for (std::size_t i = 0; i + 1 < row.size(); ++i)
-            line += row[i] + std::string(widths[i] - lengthOf(row[i]) + 2, ' ');
-        line += row.back();
+        for (std::size_t i = 0; i < row.size(); ++i)
+            line += row[i] + std::string(widths[i] - base::characterCount(row[i]) + 2, ' ');
         line.erase(line.find_last_not_of(' ') + 1);
         text += line + '\n';
     }
     return text;
-}
-
-std::string asTable(const Json& content)
-{
-    std::vector<Row> rows = {{"ID", "NAME", "SCHEMA", "TEXTURES"}};
-    for (const Json& material : content["materials"])
-        rows.push_back({oneLine(material["id"].get<std::string>()),
-                        material["name"].get<std::string>(),
-                        oneLine(material["schema"].get<std::string>()),
-                        oneLine(joined(material["textures"]))});
-    for (const Json& overlay : content["overlays"])
-        rows.push_back({"-", oneLine(overlay["name"].get<std::string>()),
-                        "(" + overlay["type"].get<std::string>() + ")",
-                        oneLine(joined(overlay["textures"]))});
-    return table(rows);
 }
 
 } // namespace
@@ -103,10 +113,10 @@ ExitStatus run(const ListCommand& command)
     const std::optional<Source> source = loadFiles(command.files);
     if (!source)
         return ExitStatus::WrongUse;
-    const Json content = {{"materials", materialList(source->library)},
-                          {"overlays", overlayList(source->library)}};
+    const std::vector<Entry> materials = materialsOf(source->library);
+    const std::vector<Entry> overlays = overlaysOf(source->library);
     Results results;
-    results.write(command.json ? jsonText(content) : asTable(content));
+    results.write(command.json ? asJson(materials, overlays) : asTable(materials, overlays));
     return results.delivered() ? ExitStatus::Done : ExitStatus::SomeFailed;
 }
 

@@ -1,22 +1,20 @@
+#include <array>
 #include <exception>
-#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <variant>
 #include <vector>
 
-#include <MaterialTranslation/DocumentIO.h>
+#include <MaterialTranslation/DecalInfo.h>
 #include <MaterialTranslation/MaterialXConverter.h>
+#include <MaterialTranslation/ThreadInfo.h>
 #include <kelvor/platform/core/string/IString.h>
 
-#include "Commands.h"
+#include "CommandLine.h"
 #include "Console.h"
-#include "DocumentNames.h"
-#include "Interruption.h"
-#include "Outcome.h"
-#include "Overlays.h"
-#include "Paths.h"
+#include "Output.h"
 #include "Source.h"
 
 namespace vyr::cli
@@ -25,6 +23,54 @@ namespace
 {
 
 namespace mt = MaterialTranslation;
+
+// The converter's records of what a file asked for.
+
+mt::TextureInfo toInfo(const assetlib::OverlayTexture& texture)
+{
+    mt::TextureInfo info;
+    info.path = texture.path;
+    info.realWorldOffset = texture.realWorldOffset;
+    info.realWorldScale = texture.realWorldScale;
+    info.unit = texture.unit;
+    info.uvOffset = texture.uvOffset;
+    info.uvScale = texture.uvScale;
+    info.rotation = texture.rotation;
+    return info;
+}
+
+std::shared_ptr<mt::TextureInfo> toShared(const std::optional<assetlib::OverlayTexture>& texture)
+{
+    return texture ? std::make_shared<mt::TextureInfo>(toInfo(*texture)) : nullptr;
+}
+
+std::shared_ptr<std::array<float, 4>> toShared(const std::optional<std::array<float, 4>>& values)
+{
+    return values ? std::make_shared<std::array<float, 4>>(*values) : nullptr;
+}
+
+mt::DecalInfo toInfo(const assetlib::Decal& decal)
+{
+    mt::DecalInfo info;
+    info.kind = decal.kind;
+    info.texture = toInfo(decal.texture);
+    info.value0 = decal.value0;
+    info.value1 = decal.value1;
+    info.value2 = decal.value2;
+    return info;
+}
+
+mt::ThreadInfo toInfo(const assetlib::Thread& thread)
+{
+    mt::ThreadInfo info;
+    info.threadTexture = toShared(thread.threadTexture);
+    info.normalTexture = toShared(thread.normalTexture);
+    info.flag = thread.flag;
+    info.baseMaterialColor = toShared(thread.baseMaterialColor);
+    info.startClippingPlane = toShared(thread.startClippingPlane);
+    info.endClippingPlane = toShared(thread.endClippingPlane);
+    return info;
+}
 
 class Text final : public kelvor::platform::core::string::IString
 {
@@ -39,12 +85,7 @@ class Text final : public kelvor::platform::core::string::IString
     std::string _text;
 };
 
-std::string subjectOf(const assetlib::Overlay& overlay)
-{
-    return "overlay \"" + overlay.name + "\" (" + typeName(overlay) + ")";
-}
-
-template <typename Payload>
+template <class Payload>
 bool convert(mt::MaterialXConverter& converter, const std::string& name, mt::ConversionType type,
              Payload payload, Text& document)
 {
@@ -72,29 +113,12 @@ std::string refusalOf(const assetlib::Overlay& overlay, const std::string& name,
                         : names.claim(name, subjectOf(overlay) + " of " + overlay.file);
 }
 
-std::vector<Warning> warningsOf(const assetlib::Overlay& overlay, const Source& source)
+/// Adds what loading found about the overlay.
+void addWarnings(const assetlib::Overlay& overlay, const Source& source, Outcome& outcome)
 {
-    std::vector<Warning> warnings;
     for (const assetlib::LoadWarning& warning : source.warnings)
-    {
         if (warning.file == overlay.file && warning.pointer.starts_with(overlay.pointer + "/"))
-            warnings.push_back({{}, warning.property, warning.message});
-    }
-    return warnings;
-}
-
-void write(const std::string& document, const std::filesystem::path& file, Outcome& outcome)
-{
-    outcome.document = utf8FromPath(file);
-    try
-    {
-        mt::writeFileAtomically(file, document);
-    }
-    catch (const std::exception& error)
-    {
-        outcome.converted = false;
-        outcome.message = writeFailure(outcome.document, error);
-    }
+            outcome.warnings.push_back({{}, warning.property, warning.message});
 }
 
 Outcome convert(mt::MaterialXConverter& converter, const assetlib::Overlay& overlay,
@@ -111,11 +135,9 @@ Outcome convert(mt::MaterialXConverter& converter, const assetlib::Overlay& over
     {
         reason = error.what();
     }
-    addDiagnostics(outcome);
+    addDiagnostics(outcome, outcome.converted ? "" : reason);
     if (outcome.converted)
-        write(document.text(), folder.shown / documentFile(name), outcome);
-    else if (outcome.message.empty())
-        outcome.message = reason;
+        writeDocument(folder.shown / documentFile(name), document.text(), outcome);
     return outcome;
 }
 
@@ -145,8 +167,7 @@ ExitStatus run(const OverlayCommand& command)
         outcome.message = refusalOf(overlay, name, names);
         if (outcome.message.empty())
             outcome = convert(converter, overlay, name, *folder);
-        for (Warning& warning : warningsOf(overlay, *source))
-            outcome.warnings.push_back(std::move(warning));
+        addWarnings(overlay, *source, outcome);
         complainAsIs(messageLines(overlay.file, subjectOf(overlay), outcome));
         if (outcome.converted)
             results.write(outcome.document + '\n');

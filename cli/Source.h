@@ -22,6 +22,16 @@ struct Source
 std::optional<Source> loadFiles(const std::vector<std::string>& files,
                                 const std::vector<std::string>& texturePaths = {});
 
+/// How messages call a material or overlay: `material "mat-3" (GenericSchema)`.
+std::string subjectOf(const assetlib::Material& material);
+std::string subjectOf(const assetlib::Overlay& overlay);
+
+/// "decal" or "thread".
+std::string typeName(const assetlib::Overlay& overlay);
+
+/// The images of an overlay, without empty paths.
+std::vector<std::string> imagesOf(const assetlib::Overlay& overlay);
+
 /// What an asset leads to, itself included.
 struct Reach
 {

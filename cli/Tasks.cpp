@@ -1,16 +1,26 @@
 #include "Tasks.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
+#include <MaterialTranslation/Diagnostics.h>
+#include <MaterialTranslation/MaterialXConverter.h>
+
 #include "Console.h"
-#include "DocumentNames.h"
+#include "base/Paths.h"
 
 namespace vyr::cli
 {
 namespace
 {
+
+namespace fs = std::filesystem;
+using MaterialTranslation::ConverterOptions;
+using MaterialTranslation::MaterialXConverter;
 
 bool allExist(const std::vector<std::string>& ids, const assetlib::Library& library)
 {
@@ -25,8 +35,6 @@ bool allExist(const std::vector<std::string>& ids, const assetlib::Library& libr
     return exist;
 }
 
-using MaterialTranslation::MaterialXConverter;
-
 std::string claim(DocumentNames& names, const std::string& name, const Task& task)
 {
     return names.claim(name, subjectOf(*task.material) + " of " + task.material->file);
@@ -34,7 +42,7 @@ std::string claim(DocumentNames& names, const std::string& name, const Task& tas
 
 /// Tells the materials that are refused whether names with identifiers are of use: different identifiers
 /// may leave equal names.
-void adviseIdNames(std::vector<Task>& tasks, MaterialTranslation::ConverterOptions options)
+void adviseIdNames(std::vector<Task>& tasks, ConverterOptions options)
 {
     const bool idNames = std::exchange(options.useAssetIdInName, true);
     MaterialXConverter converter(options);
@@ -49,9 +57,9 @@ void adviseIdNames(std::vector<Task>& tasks, MaterialTranslation::ConverterOptio
 }
 
 /// Gives each material its name; the later of two with one name is refused.
-void nameTasks(std::vector<Task>& tasks, MaterialXConverter& converter,
-               const MaterialTranslation::ConverterOptions& options)
+void nameTasks(std::vector<Task>& tasks, ConverterOptions options)
 {
+    MaterialXConverter converter(options);
     DocumentNames names;
     bool allNamed = true;
     for (Task& task : tasks)
@@ -75,35 +83,147 @@ void attachWarnings(std::vector<Task>& tasks, const std::vector<assetlib::LoadWa
     {
         const Reach reach = reachOf(*task.material->asset);
         for (const assetlib::LoadWarning& warning : warnings)
-        {
             if (reach.ids.contains(warning.asset))
                 task.warnings.push_back({code, warning.property, warning.message});
-        }
     }
 }
 
-} // namespace
+/// A place, and where the file there lies if it is a link.
+using Places = std::pair<fs::path, fs::path>;
 
-std::string subjectOf(const assetlib::Material& material)
+Places placesOf(const std::string& file)
 {
-    return "material \"" + material.id + "\" (" + material.schema + ")";
+    const fs::path place = placeOf(base::pathFromUtf8(file));
+    std::error_code error;
+    const fs::path target = fs::canonical(place, error);
+    return {place, error ? place : target};
 }
 
-std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const Source& source,
-                                           MaterialXConverter& converter)
+class Preflight
+{
+  public:
+    explicit Preflight(const ConvertCommand& command)
+        : _folder(placeOf(base::pathFromUtf8(command.output) / "*").parent_path())
+    {
+        for (const std::string& file : command.files)
+        {
+            const auto [place, target] = placesOf(file);
+            for (const fs::path& input : {place, target})
+            {
+                _inputs.push_back(input);
+                keep(input, "an input file");
+            }
+        }
+        if (command.report.empty())
+            return;
+        _report = placeOf(base::pathFromUtf8(command.report));
+        keep(*_report, "the report");
+    }
+
+    /// Why the report cannot be written; empty when nothing speaks against it.
+    std::string reportProblem() const
+    {
+        std::error_code ignored;
+        if (!_report)
+            return {};
+        if (std::ranges::find(_inputs, *_report) != _inputs.end())
+            return "it is an input file";
+        if (fs::is_directory(*_report, ignored))
+            return "it is a folder";
+        // A link may lead to what this process has open, as "/dev/stdout" does.
+        const fs::file_status status = fs::symlink_status(*_report, ignored);
+        if (fs::exists(status) && !fs::is_regular_file(status))
+            return "it is no ordinary file";
+        const fs::path parent = _report->parent_path();
+        if (parent != _folder && !fs::is_directory(parent, ignored))
+            return "there is no such folder";
+        return {};
+    }
+
+    /// What is wrong with the files of a material; empty for nothing.
+    /// @param names of all materials of the run, which are those of their folders.
+    std::string problemOf(const Task& task, const std::unordered_set<std::string>& names)
+    {
+        const auto kept = _kept.find(documentFile(task.name).native());
+        return kept == _kept.end() ? imageProblem(task, names)
+                                   : "its document would replace " + kept->second;
+    }
+
+  private:
+    /// An image is an input like a library, and must not lie where another material's images go: they
+    /// might replace it.
+    std::string imageProblem(const Task& task, const std::unordered_set<std::string>& names)
+    {
+        for (const std::string& reference : reachOf(*task.material->asset).images)
+        {
+            const auto& [image, target] = placesOfImage(reference);
+            if (image == _report || target == _report)
+                return "the report would replace its image " + reference;
+            const fs::path folder = image.parent_path();
+            const std::string name = base::utf8FromPath(folder.filename());
+            if (folder.parent_path() == _folder && name != task.name && names.contains(name))
+                return "its image " + reference + " lies in the folder of another material";
+        }
+        return {};
+    }
+
+    /// Many materials share an image, and to find its places asks the file system.
+    const Places& placesOfImage(const std::string& reference)
+    {
+        const auto [entry, isNew] = _images.try_emplace(reference);
+        if (isNew)
+            entry->second = placesOf(reference);
+        return entry->second;
+    }
+
+    void keep(const fs::path& place, const std::string& what)
+    {
+        if (place.parent_path() == _folder)
+            _kept.try_emplace(place.filename().native(), what);
+    }
+
+    fs::path _folder;
+    std::vector<fs::path> _inputs;
+    std::optional<fs::path> _report;
+    std::unordered_map<std::string, Places> _images;
+    /// Files in the output folder that are not to be replaced, and what they are.
+    std::unordered_map<fs::path::string_type, std::string> _kept;
+};
+
+} // namespace
+
+std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const Source& source)
 {
     if (!allExist(command.assets, source.library))
         return std::nullopt;
     const std::unordered_set<std::string> selected(command.assets.begin(), command.assets.end());
     std::vector<Task> tasks;
     for (const assetlib::Material& material : source.library.materials())
-    {
         if (selected.empty() || selected.contains(material.id))
             tasks.emplace_back().material = &material;
-    }
-    nameTasks(tasks, converter, command.options);
+    nameTasks(tasks, command.options);
     attachWarnings(tasks, source.warnings);
     return tasks;
+}
+
+bool filesAreApart(const ConvertCommand& command, const std::vector<Task>& tasks)
+{
+    Preflight preflight(command);
+    if (const std::string problem = preflight.reportProblem(); !problem.empty())
+    {
+        complain("vyr-mtlx: --report " + command.report + ": " + problem);
+        return false;
+    }
+    std::unordered_set<std::string> names;
+    for (const Task& task : tasks)
+        names.insert(task.name);
+    for (const Task& task : tasks)
+        if (const std::string problem = preflight.problemOf(task, names); !problem.empty())
+        {
+            complain("vyr-mtlx: " + subjectOf(*task.material) + ": " + problem);
+            return false;
+        }
+    return true;
 }
 
 } // namespace vyr::cli

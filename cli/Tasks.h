@@ -1,14 +1,11 @@
 #pragma once
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <MaterialTranslation/MaterialXConverter.h>
-
-#include "Commands.h"
-#include "Outcome.h"
+#include "CommandLine.h"
+#include "Output.h"
 #include "Source.h"
 
 namespace vyr::cli
@@ -27,13 +24,13 @@ struct Task
     std::vector<Warning> warnings;
 };
 
-/// How messages call a material: `material "mat-3" (GenericSchema)`.
-std::string subjectOf(const assetlib::Material& material);
-
 /// The materials that the command selects, in input order, with their names.
-/// @param converter asked for the names.
 /// @return nothing when a selected material does not exist; standard error then names it.
-std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const Source& source,
-                                           MaterialTranslation::MaterialXConverter& converter);
+std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const Source& source);
+
+/// What can be told about the files to be written before anything is: no input is written over, be it
+/// a library or an image, the report has a folder to go to, and it is not one of the documents.
+/// @return false when something is wrong; standard error then says what.
+bool filesAreApart(const ConvertCommand& command, const std::vector<Task>& tasks);
 
 } // namespace vyr::cli

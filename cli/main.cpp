@@ -3,10 +3,7 @@
 #include <variant>
 
 #include "CommandLine.h"
-#include "Commands.h"
 #include "Console.h"
-#include "ExitStatus.h"
-#include "Interruption.h"
 
 namespace
 {

@@ -1,17 +1,3 @@
-#include "Reference.h"
-#include "baking/HeightImage.h"
-#include "baking/NoiseImage.h"
-#include "baking/NoiseRows.h"
-#include "baking/NormalImage.h"
-#include "baking/ParallelRows.h"
-#include "baking/kernels/Kernels.h"
-
-#include <MaterialTranslation/Bakes.h>
-
-#include <benchmark/benchmark.h>
-
-#include <OpenImageIO/imageio.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -23,17 +9,29 @@
 #include <string>
 #include <vector>
 
+#include <OpenImageIO/imageio.h>
+#include <benchmark/benchmark.h>
+
+#include <MaterialTranslation/Bakes.h>
+
+#include "Reference.h"
+#include "baking/HeightImage.h"
+#include "baking/NoiseImage.h"
+#include "baking/NormalImage.h"
+
 /// @file
 /// Every bake, every kernel set and the road from file to file, beside the plain reference and beside the memory
 /// traffic alone. Names are <what>/<by whom>/<size>/<threads>, which compare.py turns into a table of ratios.
 namespace vyr::MaterialTranslation::baking
 {
+
 namespace
 {
+
 using benchmark::State;
 
-constexpr int kSizes[] = {64, 1024, 4096, 8192};
-constexpr int kThreads[] = {1, 2};
+constexpr int sizes[] = {64, 1024, 4096, 8192};
+constexpr int threadCounts[] = {1, 2};
 
 void addBenchmark(const std::string& name, int size, int threads, bool once,
                   const std::function<void()>& prepare, const std::function<void()>& work)
@@ -45,18 +43,14 @@ void addBenchmark(const std::string& name, int size, int threads, bool once,
         {
             prepare();
             for (auto _ : state)
-            {
                 work();
-            }
             const double pixels = static_cast<double>(size) * size;
             state.counters["Mpixel/s"] =
                 benchmark::Counter(pixels * 1e-6, benchmark::Counter::kIsIterationInvariantRate);
         });
     added->UseRealTime()->Unit(benchmark::kMillisecond);
     if (once)
-    {
         added->Iterations(1);
-    }
 }
 
 /// The floats that the kernels work on, made when first needed and kept for the next benchmark of that size.
@@ -77,9 +71,7 @@ Buffers& buffers(int size)
         current.normals.reset(OIIO::ImageSpec(size, size, 3, OIIO::TypeFloat));
         current.noise.reset(OIIO::ImageSpec(size, size, 1, OIIO::TypeFloat));
         for (OIIO::ImageBuf::Iterator<float> i(current.heights); !i.done(); ++i)
-        {
             i[0] = static_cast<float>((i.x() * 7919 + i.y() * 104729) % 256) / 255.0f;
-        }
     }
     return current;
 }
@@ -97,12 +89,10 @@ void runNormalKernel(const KernelSet& set, int size, int threads)
                     [&](int yBegin, int yEnd)
                     {
                         for (int y = yBegin; y < yEnd; ++y)
-                        {
                             set.normalRow({heightRow(b.heights, y - 1), heightRow(b.heights, y),
                                            heightRow(b.heights, y + 1)},
                                           static_cast<std::size_t>(size), {1.0f, 1.0f},
                                           static_cast<float*>(b.normals.pixeladdr(0, y)));
-                        }
                     });
 }
 
@@ -118,10 +108,8 @@ void moveNormalBytes(int size, int threads)
                         {
                             auto* out = static_cast<std::byte*>(b.normals.pixeladdr(0, y));
                             for (std::size_t copy = 0; copy < 3; ++copy)
-                            {
                                 std::memcpy(out + copy * rowBytes, heightRow(b.heights, y),
                                             rowBytes);
-                            }
                         }
                     });
 }
@@ -134,16 +122,14 @@ void fillNoiseBytes(int size, int threads)
                     [&](int yBegin, int yEnd)
                     {
                         for (int y = yBegin; y < yEnd; ++y)
-                        {
                             std::memset(b.noise.pixeladdr(0, y), y & 0xFF, rowBytes);
-                        }
                     });
 }
 
 struct NoiseKind
 {
     const char* name;
-    reference::Noise noise;
+    NoiseBakeOptions noise;
     int octaves;
 };
 
@@ -151,8 +137,9 @@ std::vector<NoiseKind> noiseKinds()
 {
     const auto kind = [](const char* type, float levels, float phase)
     {
-        reference::Noise noise;
+        NoiseBakeOptions noise;
         noise.type = type;
+        noise.size = 1.0f;
         noise.levels = levels;
         noise.phase = phase;
         noise.thresholdHigh = 1.0f;
@@ -177,15 +164,11 @@ void runNoiseKernel(const KernelSet& set, const NoiseKind& kind, int size, int t
                     });
 }
 
-OIIO::ImageSpec noiseParameters(const reference::Noise& noise, int size)
+void runNoise(NoiseBakeOptions noise, int size, int threads)
 {
-    OIIO::ImageSpec spec(size, size, 1, OIIO::TypeFloat);
-    spec.attribute("noise:type", noise.type);
-    spec.attribute("noise:size", noise.size);
-    spec.attribute("noise:levels", noise.levels);
-    spec.attribute("noise:phase", noise.phase);
-    spec.attribute("noise:thresholdHigh", noise.thresholdHigh);
-    return spec;
+    noise.width = noise.height = size;
+    noise.threads = threads;
+    bakeNoise(noise);
 }
 
 void runPlainNormals(const OIIO::ImageBuf& heights, OIIO::ImageBuf& normals, int threads)
@@ -195,7 +178,7 @@ void runPlainNormals(const OIIO::ImageBuf& heights, OIIO::ImageBuf& normals, int
                     { reference::bakeNormalRows(heights, 1.0f, 1.0f, yBegin, yEnd, normals); });
 }
 
-void runPlainNoise(const reference::Noise& noise, OIIO::ImageBuf& image, int threads)
+void runPlainNoise(const NoiseBakeOptions& noise, OIIO::ImageBuf& image, int threads)
 {
     const int size = image.spec().width;
     forEachRowBlock(size, size, threads, [&](int yBegin, int yEnd)
@@ -244,7 +227,7 @@ void addBakes(int size, int threads)
     {
         const std::string name = std::string("NoiseBake_") + kind.name + '/';
         addBenchmark(name + "ours", size, threads, false, prepare,
-                     [=] { bakeNoiseImage(noiseParameters(kind.noise, size), threads); });
+                     [=] { runNoise(kind.noise, size, threads); });
         addBenchmark(name + "plain", size, threads, true, prepare,
                      [=]
                      {
@@ -268,9 +251,7 @@ std::filesystem::path folder()
 OIIO::ImageBuf bumpTile()
 {
     if (const char* given = std::getenv("VYR_BENCH_BUMP"))
-    {
         return readHeightImage(given, {}).heights.copy(OIIO::TypeUInt8);
-    }
     OIIO::ImageBuf tile(OIIO::ImageSpec(1024, 1024, 1, OIIO::TypeUInt8));
     unsigned grain = 1;
     for (OIIO::ImageBuf::Iterator<unsigned char> i(tile); !i.done(); ++i)
@@ -289,9 +270,7 @@ std::filesystem::path bumpFile(int size)
 {
     const std::filesystem::path path = folder() / ("bump_" + std::to_string(size) + ".jpg");
     if (std::filesystem::exists(path))
-    {
         return path;
-    }
     const OIIO::ImageBuf tile = bumpTile();
     const auto mirrored = [](int at, int length)
     {
@@ -300,10 +279,8 @@ std::filesystem::path bumpFile(int size)
     };
     OIIO::ImageBuf image(OIIO::ImageSpec(size, size, 1, OIIO::TypeUInt8));
     for (OIIO::ImageBuf::Iterator<unsigned char> i(image); !i.done(); ++i)
-    {
         i[0] = tile.getchannel(mirrored(i.x(), tile.spec().width),
                                mirrored(i.y(), tile.spec().height), 0, 0);
-    }
     image.specmod().attribute("compression", "jpeg:92");
     image.write(path.string());
     return path;
@@ -342,11 +319,11 @@ void addRoads(int size, int threads)
 }
 
 /// Google Benchmark runs them in this order, so that ours and the plain version of a size meet the same machine.
-const bool kRegistered = []
+const bool registered = []
 {
-    for (const int size : kSizes)
+    for (const int size : sizes)
     {
-        for (const int threads : kThreads)
+        for (const int threads : threadCounts)
         {
             addKernels(size, threads);
             addBakes(size, threads);
@@ -355,5 +332,7 @@ const bool kRegistered = []
     }
     return true;
 }();
+
 } // namespace
+
 } // namespace vyr::MaterialTranslation::baking

@@ -41,23 +41,15 @@ constexpr Signature signatures[] = {
     {"BM"sv, "bmp"},
     {"#?"sv, "hdr"},
     {"\x01\xDA"sv, "sgi"},
-    {"P1"sv, "pnm"},
-    {"P2"sv, "pnm"},
-    {"P3"sv, "pnm"},
-    {"P4"sv, "pnm"},
-    {"P5"sv, "pnm"},
-    {"P6"sv, "pnm"},
-    {"PF"sv, "pnm"},
-    {"Pf"sv, "pnm"},
 };
 
 const char* formatOf(const std::filesystem::path& path, std::string_view start)
 {
     for (const Signature& signature : signatures)
-    {
         if (start.starts_with(signature.bytes))
             return signature.format;
-    }
+    if (start.size() >= 2 && start[0] == 'P' && "123456Ff"sv.find(start[1]) != std::string::npos)
+        return "pnm";
     if (start.starts_with("RIFF") && start.substr(8).starts_with("WEBP"))
         return "webp";
     const std::string extension = base::utf8FromPath(path.extension());

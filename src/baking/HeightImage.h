@@ -8,8 +8,6 @@
 
 #include "baking/ImageRows.h"
 
-/// @file
-/// Reading of images.
 namespace vyr::MaterialTranslation::baking
 {
 

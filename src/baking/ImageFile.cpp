@@ -26,13 +26,10 @@ constexpr const char* extensions[] = {".png", ".tif", ".tiff", ".exr", ".tga",
 constexpr const char* jpegExtensions[] = {".jpg", ".jpeg", ".jpe", ".jfif", ".jfi", ".jif"};
 
 /// Bits of PNG's row filters.
-enum PngFilter : int
-{
-    noFilter = 0x08,
-    upFilter = 0x20,
-    averageFilter = 0x40,
-    paethFilter = 0x80,
-};
+constexpr int noFilter = 0x08;
+constexpr int upFilter = 0x20;
+constexpr int averageFilter = 0x40;
+constexpr int paethFilter = 0x80;
 
 struct PngSetting
 {
@@ -139,15 +136,6 @@ std::vector<unsigned char> encodeAsPng(const OIIO::ImageBuf& image, int threads)
     return encodePng(bytes.get(), spec);
 }
 
-std::vector<unsigned char> encodeAs(const std::string& extension, const OIIO::ImageBuf& image,
-                                    int threads)
-{
-    if (base::equalsIgnoringCase(extension, ".png"))
-        return encodeAsPng(image, threads);
-    return encodeImage("image" + extension, image.spec(), image.spec().format, image.localpixels(),
-                       threads);
-}
-
 } // namespace
 
 std::vector<unsigned char> encodeImage(const std::string& name, OIIO::ImageSpec spec,
@@ -189,10 +177,14 @@ void checkWritable(const std::filesystem::path& destination)
 void writeImage(const OIIO::ImageBuf& image, const std::filesystem::path& destination, int threads)
 {
     checkWritable(destination);
+    const std::string extension = base::utf8FromPath(destination.extension());
     std::vector<unsigned char> bytes;
     try
     {
-        bytes = encodeAs(base::utf8FromPath(destination.extension()), image, threads);
+        bytes = base::equalsIgnoringCase(extension, ".png")
+                    ? encodeAsPng(image, threads)
+                    : encodeImage("image" + extension, image.spec(), image.spec().format,
+                                  image.localpixels(), threads);
     }
     catch (const std::runtime_error& error)
     {

@@ -8,8 +8,6 @@
 
 #include "baking/ImageRows.h"
 
-/// @file
-/// Writing of images.
 namespace vyr::MaterialTranslation::baking
 {
 

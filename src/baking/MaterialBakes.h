@@ -37,7 +37,7 @@ struct BumpBake
     /// Set as "texture_RealWorldScaleX" and "texture_RealWorldScaleY" of the bake, which does not use them.
     float realWorldScaleX = 0.0f;
     float realWorldScaleY = 0.0f;
-    ImageLimits limits;
+    ImageLimits limits{};
     /// 0: as many threads as OpenImageIO uses by default; 1: only the calling thread.
     int threads = 0;
 };
@@ -46,7 +46,7 @@ struct BumpBake
 struct NoiseBumpBake
 {
     /// Width and height are those of the normal map.
-    NoiseBakeOptions noise;
+    NoiseBakeOptions noise{};
     /// Strength of the relief; 0 leaves the slopes as they are.
     float bumpAmount = 0.0f;
 };

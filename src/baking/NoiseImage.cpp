@@ -217,7 +217,7 @@ void bakeNoiseRows(const NoiseField& field, const NoiseShade& shade, const Kerne
     }
 }
 
-OIIO::ImageBuf bakeNoise(const NoiseBakeOptions& given)
+OIIO::ImageBuf bakeNoise(const NoiseBakeOptions& given, const KernelSet& set)
 {
     const NoiseBakeOptions options = withinRanges(given);
     const OIIO::ImageSpec spec = imageSpec(options);
@@ -237,7 +237,7 @@ OIIO::ImageBuf bakeNoise(const NoiseBakeOptions& given)
     forEachRowBlock(spec.width, spec.height, options.threads,
                     [&](int yBegin, int yEnd)
                     {
-                        bakeNoiseRows(field, shade, kernels(), yBegin, yEnd,
+                        bakeNoiseRows(field, shade, set, yBegin, yEnd,
                                       static_cast<float*>(image.pixeladdr(0, yBegin)));
                     });
     return image;

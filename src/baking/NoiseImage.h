@@ -22,7 +22,7 @@ inline constexpr float mostNoiseLevels = 32.0f;
 ///         is zero throughout and has the error "Unsupported Noise type"; the type goes to standard error.
 ///         Without pixels, and with an error, when width or height is not greater than 0.
 /// @throws std::runtime_error when memory does not hold the result.
-OIIO::ImageBuf bakeNoise(const NoiseBakeOptions& options);
+OIIO::ImageBuf bakeNoise(const NoiseBakeOptions& options, const KernelSet& set = kernels());
 
 /// The same with the parameters as attributes of a specification, whose width and height are those of the image:
 ///

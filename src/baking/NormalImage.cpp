@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "baking/ImageRows.h"
-#include "baking/kernels/Kernels.h"
 
 namespace vyr::MaterialTranslation::baking
 {
@@ -71,7 +70,8 @@ class HeightReader
 
 } // namespace
 
-OIIO::ImageBuf bakeNormals(const OIIO::ImageBuf& height, const NormalBakeOptions& options)
+OIIO::ImageBuf bakeNormals(const OIIO::ImageBuf& height, const NormalBakeOptions& options,
+                           const KernelSet& set)
 {
     const OIIO::ImageSpec& source = height.spec();
     OIIO::ImageSpec spec(source.width, source.height, 3, OIIO::TypeFloat);
@@ -82,17 +82,18 @@ OIIO::ImageBuf bakeNormals(const OIIO::ImageBuf& height, const NormalBakeOptions
         image.errorfmt("The height image has no pixels");
         return image;
     }
-    const SlopeStrength strength = slopeStrength(options, spec.width, spec.height);
     forEachRowBlock(
         spec.width, spec.height, options.threads,
         [&](int yBegin, int yEnd)
         {
+            // Here, where the floating-point environment is the default one.
+            const SlopeStrength strength = slopeStrength(options, spec.width, spec.height);
             HeightReader reader(height);
             for (int y = yBegin; y < yEnd; ++y)
             {
                 const HeightRows rows{reader.row(y - 1), reader.row(y), reader.row(y + 1)};
-                kernels().normalRow(rows, static_cast<std::size_t>(spec.width), strength,
-                                    static_cast<float*>(image.pixeladdr(0, y)));
+                set.normalRow(rows, static_cast<std::size_t>(spec.width), strength,
+                              static_cast<float*>(image.pixeladdr(0, y)));
             }
         });
     return image;

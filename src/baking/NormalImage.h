@@ -4,6 +4,8 @@
 
 #include <MaterialTranslation/Bakes.h>
 
+#include "baking/kernels/Kernels.h"
+
 namespace vyr::MaterialTranslation::baking
 {
 
@@ -19,7 +21,8 @@ namespace vyr::MaterialTranslation::baking
 /// @return "normal_image": of the size of the height image's pixels, origin 0, three channels of 32-bit float,
 ///         colour space "Linear". Without pixels, and with an error, when the height image has none.
 /// @throws std::runtime_error when memory does not hold the result.
-OIIO::ImageBuf bakeNormals(const OIIO::ImageBuf& height, const NormalBakeOptions& options);
+OIIO::ImageBuf bakeNormals(const OIIO::ImageBuf& height, const NormalBakeOptions& options,
+                           const KernelSet& set = kernels());
 
 /// The same with the parameters as attributes:
 ///

@@ -1,169 +1,146 @@
 #include "baking/NoiseImage.h"
 
-#include "baking/Bits.h"
-#include "baking/NoiseRows.h"
-#include "baking/Reference.h"
+#include <random>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <limits>
-#include <random>
-#include <string_view>
+#include "baking/Images.h"
+#include "baking/Reference.h"
 
 namespace vyr::MaterialTranslation::baking
 {
+
 namespace
 {
-using reference::Noise;
 
-constexpr const char* kTypes[] = {"noise_regular", "noise_fractal", "noise_turbulence"};
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr const char* types[] = {"noise_regular", "noise_fractal", "noise_turbulence"};
 
-OIIO::ImageSpec parameters(const Noise& noise, int width, int height, int channels)
+NoiseBakeOptions noiseOf(const char* type, int width, int height, float size, float phase,
+                         float levels = 1.0f)
 {
-    OIIO::ImageSpec spec(width, height, 1, OIIO::TypeFloat);
-    spec.attribute("noise:type", noise.type);
-    spec.attribute("noise:size", noise.size);
-    spec.attribute("noise:phase", noise.phase);
-    spec.attribute("noise:levels", noise.levels);
-    spec.attribute("noise:thresholdLow", noise.thresholdLow);
-    spec.attribute("noise:thresholdHigh", noise.thresholdHigh);
-    if (channels == 3)
-    {
-        const OIIO::TypeDesc color(OIIO::TypeDesc::FLOAT, 3);
-        spec.attribute("noise:color1", color, noise.color1);
-        spec.attribute("noise:color2", color, noise.color2);
-    }
-    return spec;
+    NoiseBakeOptions noise;
+    noise.width = width;
+    noise.height = height;
+    noise.type = type;
+    noise.color1 = {0.0f, -3.5f, 0.0f};
+    noise.size = size;
+    noise.thresholdLow = 0.2f;
+    noise.thresholdHigh = 0.8f;
+    noise.levels = levels;
+    noise.phase = phase;
+    return noise;
 }
 
-OIIO::ImageBuf plainNoise(const Noise& noise, int width, int height, int channels)
+OIIO::ImageBuf plainNoise(const NoiseBakeOptions& noise)
 {
-    OIIO::ImageBuf image(OIIO::ImageSpec(width, height, channels, OIIO::TypeFloat));
-    reference::bakeNoiseRows(noise, 0, height, image);
+    OIIO::ImageBuf image(
+        OIIO::ImageSpec(noise.width, noise.height, noise.color2 ? 3 : 1, OIIO::TypeFloat));
+    reference::bakeNoiseRows(noise, 0, noise.height, image);
     return image;
 }
 
-/// Bakes with one set of kernels.
-OIIO::ImageBuf bakeWith(const KernelSet& set, const Noise& noise, const OIIO::ImageSpec& spec)
+void expectExact(const NoiseBakeOptions& noise)
 {
-    const std::string_view type = noise.type;
-    const bool turbulence = type == "noise_turbulence";
-    const int octaves = type == "noise_regular" ? 1 : static_cast<int>(std::ceil(noise.levels));
-    const float(&a)[3] = noise.color1;
-    const float(&b)[3] = noise.color2;
-    OIIO::ImageBuf image(spec);
-    bakeNoiseRows({spec.width, spec.height, noise.size, noise.phase, octaves, turbulence},
-                  {!turbulence,
-                   noise.thresholdLow,
-                   noise.thresholdHigh,
-                   spec.nchannels,
-                   {a[0], a[1], a[2]},
-                   {b[0], b[1], b[2]}},
-                  set, 0, spec.height, static_cast<float*>(image.localpixels()));
-    return image;
-}
-
-/// Compares each kernel set and the whole bake with the reference.
-void expectExact(const Noise& noise, int width, int height, int channels)
-{
-    SCOPED_TRACE(::testing::Message()
-                 << width << " x " << height << " x " << channels << ' ' << noise.type << " size "
-                 << noise.size << " phase " << noise.phase << " levels " << noise.levels
-                 << " thresholds " << noise.thresholdLow << ' ' << noise.thresholdHigh);
-    const OIIO::ImageBuf expected = plainNoise(noise, width, height, channels);
+    const OIIO::ImageBuf expected = plainNoise(noise);
     for (const KernelSet& set : kernelSets())
-        ASSERT_TRUE(sameBits(bakeWith(set, noise, expected.spec()), expected)) << set.name;
-    const OIIO::ImageSpec spec = parameters(noise, width, height, channels);
-    ASSERT_TRUE(sameBits(bakeNoiseImage(spec), expected));
+        ASSERT_TRUE(sameBits(bakeNoise(noise, set), expected)) << set.name;
 }
 
-Noise noiseOf(const char* type, float size, float phase, float levels = 1.0F)
-{
-    return {type, size, phase, levels, 0.2F, 0.8F, {0.0F, -3.5F, 0.0F}, {1.0F, 1.0F, 1e20F}};
-}
 } // namespace
 
 TEST(NoiseKernel, EqualsTheReferenceInEveryBit)
 {
-    constexpr int kShapes[][2] = {{61, 43}, {1, 1},    {1, 77},  {300, 1},
-                                  {3, 5},   {257, 66}, {15, 17}, {511, 2}};
-    constexpr float kPhases[] = {0.3F,   0.0F,   -0.0F, 1.0F, 2.0F,   3.0F,  -1.0F, 0.5F,
-                                 -0.25F, 17.75F, 1e-8F, 1e9F, -1e10F, 3e38F, kNan,  kInfinity};
-    constexpr float kSizes[] = {3.0F,  1e-44F, 1e-38F, 1e-9F, 1e-6F, 5e-6F,
-                                1e-3F, 0.1F,   100.0F, 1e5F,  1e30F, kInfinity};
-    constexpr float kLevels[] = {2.0F, 0.5F, 1.0F, 1.5F, 2.5F, 3.0F, 4.0F, 5.5F, 8.0F, 31.75F};
-    constexpr float kThresholds[][2] = {
-        {0.2F, 0.8F},  {0.0F, 0.0F}, {0.5F, 0.5F}, {0.3F, 0.7F},        {0.7F, 0.3F},
-        {-1.0F, 2.0F}, {kNan, 0.5F}, {0.5F, kNan}, {0.45F, 0.4500001F}, {-kInfinity, kInfinity}};
+    constexpr int shapes[][2] = {{61, 43}, {1, 1},    {1, 77},  {300, 1},
+                                 {3, 5},   {257, 66}, {15, 17}, {511, 2}};
+    constexpr float phases[] = {0.3f,   0.0f,   -0.0f, 1.0f, 2.0f,   3.0f,  -1.0f, 0.5f,
+                                -0.25f, 17.75f, 1e-8f, 1e9f, -1e10f, 3e38f, nan,   infinity};
+    constexpr float sizes[] = {3.0f,  1e-44f, 1e-38f, 1e-9f, 1e-6f, 5e-6f,
+                               1e-3f, 0.1f,   100.0f, 1e5f,  1e30f, infinity};
+    constexpr float levels[] = {2.0f, 0.5f, 1.0f, 1.5f, 2.5f, 3.0f, 4.0f, 5.5f, 8.0f, 31.75f};
+    constexpr std::pair<float, float> thresholds[] = {
+        {0.2f, 0.8f},  {0.0f, 0.0f}, {0.5f, 0.5f}, {0.3f, 0.7f},        {0.7f, 0.3f},
+        {-1.0f, 2.0f}, {nan, 0.5f},  {0.5f, nan},  {0.45f, 0.4500001f}, {-infinity, infinity}};
     std::mt19937 random(5);
     // Mostly the first of a list, so that one odd value at a time can show.
     const auto any = [&](const auto& list) -> const auto&
     { return list[random() % 2 == 0 ? 0 : random() % std::size(list)]; };
     for (std::size_t i = 0; i < 400; ++i)
     {
-        const auto& [width, height] = any(kShapes);
-        const auto& [low, high] = any(kThresholds);
-        Noise noise = noiseOf(kTypes[i % 3], any(kSizes), any(kPhases), any(kLevels));
-        noise.thresholdLow = low;
-        noise.thresholdHigh = high;
-        expectExact(noise, width, height, i % 2 == 0 ? 1 : 3);
+        const auto& [width, height] = any(shapes);
+        NoiseBakeOptions noise =
+            noiseOf(types[i % 3], width, height, any(sizes), any(phases), any(levels));
+        std::tie(noise.thresholdLow, noise.thresholdHigh) = any(thresholds);
+        if (i % 2 == 1)
+            noise.color2 = {1.0f, 1.0f, 1e20f};
+        SCOPED_TRACE(i);
+        expectExact(noise);
     }
-    expectExact(noiseOf("noise_fractal", 1.0F, 0.0F, 3.0F), 1023, 1025, 1);
+    // In blocks of rows, side by side.
+    NoiseBakeOptions large = noiseOf("noise_fractal", 523, 525, 1.0f, 0.4f, 3.0f);
+    large.threads = 3;
+    expectExact(large);
 }
 
 /// Against a fault that reference and kernels share: values of a separate program in double precision, written
 /// from the formulas as weighted sums over the corners.
 TEST(NoiseImage, HasTheKnownValues)
 {
-    constexpr float kPoints[][5] = {
-        {0.5F, 0.5F, 0.0F, 0.0F, 0.2175F},       {0.25F, 2.75F, 0.0F, 0.0F, 0.262529297F},
-        {7.3F, 1.6F, 0.0F, 0.4F, -0.039818127F}, {-4.2F, 3.1F, 2.7F, -1.3F, 0.363948230F},
-        {3.0F, 5.0F, 0.0F, 1.0F, 0.0F},
+    constexpr float points[][5] = {
+        {0.5f, 0.5f, 0.0f, 0.0f, 0.2175f},       {0.25f, 2.75f, 0.0f, 0.0f, 0.262529297f},
+        {7.3f, 1.6f, 0.0f, 0.4f, -0.039818127f}, {-4.2f, 3.1f, 2.7f, -1.3f, 0.363948230f},
+        {3.0f, 5.0f, 0.0f, 1.0f, 0.0f},
     };
-    for (const auto& [x, y, z, w, value] : kPoints)
-        EXPECT_NEAR(reference::noise4(x, y, z, w), value, 2e-6F) << x;
-    constexpr float kPixel[] = {0.379771562F, 0.255091386F, 0.489817228F};
-    for (std::size_t type = 0; type < std::size(kTypes); ++type)
+    for (const auto& [x, y, z, w, value] : points)
+        EXPECT_NEAR(reference::noise4(x, y, z, w), value, 2e-6f) << x;
+    constexpr float pixel[] = {0.379771562f, 0.255091386f, 0.489817228f};
+    for (std::size_t type = 0; type < std::size(types); ++type)
     {
-        Noise noise = noiseOf(kTypes[type], 10.0F, 0.25F, 3.0F);
-        noise.thresholdLow = 0.0F;
-        noise.thresholdHigh = 1.0F;
-        const OIIO::ImageBuf image = bakeNoiseImage(parameters(noise, 40, 20, 1));
-        EXPECT_NEAR(image.getchannel(7, 3, 0, 0), kPixel[type], 2e-6F) << kTypes[type];
+        NoiseBakeOptions noise = noiseOf(types[type], 40, 20, 10.0f, 0.25f, 3.0f);
+        noise.thresholdLow = 0.0f;
+        noise.thresholdHigh = 1.0f;
+        EXPECT_NEAR(bakeNoise(noise).getchannel(7, 3, 0, 0), pixel[type], 2e-6f) << types[type];
     }
 }
 
 TEST(NoiseImage, TakesItsParametersWithinTheirRanges)
 {
-    for (const float levels : {0.0F, -5.0F, -kInfinity, kNan, 32.5F, kInfinity})
+    for (const float levels : {0.0f, -5.0f, -infinity, nan, 32.5f, infinity})
     {
-        const bool many = levels > 32.0F;
-        const Noise taken = noiseOf("noise_fractal", 1.0F, 0.25F, many ? 32.0F : 1.0F);
-        const OIIO::ImageSpec spec =
-            parameters(noiseOf("noise_fractal", many ? 1.0F : levels, 0.25F, levels), 40, 30, 1);
-        EXPECT_EQ(noiseWarnings(spec).size(), many ? 1U : 0U) << levels;
-        EXPECT_TRUE(sameBits(bakeNoiseImage(spec), plainNoise(taken, 40, 30, 1))) << levels;
+        const float taken = levels > 32.0f ? 32.0f : 1.0f;
+        const float size = levels > 32.0f ? 1.0f : levels; // which has the same range below
+        EXPECT_TRUE(sameBits(bakeNoise(noiseOf(types[1], 40, 30, size, 0.25f, levels)),
+                             plainNoise(noiseOf(types[1], 40, 30, 1.0f, 0.25f, taken))))
+            << levels;
     }
-    // Colours count when both are given.
-    OIIO::ImageSpec spec = parameters(noiseOf("Noise_TURBULENCE", 5.0F, 0.0F), 9, 7, 3);
-    EXPECT_EQ(bakeNoiseImage(spec).nchannels(), 3);
-    spec.erase_attribute("noise:color2");
-    EXPECT_EQ(bakeNoiseImage(spec).nchannels(), 1);
-    spec.width = 0;
-    EXPECT_TRUE(bakeNoiseImage(spec).has_error());
+    EXPECT_TRUE(bakeNoise(noiseOf(types[0], 0, 7, 5.0f, 0.0f)).has_error());
 }
 
-TEST(NoiseImage, IsTheSameForEveryThreadCountAndEnvironment)
+TEST(NoiseImage, TakesItsParametersFromAttributesAndKeepsThem)
 {
-    const Noise noise = noiseOf("noise_fractal", 2.0F, 0.4F, 3.0F);
-    const OIIO::ImageSpec spec = parameters(noise, 313, 211, 1);
-    const OIIO::ImageBuf expected = plainNoise(noise, 313, 211, 1);
-    for (const int threads : {1, 0, 2, 3, 16})
-        EXPECT_TRUE(sameBits(bakeNoiseImage(spec, threads), expected)) << threads;
-    const FlushedDenormals flushed;
-    EXPECT_TRUE(sameBits(bakeNoiseImage(spec, 1), expected));
+    NoiseBakeOptions noise = noiseOf("Noise_TURBULENCE", 19, 7, 5.0f, 0.75f, 40.0f);
+    const OIIO::TypeDesc color(OIIO::TypeDesc::FLOAT, 3);
+    OIIO::ImageSpec spec(19, 7, 1, OIIO::TypeFloat);
+    spec.attribute("noise:type", noise.type);
+    spec.attribute("noise:color1", color, noise.color1->data());
+    const std::tuple<const char*, const char*, float> numbers[] = {
+        {"noise:size", "noise_Size", noise.size},
+        {"noise:phase", "noise_Phase", noise.phase},
+        {"noise:levels", "noise_Levels", 32.0f},
+        {"noise:thresholdLow", "noise_ThresholdLow", noise.thresholdLow},
+        {"noise:thresholdHigh", "noise_ThresholdHigh", noise.thresholdHigh}};
+    for (const auto& [name, kept, value] : numbers)
+        spec.attribute(name, value);
+    const OIIO::ImageBuf gray = bakeNoiseImage(spec);
+    EXPECT_EQ(gray.name(), "noise_image");
+    EXPECT_TRUE(sameBits(gray, bakeNoise(noise)));
+    for (const auto& [name, kept, value] : numbers)
+        EXPECT_EQ(gray.spec().get_float_attribute(kept), value) << name;
+    // Colours count when both are given.
+    noise.color2 = {0.25f, 0.5f, 4.0f};
+    spec.attribute("noise:color2", color, noise.color2->data());
+    EXPECT_TRUE(sameBits(bakeNoiseImage(spec), bakeNoise(noise)));
+    EXPECT_EQ(bakeNoiseImage(spec).spec().get_string_attribute("noise_Color2"), "0.25, 0.5, 4");
 }
+
 } // namespace vyr::MaterialTranslation::baking

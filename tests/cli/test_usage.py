@@ -46,16 +46,13 @@ class Usage(ToolTest):
         (self.folder / "truncated.json").write_text('{"assetLibrary": 1, "materials": [')
         (self.folder / "latin.json").write_bytes(b'{"assetLibrary": 1, "$schema": "\xe9"}')
         self.library({"schema": "GenericSchema"}, material("a", "Wall"), file="twice.json")
-        for message, files in [
-            ("missing.json: ", ["missing.json", "lib.json", "lost.json"]),
-            ("lost.json: ", ["missing.json", "lib.json", "lost.json"]),
-            ("truncated.json:1:", ["truncated.json"]),
-            ("latin.json:", ["lib.json", "latin.json"]),
-            ("twice.json: /materials/0", ["twice.json"]),
-            ("twice.json: /materials/1", ["lib.json", "twice.json"]),
+        for command, *messages in [
+            (["convert", "--output", "out", "missing.json", "lib.json", "lost.json"], "missing.json: ", "lost.json: "),
+            (["overlay", "--output", "out", "truncated.json"], "truncated.json:1:"),
+            (["list", "lib.json", "latin.json", "twice.json"], "latin.json:", "twice.json:", "/materials/0", "/materials/1"),
         ]:
-            for command in (["convert", "--output", "out"], ["overlay", "--output", "out"], ["list"]):
-                self.refused(message, *command, *files)
+            for message in messages:
+                self.refused(message, *command)
 
     def test_places_that_cannot_be_written(self):
         (self.folder / "file").touch()
@@ -63,7 +60,6 @@ class Usage(ToolTest):
         self.library(material("a", "Wall"), file="docs/Wall.mtlx")
         for message, *arguments in [
             ("file: ", "lib.json", "--output", "file"),
-            ("file/below: ", "lib.json", "--output", "file/below"),
             ("it is a folder", "lib.json", "--output", "out", "--report", "docs"),
             ("no such folder", "lib.json", "--output", "out", "--report", "missing/report.json"),
             ("it is an input file", "lib.json", "--output", "out", "--report", "docs/../lib.json"),
@@ -75,9 +71,8 @@ class Usage(ToolTest):
 
     def test_help_and_version(self):
         self.assertRegex(self.tool("--version").stdout, r"^vyr-mtlx \d+\.\d+\.\d+\n$")
-        self.assertIn("convert", self.tool("--help").stdout)
-        for command in ("convert", "overlay", "list"):
-            self.assertIn("FILE", self.tool(command, "--help").stdout)
+        for command in ([], ["convert"], ["bake", "noise"]):
+            self.assertIn("--output" if command else "convert", self.tool(*command, "--help").stdout)
 
     def test_names_that_look_like_options(self):
         self.library(material("-a", "Odd"), file="-x.json")

@@ -19,14 +19,11 @@ _FRAME = {"i_normal": (0, 0, 1), "i_tangent": (1, 0, 0), "i_bitangent": (0, 1, 0
 _CORNERS = np.array([(0, 0), (1, 0), (0, 1), (1, 1)], "f4")
 # Light from all around, rows of the sky from below: nothing is black, and no two directions are alike.
 _SKY = 0.2 + np.random.default_rng(1).random((8, 16, 3)) * [2.0, 1.5, 1.0]
-_context = None
 
 
+@functools.cache
 def context():
-    global _context
-    if _context is None:
-        _context = moderngl.create_context(standalone=True, backend="egl", require=400)
-    return _context
+    return moderngl.create_context(standalone=True, backend="egl", require=400)
 
 
 def texture_coordinates(low, high):
@@ -56,8 +53,7 @@ def picture(doc, path, images=None, low=(0, 0), high=(1, 1)):
     _bind_images(program, shader, {} if images is None else images)
     _bind_light(program)
     for name in program:
-        member = program[name]
-        if isinstance(member, moderngl.Uniform) and member.dimension == 16:
+        if isinstance(member := program[name], moderngl.Uniform) and member.dimension == 16:
             member.write(np.eye(4, dtype="f4").tobytes())
     target = context().framebuffer([context().texture((SIZE, SIZE), 4, dtype="f4")])
     target.use()
@@ -105,9 +101,6 @@ def _square(program, low, high):
     attributes = {"i_position": np.pad(_CORNERS * 2 - 1, ((0, 0), (0, 1)))}
     attributes["i_texcoord_0"] = low + _CORNERS * (np.subtract(high, low))
     attributes |= {name: np.tile(value, (4, 1)) for name, value in _FRAME.items()}
-    present = [name for name in attributes if name in program]
-    buffers = [
-        (context().buffer(attributes[name].astype("f4").tobytes()), f"{attributes[name].shape[1]}f", name)
-        for name in present
-    ]
+    buffers = [(context().buffer(values.astype("f4").tobytes()), f"{values.shape[1]}f", name)
+               for name, values in attributes.items() if name in program]  # fmt: skip
     return context().vertex_array(program, buffers)

@@ -1,16 +1,12 @@
-"""The kvor definitions as a MaterialX program sees them, and the forms that a document can take."""
+"""The kvor definitions as a MaterialX program sees them."""
 
-import atexit
-import os
-import subprocess
-import tempfile
 from importlib import import_module
 from pathlib import Path
 
 import MaterialX as mx
 import MaterialX.PyMaterialXGenShader as mx_gen
 
-LIBRARIES = Path(__file__).resolve().parents[2] / "libraries"
+LIBRARIES = mx.FileSearchPath(str(Path(__file__).resolve().parents[2] / "libraries"))
 STANDARD_SEARCH_PATH = mx.getDefaultDataSearchPath()
 
 # Module and class of a generator by the name that it goes by here; some of them share the target "genglsl".
@@ -18,15 +14,15 @@ GENERATORS = {"glsl": "Glsl Glsl", "essl": "Glsl Essl", "vulkan": "Glsl Vk", "wg
               "mdl": "Mdl Mdl", "msl": "Msl Msl", "slang": "Slang Slang"}  # fmt: skip
 
 
-def load(*folders_and_paths):
+def load(*more):
     library = mx.createDocument()
-    for folders, path in folders_and_paths:
+    for folders, path in ((mx.getDefaultDataLibraryFolders(), STANDARD_SEARCH_PATH), *more):
         mx.loadLibraries(folders, path, library)
     return library
 
 
-standard = load((mx.getDefaultDataLibraryFolders(), STANDARD_SEARCH_PATH))
-both = load((mx.getDefaultDataLibraryFolders(), STANDARD_SEARCH_PATH), (["kvor"], mx.FileSearchPath(str(LIBRARIES))))
+standard = load()
+both = load((["kvor"], LIBRARIES))
 
 
 def definitions():
@@ -64,31 +60,8 @@ def generate(doc, path, generator="glsl"):
     return gen.generate("shader", doc.getDescendant(path), context)
 
 
-class NodeForms:
-    """The program that brings documents into one of their forms, running as long as the tests do."""
-
-    def __init__(self, form, library):
-        self._library = library
-        self._command = [os.environ["VYR_NODE_FORMS"], form]
-        self._process = None
-
-    def __call__(self, doc):
-        """The document in that form, as a reader with only `library` gets it."""
-        if self._process is None:
-            self._process = subprocess.Popen(self._command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-            atexit.register(self._process.communicate)
-        with tempfile.TemporaryDirectory() as folder:
-            source, target = f"{folder}/source.mtlx", f"{folder}/target.mtlx"
-            mx.writeToXmlFile(doc, source)
-            self._process.stdin.write(f"{source}\t{target}\n")
-            self._process.stdin.flush()
-            if self._process.stdout.readline() != "done\n":
-                raise RuntimeError(f"no result from {self._command}")
-            result = mx.createDocument()
-            mx.readFromXmlString(result, Path(target).read_text(encoding="utf-8"))
-        result.setDataLibrary(self._library)
-        return result
-
-
-flattened = NodeForms("standard", standard)
-FORMS = {"reference": NodeForms("reference", both), "embed": NodeForms("embed", standard), "standard": flattened}
+def flattened(doc):
+    """The document with the graphs of its kvor nodes in their place."""
+    for graph in (doc, *(child for child in doc.getChildren() if child.isA(mx.NodeGraph))):
+        graph.flattenSubgraphs("", lambda node: node.getCategory().startswith("kvor:"))
+    return doc

@@ -6,7 +6,6 @@ import sys
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tests/definitions"))
-os.environ.setdefault("VYR_NODE_FORMS", "")  # The forms are made already.
 
 import kvor_library as kv  # noqa: E402
 import MaterialX as mx  # noqa: E402

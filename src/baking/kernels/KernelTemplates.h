@@ -3,7 +3,7 @@
 #include "baking/kernels/Kernels.h"
 
 /// @file
-/// The kernels for any kind of lanes. Everything here is a template on the lanes, and each kind of lanes is local
+/// The kernels for any kind L of lanes. Everything here is a template on it, and each kind of lanes is local
 /// to its file, so that code compiled for one instruction set is never linked into another's place.
 namespace vyr::MaterialTranslation::baking
 {
@@ -19,11 +19,9 @@ namespace vyr::MaterialTranslation::baking
 ///     length = m * sqrt(((x / m) * (x / m) + (y / m) * (y / m)) + (z / m) * (z / m))
 ///
 /// in 32-bit float, as GNU's library rounds it. An infinite component gives NaN, not infinity.
-template <class Lanes>
-inline typename Lanes::Floats length3(typename Lanes::Floats x, typename Lanes::Floats y,
-                                      typename Lanes::Floats z)
+template <class L>
+inline typename L::Floats length3(typename L::Floats x, typename L::Floats y, typename L::Floats z)
 {
-    using L = Lanes;
     using Floats = typename L::Floats;
     const Floats m = L::larger(L::larger(L::absolute(x), L::absolute(y)), L::absolute(z));
     const auto squared = [&](Floats component)
@@ -35,16 +33,15 @@ inline typename Lanes::Floats length3(typename Lanes::Floats x, typename Lanes::
     return L::multiply(m, L::squareRoot(squares));
 }
 
-/// Encoded normals of Lanes::width pixels whose neighbours can all be read.
+/// Encoded normals of L::width pixels whose neighbours can all be read.
 ///
 /// The Sobel weights are summed row by row. Terms of weight 0 are left out: they only count when a height is
 /// not finite, and then all three components are NaN: through the gradients for the eight neighbours, and for
 /// the pixel's own height, which is in neither gradient, through `poison`.
-template <class Lanes>
+template <class L>
 inline void normalPixels(const float* above, const float* centre, const float* below,
                          const SlopeStrength& strength, float* rgb)
 {
-    using L = Lanes;
     using Floats = typename L::Floats;
     const Floats a0 = L::load(above - 1);
     const Floats a1 = L::load(above);
@@ -78,12 +75,12 @@ inline void normalPixels(const float* above, const float* centre, const float* b
     L::storePixels(rgb, encode(nx), encode(ny), encode(nz));
 }
 
-/// The same for `count` pixels (at most Lanes::width) that start at column x, with columns clamped.
-template <class Lanes>
+/// The same for `count` pixels (at most L::width) that start at column x, with columns clamped.
+template <class L>
 inline void normalPixelsAtEdge(const HeightRows& heights, std::size_t width, std::size_t x,
                                std::size_t count, const SlopeStrength& strength, float* rgb)
 {
-    constexpr std::size_t padded = Lanes::width + 2;
+    constexpr std::size_t padded = L::width + 2;
     float rows[3][padded];
     const float* const sources[3] = {heights.above, heights.centre, heights.below};
     for (std::size_t i = 0; i < padded; ++i)
@@ -93,30 +90,30 @@ inline void normalPixelsAtEdge(const HeightRows& heights, std::size_t width, std
         for (int row = 0; row < 3; ++row)
             rows[row][i] = sources[row][column];
     }
-    float pixels[3 * Lanes::width];
-    normalPixels<Lanes>(rows[0] + 1, rows[1] + 1, rows[2] + 1, strength, pixels);
+    float pixels[3 * L::width];
+    normalPixels<L>(rows[0] + 1, rows[1] + 1, rows[2] + 1, strength, pixels);
     for (std::size_t i = 0; i < 3 * count; ++i)
         rgb[i] = pixels[i];
 }
 
-template <class Lanes>
+template <class L>
 void normalRow(const HeightRows& heights, std::size_t width, const SlopeStrength& strength,
                float* rgb)
 {
     std::size_t x = 0;
     while (x < width)
     {
-        if (x >= 1 && x + Lanes::width < width)
+        if (x >= 1 && x + L::width < width)
         {
-            normalPixels<Lanes>(heights.above + x, heights.centre + x, heights.below + x, strength,
-                                rgb + 3 * x);
-            x += Lanes::width;
+            normalPixels<L>(heights.above + x, heights.centre + x, heights.below + x, strength,
+                            rgb + 3 * x);
+            x += L::width;
         }
         else
         {
             const std::size_t rest = width - x;
-            const std::size_t count = x == 0 ? 1 : (rest < Lanes::width ? rest : Lanes::width);
-            normalPixelsAtEdge<Lanes>(heights, width, x, count, strength, rgb + 3 * x);
+            const std::size_t count = x == 0 ? 1 : (rest < L::width ? rest : L::width);
+            normalPixelsAtEdge<L>(heights, width, x, count, strength, rgb + 3 * x);
             x += count;
         }
     }
@@ -127,10 +124,8 @@ void normalRow(const HeightRows& heights, std::size_t width, const SlopeStrength
 // z adds a zero to the products, which changes no value (only the sign of a zero, which no pixel shows).
 
 /// One round of the corner hash.
-template <class Lanes> inline typename Lanes::Bits mixHash(typename Lanes::Bits h,
-                                                           typename Lanes::Bits k)
+template <class L> inline typename L::Bits mixHash(typename L::Bits h, typename L::Bits k)
 {
-    using L = Lanes;
     h = L::add(h, k);
     h = L::add(L::template shiftLeft<10>(h), h);
     h = L::exclusiveOr(h, L::template shiftRight<6>(h));
@@ -142,11 +137,10 @@ template <class Lanes> inline typename Lanes::Bits mixHash(typename Lanes::Bits 
 /// Splits the product of gradient and offset at one corner, given the low bits of its hash. With u, v, t the
 /// three signed offsets that the gradient picks from x (across), y (along), z and w (phase):
 /// bits 3 and 4 both set: u = y; bit 4 not set: v = y; neither bit set: t = z.
-template <class Lanes>
-inline void splitGradient(typename Lanes::Bits hash, typename Lanes::Floats dy,
-                          typename Lanes::Floats dw, float* across, float* along, float* rest)
+template <class L>
+inline void splitGradient(typename L::Bits hash, typename L::Floats dy, typename L::Floats dw,
+                          float* across, float* along, float* rest)
 {
-    using L = Lanes;
     using Bits = typename L::Bits;
     const Bits sign0 = L::template shiftLeft<31>(hash);
     const Bits sign1 = L::template shiftLeft<30>(L::both(hash, L::all(2U)));
@@ -163,11 +157,10 @@ inline void splitGradient(typename Lanes::Bits hash, typename Lanes::Floats dy,
     L::store(rest, L::floats(L::both(L::exclusiveOr(L::bits(dw), sign2), L::either(bit3, bit4))));
 }
 
-template <class Lanes>
+template <class L>
 void noiseGradients(const NoiseColumns& columns, std::uint32_t row, const NoiseAxis& phase,
                     NoiseGradients& gradients)
 {
-    using L = Lanes;
     using Bits = typename L::Bits;
     using Floats = typename L::Floats;
     const Bits zero = L::all(0U);
@@ -197,20 +190,18 @@ void noiseGradients(const NoiseColumns& columns, std::uint32_t row, const NoiseA
     }
 }
 
-template <class Lanes>
-inline typename Lanes::Floats interpolate(typename Lanes::Floats a, typename Lanes::Floats b,
-                                          typename Lanes::Floats s)
+template <class L>
+inline typename L::Floats interpolate(typename L::Floats a, typename L::Floats b,
+                                      typename L::Floats s)
 {
-    return Lanes::add(a, Lanes::multiply(s, Lanes::subtract(b, a)));
+    return L::add(a, L::multiply(s, L::subtract(b, a)));
 }
 
 /// Interpolates the four corners of one phase, starting with corner `first`.
-template <class Lanes, bool withRest>
-inline typename Lanes::Floats noisePlane(const NoiseGradients& gradients, int first, std::size_t i,
-                                         const NoiseOctaveRow& row,
-                                         typename Lanes::Floats fadeAlong)
+template <class L, bool withRest>
+inline typename L::Floats noisePlane(const NoiseGradients& gradients, int first, std::size_t i,
+                                     const NoiseOctaveRow& row, typename L::Floats fadeAlong)
 {
-    using L = Lanes;
     using Floats = typename L::Floats;
     const Floats dx[2] = {L::all(row.fraction), L::all(row.fraction - 1.0f)};
     Floats value[4];
@@ -227,11 +218,10 @@ inline typename Lanes::Floats noisePlane(const NoiseGradients& gradients, int fi
                           interpolate<L>(value[2], value[3], fadeAcross), fadeAlong);
 }
 
-template <class Lanes, bool twoPhases>
+template <class L, bool twoPhases>
 inline void addNoiseOctaveOf(const NoiseGradients& gradients, const NoiseColumns& columns,
                              const NoiseOctaveRow& row, float* sums)
 {
-    using L = Lanes;
     using Floats = typename L::Floats;
     for (std::size_t i = 0; i < noiseColumns; i += L::width)
     {
@@ -249,20 +239,19 @@ inline void addNoiseOctaveOf(const NoiseGradients& gradients, const NoiseColumns
     }
 }
 
-template <class Lanes>
+template <class L>
 void addNoiseOctave(const NoiseGradients& gradients, const NoiseColumns& columns,
                     const NoiseOctaveRow& row, float* sums)
 {
     if (row.phase.fraction == 0.0f)
-        addNoiseOctaveOf<Lanes, false>(gradients, columns, row, sums);
+        addNoiseOctaveOf<L, false>(gradients, columns, row, sums);
     else
-        addNoiseOctaveOf<Lanes, true>(gradients, columns, row, sums);
+        addNoiseOctaveOf<L, true>(gradients, columns, row, sums);
 }
 
-template <class Lanes>
-inline typename Lanes::Floats noiseValue(typename Lanes::Floats noise, const NoiseShade& shade)
+template <class L>
+inline typename L::Floats noiseValue(typename L::Floats noise, const NoiseShade& shade)
 {
-    using L = Lanes;
     using Floats = typename L::Floats;
     const Floats low = L::all(shade.thresholdLow);
     const Floats high = L::all(shade.thresholdHigh);
@@ -273,10 +262,9 @@ inline typename Lanes::Floats noiseValue(typename Lanes::Floats noise, const Noi
     return L::ifLess(v, low, L::all(0.0f), L::ifLess(high, v, one, between));
 }
 
-template <class Lanes>
-inline void shadePixels(typename Lanes::Floats v, const NoiseShade& shade, float* pixels)
+template <class L>
+inline void shadePixels(typename L::Floats v, const NoiseShade& shade, float* pixels)
 {
-    using L = Lanes;
     if (shade.channels == 1)
     {
         L::store(pixels, v);
@@ -291,10 +279,9 @@ inline void shadePixels(typename Lanes::Floats v, const NoiseShade& shade, float
     L::storePixels(pixels, blend(0), blend(1), blend(2));
 }
 
-template <class Lanes>
+template <class L>
 void shadeNoise(const float* noise, std::size_t count, const NoiseShade& shade, float* pixels)
 {
-    using L = Lanes;
     const auto channels = static_cast<std::size_t>(shade.channels);
     std::size_t i = 0;
     for (; i + L::width <= count; i += L::width)
@@ -309,10 +296,9 @@ void shadeNoise(const float* noise, std::size_t count, const NoiseShade& shade, 
 }
 
 /// The kernels for one kind of lanes.
-template <class Lanes> KernelSet kernelSetOf(const char* name)
+template <class L> KernelSet kernelSetOf(const char* name)
 {
-    return {name, normalRow<Lanes>, noiseGradients<Lanes>, addNoiseOctave<Lanes>,
-            shadeNoise<Lanes>};
+    return {name, normalRow<L>, noiseGradients<L>, addNoiseOctave<L>, shadeNoise<L>};
 }
 
 /// Only for processors that have the instructions.

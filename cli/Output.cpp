@@ -1,0 +1,161 @@
+#include "Output.h"
+
+#include <algorithm>
+#include <iterator>
+#include <system_error>
+
+#include <MaterialTranslation/Diagnostics.h>
+#include <MaterialTranslation/DocumentIO.h>
+
+#include "Console.h"
+#include "base/Paths.h"
+#include "base/Text.h"
+#include "base/WriteFile.h"
+
+namespace vyr::cli
+{
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/// The way from a folder to a file below it; nothing for a file elsewhere. Both absolute.
+std::optional<fs::path> wayBelow(const fs::path& folder, const fs::path& file)
+{
+    const fs::path way = file.lexically_relative(folder);
+    if (way.empty() || way == "." || *way.begin() == "..")
+        return std::nullopt;
+    return way;
+}
+
+std::optional<fs::path> relativePath(const fs::path& file, const OutputFolder& folder)
+{
+    if (!file.is_absolute())
+        return std::nullopt;
+    // ".." after a symbolic link leads elsewhere than its text says.
+    const bool literal = std::ranges::find(file, fs::path("..")) == file.end();
+    if (const auto way =
+            literal ? wayBelow(folder.absolute, file.lexically_normal()) : std::nullopt)
+        return way;
+    return wayBelow(folder.canonical, placeOf(file));
+}
+
+/// "text: property"; the text alone without a property.
+std::string withProperty(const std::string& text, const std::string& property)
+{
+    return property.empty() ? text : text + ": " + property;
+}
+
+} // namespace
+
+std::optional<OutputFolder> makeOutputFolder(const std::string& path)
+{
+    OutputFolder folder;
+    folder.shown = base::pathFromUtf8(path);
+    std::error_code error;
+    fs::create_directories(folder.shown, error);
+    if (fs::is_directory(folder.shown))
+        error.clear();
+    else if (!error)
+        error = std::make_error_code(std::errc::not_a_directory);
+    if (!error)
+        folder.absolute = fs::absolute(folder.shown, error).lexically_normal();
+    if (!error)
+        folder.canonical = fs::canonical(folder.shown, error);
+    if (!error)
+        return folder;
+    complain("vyr-mtlx: " + path + ": " + error.message());
+    return std::nullopt;
+}
+
+bool isInputFile(const std::string& file)
+{
+    std::error_code error;
+    if (fs::is_regular_file(base::pathFromUtf8(file), error))
+        return true;
+    complain("vyr-mtlx: " + file + ": " + (error ? error.message() : "not a file"));
+    return false;
+}
+
+fs::path placeOf(const fs::path& file)
+{
+    std::error_code error;
+    const fs::path absolute = fs::absolute(file, error);
+    const fs::path folder = fs::weakly_canonical(absolute.parent_path(), error);
+    return error ? absolute.lexically_normal() : folder / absolute.filename();
+}
+
+void makeImagePathsRelative(const MaterialX::DocumentPtr& document, const OutputFolder& folder)
+{
+    for (const MaterialX::InputPtr& input : MaterialTranslation::fileInputs(document))
+        if (const auto way = relativePath(base::pathFromUtf8(input->getValueString()), folder))
+            input->setValueString(base::genericUtf8FromPath(*way));
+}
+
+std::string DocumentNames::claim(const std::string& name, const std::string& owner)
+{
+    if (base::isDeviceName(name))
+        return "some systems reserve the name \"" + name + "\" for a device";
+    const auto [entry, isNew] = _owners.try_emplace(base::foldCase(name), owner);
+    return isNew ? std::string() : "the name \"" + name + "\" is that of " + entry->second + " too";
+}
+
+fs::path documentFile(const std::string& name)
+{
+    return base::pathFromUtf8(name + ".mtlx");
+}
+
+std::string documentName(const std::string& text)
+{
+    std::string name;
+    std::ranges::copy_if(text, std::back_inserter(name), base::isAsciiAlphanumeric);
+    return !name.empty() && base::isAsciiDigit(name.front()) ? "M" + name : name;
+}
+
+void addDiagnostics(Outcome& outcome, const std::string& reason)
+{
+    namespace mt = MaterialTranslation;
+    for (const mt::Diagnostic& diagnostic : mt::lastDiagnostics())
+        if (diagnostic.severity == mt::Severity::Error)
+            outcome.message += (outcome.message.empty() ? "" : "; ") +
+                               withProperty(diagnostic.text, diagnostic.property);
+        else
+            outcome.warnings.push_back(
+                {mt::diagnosticCodeName(diagnostic.code), diagnostic.property, diagnostic.text});
+    if (outcome.message.empty())
+        outcome.message = reason;
+}
+
+std::string writeFailure(const std::string& file, const std::string& reason)
+{
+    return "cannot write " + file + ": " + reason;
+}
+
+void writeDocument(const fs::path& file, std::string_view text, Outcome& outcome)
+{
+    const std::string shown = base::utf8FromPath(file);
+    const std::error_code error = base::writeFile(file, text);
+    outcome.converted = !error;
+    (error ? outcome.message : outcome.document) =
+        error ? writeFailure(shown, error.message()) : shown;
+}
+
+std::string withPath(const MaterialTranslation::ValidationMessage& message)
+{
+    return message.path.empty() ? message.text : message.path + ": " + message.text;
+}
+
+std::string messageLines(const std::string& file, const std::string& subject,
+                         const Outcome& outcome)
+{
+    std::string lines;
+    const auto addLine = [&](const std::string& kind, const std::string& text)
+    { lines += base::printable(file + ": " + kind + subject + ": " + text) + '\n'; };
+    for (const Warning& warning : outcome.warnings)
+        addLine("warning: ", withProperty(warning.text, warning.property));
+    if (!outcome.converted)
+        addLine("", outcome.message);
+    return lines;
+}
+
+} // namespace vyr::cli

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <MaterialXCore/Document.h>
+
+#include <MaterialTranslation/Validation.h>
+
+/// @file
+/// What comes of the commands: files in a folder, and messages.
+namespace vyr::cli
+{
+
+/// The folder that a command writes into.
+struct OutputFolder
+{
+    /// As the user wrote it, for messages and results.
+    std::filesystem::path shown;
+    /// Absolute, without "." and ".." components, symbolic links as they stand.
+    std::filesystem::path absolute;
+    /// Absolute, symbolic links resolved.
+    std::filesystem::path canonical;
+};
+
+/// Makes the folder, with its parents, when it is missing.
+/// @return nothing when that cannot be done; standard error then says why.
+std::optional<OutputFolder> makeOutputFolder(const std::string& path);
+
+/// Whether the text names an ordinary file; standard error says why not.
+bool isInputFile(const std::string& file);
+
+/// The file with the folder that it is in resolved, so that two spellings of one place compare
+/// equal; the file itself need not exist, and a symbolic link stays one.
+std::filesystem::path placeOf(const std::filesystem::path& file);
+
+/// Rewrites the paths of a document's images inside the folder relative to it, with forward slashes, so
+/// that the folder can be moved as a whole with the documents in it. All other paths stay as they are.
+void makeImagePathsRelative(const MaterialX::DocumentPtr& document, const OutputFolder& folder);
+
+/// Keeps apart the documents that are written into one folder.
+class DocumentNames
+{
+  public:
+    /// Takes a name for an owner.
+    /// @param owner how messages call it, for example `material "a" (walls.json)`.
+    /// @return why the name cannot be had, empty when it is taken: another owner has it (case does
+    ///         not count, since some file systems ignore it), or some system reserves it for a device.
+    std::string claim(const std::string& name, const std::string& owner);
+
+  private:
+    /// From the name without regard to case.
+    std::map<std::string, std::string> _owners;
+};
+
+/// The file name of a document.
+std::filesystem::path documentFile(const std::string& name);
+
+/// A name for a document from any text, by the rule of material names: the ASCII letters and digits
+/// of the text, with "M" before a leading digit; empty when it has none.
+std::string documentName(const std::string& text);
+
+/// Something that was lost or changed on the way.
+struct Warning
+{
+    /// Stable name of what it is about, such as "texture-file-missing".
+    std::string code;
+    /// The property concerned; may be empty.
+    std::string property;
+    std::string text;
+};
+
+/// What came of one material or overlay.
+struct Outcome
+{
+    bool converted = false;
+    /// Why it was not.
+    std::string message;
+    /// The document that was written; empty when none was.
+    std::string document;
+    /// The image files that the document names, as it names them, each once. Only for a report.
+    std::vector<std::string> textures;
+    std::vector<Warning> warnings;
+};
+
+/// Adds the diagnostics of this thread's last conversion to an outcome: warnings to its warnings,
+/// errors to its message.
+/// @param reason the message of a failure that no diagnostic explains; empty when there is none.
+void addDiagnostics(Outcome& outcome, const std::string& reason);
+
+/// What to say about a file that could not be written.
+std::string writeFailure(const std::string& file, const std::string& reason);
+
+/// Writes a document, and notes in the outcome what came of that.
+void writeDocument(const std::filesystem::path& file, std::string_view text, Outcome& outcome);
+
+/// "path: text"; the text alone for the document as a whole.
+std::string withPath(const MaterialTranslation::ValidationMessage& message);
+
+/// The line about a failure, and the lines about warnings, as they are printed.
+/// @param file the file that the subject comes from.
+/// @param subject for example `material "mat-3" (GenericSchema)`.
+std::string messageLines(const std::string& file, const std::string& subject,
+                         const Outcome& outcome);
+
+} // namespace vyr::cli

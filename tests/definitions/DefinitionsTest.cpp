@@ -1,0 +1,222 @@
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <stdexcept>
+#include <thread>
+
+#include <MaterialXFormat/XmlIo.h>
+#include <gtest/gtest.h>
+
+#include <MaterialTranslation/NodeForms.h>
+
+#include "assets/Lyrex.h"
+#include "support/TemporaryFolder.h"
+
+namespace vyr::tests
+{
+namespace
+{
+
+namespace mx = MaterialX;
+using namespace MaterialTranslation;
+
+const std::filesystem::path cases = VYR_SOURCE_DIR "/tests/definitions/cases";
+const ValidationOptions alone{{cases}, DefinitionSet::Standard};
+
+mx::DocumentPtr readCase(const std::string& name)
+{
+    const mx::DocumentPtr document = mx::createDocument();
+    mx::readFromXmlFile(document, (cases / name).string());
+    return document;
+}
+
+/// A line "  path: code: text" for each message.
+std::string lines(const std::vector<ValidationMessage>& messages)
+{
+    std::string result;
+    for (const auto& [path, code, text] : messages)
+        result += "  " + path + ": " + validationCodeName(code) + ": " + text + "\n";
+    return result;
+}
+
+/// Expects a text to be that of a file in "cases". With VYR_ACCEPT in the environment the file is written.
+void expectAccepted(const std::string& name, const std::string& text)
+{
+    if (std::getenv("VYR_ACCEPT"))
+        std::ofstream(cases / name, std::ios::binary) << text;
+    std::ifstream stream(cases / name, std::ios::binary);
+    EXPECT_EQ(text, std::string(std::istreambuf_iterator<char>(stream), {})) << name;
+}
+
+struct DataLibrary : ::testing::Test
+{
+    ~DataLibrary() override { setDefinitionFolders({}); }
+    support::TemporaryFolder _folder;
+};
+
+TEST_F(DataLibrary, IsReadOnceFromTheFoldersGiven)
+{
+    const auto first = definitionLibrary();
+    EXPECT_EQ(definitionLibrary(), first);
+    EXPECT_TRUE(first->getNodeDef("kvor:ND_metal_surfaceshader"));
+    const auto standard = definitionLibrary(DefinitionSet::Standard);
+    EXPECT_FALSE(standard->getNodeDef("kvor:ND_metal_surfaceshader"));
+    EXPECT_TRUE(standard->getNodeDef("ND_standard_surface_surfaceshader"));
+
+    const DefinitionFolders found = definitionFolders();
+    std::filesystem::copy(found.kvor, _folder.path());
+    _folder.write("more.mtlx", R"(<materialx version="1.39"><typedef name="felt"/></materialx>)");
+    setDefinitionFolders({found.standard, _folder.path()});
+    EXPECT_TRUE(definitionLibrary()->getTypeDef("felt"));
+    EXPECT_EQ(definitionFolders().kvor, _folder.path());
+}
+
+/// Why the definitions cannot be read from folders.
+std::string failure(const DefinitionFolders& folders)
+try
+{
+    setDefinitionFolders(folders);
+    definitionLibrary();
+    return "";
+}
+catch (const std::runtime_error& error)
+{
+    return error.what();
+}
+
+TEST_F(DataLibrary, SaysWhatIsMissingOrBroken)
+{
+    const std::string file = _folder.write("kvor_textures_defs.mtlx", "<materialx").string();
+    const std::string missing = "no node definitions in " + _folder.text();
+    EXPECT_EQ(failure({_folder.path(), {}}).substr(0, missing.size()), missing);
+    EXPECT_NE(failure({{}, _folder / "none"}).find("kvor_textures_defs.mtlx"), missing.npos);
+    EXPECT_NE(failure({{}, _folder.path()}).find(file), missing.npos);
+    // What failed once is tried again.
+    EXPECT_EQ(failure({}), "");
+}
+
+TEST_F(DataLibrary, ServesSeveralThreads)
+{
+    std::vector<std::thread> threads;
+    std::vector<std::string> problems(4);
+    for (std::string& text : problems)
+        threads.emplace_back(
+            [&text]
+            {
+                for (int i = 0; i < 20; ++i)
+                    text += lines(applyNodeForm(readCase("sample.mtlx"), NodeForm::Standard)) +
+                            lines(validateDocument(readCase("sample.mtlx")));
+            });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(problems, std::vector<std::string>(4));
+}
+
+TEST(Registry, HasTheShadingNodesOfTheDefinitionsWithTheirInputs)
+{
+    std::vector<std::string> registered, defined;
+    for (const auto& family : assets::lyrexFamilies())
+        for (const auto* property : family.properties)
+            registered.push_back(std::string(family.category) + " " + property->name + " " +
+                                 assets::typeName(property->type) + " " + property->unitType);
+    for (const mx::NodeDefPtr& definition : definitionLibrary()->getNodeDefs())
+        if (definition->getNamespace() == "kvor" && definition->getType() == "surfaceshader")
+            for (const mx::InputPtr& input : definition->getInputs())
+                defined.push_back("kvor:" + definition->getNodeString() + " " + input->getName() +
+                                  " " + input->getType() + " " + input->getUnitType());
+    EXPECT_EQ(registered, defined);
+}
+
+/// What is wrong in the documents of the folder "cases" is what "messages.txt" has.
+TEST(Validation, TellsWhatIsWrongAndWhere)
+{
+    std::map<std::string, std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(cases))
+        if (entry.path().extension() == ".mtlx")
+            found[entry.path().filename().string()] =
+                lines(validateFile(entry.path(), {{cases / "elsewhere"}, {}}));
+    found["a folder"] = lines(validateFile(cases));
+    found["none"] = lines(validateFile(cases / "none.mtlx"));
+    std::string text;
+    for (const auto& [file, messages] : found)
+        text += file + "\n" + messages;
+    expectAccepted("messages.txt", text);
+}
+
+TEST(Validation, LeavesTheDocumentAlone)
+{
+    for (const mx::DocumentPtr& library : {mx::DocumentPtr(), mx::createDocument()})
+    {
+        const mx::DocumentPtr document = readCase("nodes.mtlx");
+        document->setDataLibrary(library);
+        const std::string before = mx::writeToXmlString(document);
+        EXPECT_NE(lines(validateDocument(document)), "");
+        EXPECT_EQ(mx::writeToXmlString(document), before);
+        EXPECT_EQ(document->getDataLibrary(), library);
+    }
+}
+
+std::string inForm(const std::string& text, NodeForm form)
+{
+    const mx::DocumentPtr document = mx::createDocument();
+    mx::readFromXmlString(document, text);
+    EXPECT_EQ(lines(applyNodeForm(document, form)), "");
+    return mx::writeToXmlString(document);
+}
+
+TEST(NodeForms, StandAloneAndAreTheSameEveryTime)
+{
+    const mx::DocumentPtr sample = readCase("sample.mtlx");
+    const std::string reference = mx::writeToXmlString(sample);
+    const std::string embedded = inForm(reference, NodeForm::Embed);
+    const std::string standard = inForm(reference, NodeForm::Standard);
+    EXPECT_EQ(inForm(reference, NodeForm::Reference), reference);
+    EXPECT_EQ(inForm(embedded, NodeForm::Embed), embedded);
+    EXPECT_EQ(inForm(embedded, NodeForm::Standard), standard);
+    EXPECT_EQ(inForm(embedded, NodeForm::Reference).find("<nodedef"), embedded.npos);
+    EXPECT_EQ((standard + embedded).find("xi:include"), embedded.npos);
+    EXPECT_EQ(standard.find("kvor:"), standard.npos);
+    EXPECT_EQ(embedded.find("\"kvor:ND_opaque_surfaceshader\""), embedded.npos);
+    for (const std::string& text : {embedded, standard})
+    {
+        const mx::DocumentPtr document = mx::createDocument();
+        mx::readFromXmlString(document, text);
+        EXPECT_EQ(lines(validateDocument(document, alone)), "");
+        for (const mx::ElementPtr& element : sample->traverseTree())
+            EXPECT_TRUE(element->isA<mx::Input>() ||
+                        document->getDescendant(element->getNamePath()))
+                << element->getNamePath();
+        for (const mx::NodePtr& image : document->getNodeGraph("NG_sample")->getNodes("image"))
+            EXPECT_EQ(image->getInput("file")->hasColorSpace(), image->isColorType());
+    }
+}
+
+TEST(NodeForms, ConvertUnitsAndLeaveWhatTheyDoNotKnow)
+{
+    for (const auto& [form, name] : {std::pair(NodeForm::Embed, "conversions-embed.xml"),
+                                     {NodeForm::Standard, "conversions-standard.xml"}})
+    {
+        const mx::DocumentPtr document = readCase("conversions.mtlx");
+        const std::string messages = lines(applyNodeForm(document, form));
+        expectAccepted(name, mx::writeToXmlString(document) + "<!--\n" + messages + "-->\n");
+    }
+}
+
+TEST(NodeForms, KeepNamesApart)
+{
+    const mx::DocumentPtr document = readCase("names.mtlx");
+    EXPECT_EQ(lines(applyNodeForm(document, NodeForm::Standard)), "");
+    EXPECT_EQ(lines(validateDocument(document, alone)), "");
+    for (const std::string name : {"inner/image", "inner/scaled", "inner/kvor_geomNode_UV0"})
+        EXPECT_EQ(document->getDescendant(name)->getCategory(), "multiply") << name;
+    const mx::NodeGraphPtr graph = document->getNodeGraph("outer");
+    EXPECT_TRUE(graph->getNode("turned"));
+    for (const mx::NodePtr& node : document->getNodes())
+        EXPECT_TRUE(node->getName().rfind("geomNode_", 0) == 0 || !graph->getNode(node->getName()))
+            << node->getName();
+}
+
+} // namespace
+} // namespace vyr::tests
