@@ -24,8 +24,9 @@ endforeach()
 
 if(TARGET vyr_assetlib)
     set_target_properties(vyr_assetlib PROPERTIES EXPORT_NAME assetlib)
+    set_target_properties(vyr_base PROPERTIES EXPORT_NAME base)
     install(
-        TARGETS vyr_assetlib
+        TARGETS vyr_assetlib vyr_base
         EXPORT vyr_mtlx_converter
         ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
         FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
@@ -58,5 +59,6 @@ install(
     FILES
         "${PROJECT_BINARY_DIR}/vyr_mtlx_converterConfig.cmake"
         "${PROJECT_BINARY_DIR}/vyr_mtlx_converterConfigVersion.cmake"
+        "${PROJECT_SOURCE_DIR}/cmake/Findutf8proc.cmake"
     DESTINATION "${package_folder}"
 )

@@ -1,14 +1,11 @@
-#include "AssetReader.h"
+#include "Loading.h"
 
-#include <algorithm>
-#include <array>
 #include <optional>
 
 #include <kelvor/platform/assets/PropertyType.h>
 
-#include "Fields.h"
-#include "PropertyReader.h"
-#include "Words.h"
+#include "JsonReaders.h"
+#include "base/Text.h"
 
 namespace vyr::assetlib
 {
@@ -16,39 +13,25 @@ namespace vyr::assetlib
 namespace
 {
 
-using Kind = JsonNode::Kind;
+using Kind = JsonValue::Kind;
 
 constexpr std::string_view versionProperty = "VersionGUID";
 constexpr std::string_view hiddenProperty = "Hidden";
 
-std::optional<std::string_view> readId(const JsonNode& node, const Place& place, Report& report)
-{
-    const auto id = readText(node, place, report);
-    if (id && id->empty())
-    {
-        report.error(place, "expected an id that is not empty");
-        return std::nullopt;
-    }
-    return id;
-}
-
-using DisplayNames = std::vector<DisplayName>;
-
 /// One text for "eng", or an object from language tag to text.
-std::optional<DisplayNames> readDisplayNames(const JsonNode& node, const Place& place,
-                                             Report& report)
+std::optional<std::vector<DisplayName>> readDisplayNames(JsonValue value, Report& report)
 {
-    DisplayNames names;
-    if (node.kind() == Kind::Text)
-        names.emplace_back("eng", node.text());
-    else if (node.kind() != Kind::Object)
-        report.error(place, "expected a text, or an object from language to text");
+    std::vector<DisplayName> names;
+    if (value.kind() == Kind::Text)
+        names.emplace_back("eng", value.text());
+    else if (value.kind() != Kind::Object)
+        report.error(value, "expected a text, or an object from language to text");
     else
     {
-        for (const JsonNode& member : node.items())
+        for (const JsonValue member : value.items())
         {
-            if (const auto text = readText(member, place.key(member.key()), report))
-                names.emplace_back(member.key(), *text);
+            if (const auto text = readText(member, report))
+                names.emplace_back(member.name(), *text);
         }
     }
     return names;
@@ -60,55 +43,60 @@ class AssetReader
 {
   public:
     /// @param owner for messages: the id of the asset around an inline one.
-    AssetReader(const JsonNode& node, const Place& place, FileScope& file, std::string_view owner)
-        : _place(place), _file(file), _object(node, place, file.report), _owner(owner)
+    AssetReader(JsonValue value, FileContext& file, std::string_view owner)
+        : _file(file), _object(value, file.report), _owner(owner)
     {
     }
 
-    Asset* readTopLevel();
+    Asset* readTopLevel(const std::string& pointer);
     Asset* readInline();
 
   private:
     using Properties = std::vector<Property>;
 
     void read();
-    void registerId();
+    void readId(const std::string& pointer);
+    void readTexts();
     Properties readProperties(std::string_view key, bool isGeneric);
-    void readConnections(const JsonNode& node, const Place& place, Property& property);
-    void readConnection(const JsonNode& node, const Place& place, Asset*& slot);
+    void addStandardProperties(Properties& properties);
+    void readConnections(JsonValue value, Property& property);
+    void readConnection(JsonValue value, Asset*& slot);
 
-    const Place& _place;
-    FileScope& _file;
+    FileContext& _file;
     ObjectReader _object;
     std::string_view _owner;
     Asset* _asset = nullptr;
 };
 
-Asset* AssetReader::readTopLevel()
+Asset* AssetReader::readTopLevel(const std::string& pointer)
 {
     if (!_object.isObject())
         return nullptr;
     _asset = &_file.loading.store.add();
-    std::string_view& id = _asset->content().id;
-    _object.readRequired("id", id, readId);
-    _owner = id;
-    if (!id.empty())
-        registerId();
+    readId(pointer);
     _file.loading.assets.push_back(_asset);
     read();
     return _asset;
 }
 
-void AssetReader::registerId()
+void AssetReader::readId(const std::string& pointer)
 {
-    const std::string_view id = _asset->content().id;
+    const auto member = _object.require("id");
+    const auto text = member ? readText(*member, _file.report) : std::nullopt;
+    if (!text)
+        return;
+    if (text->empty())
+        return _file.report.error(*member, "expected an id that is not empty");
+    const std::string_view id = _file.keep(*text);
+    _asset->content().id = id;
+    _owner = id;
     const auto [origin, isNew] = _file.loading.origins.try_emplace(id);
     if (isNew)
-        origin->second = {_asset, _file.report.file(), _place.pointer()};
+        origin->second = {_asset, _file.report.file(), pointer};
     else
-        _file.report.error(_object.at("id"), "expected an id of its own, " + inQuotes(id) +
-                                                 " belongs to " + std::string(origin->second.file) +
-                                                 ": " + origin->second.pointer);
+        _file.report.error(*member, "expected an id of its own, " + base::inQuotes(id) +
+                                        " belongs to " + std::string(origin->second.file) + ": " +
+                                        origin->second.pointer);
 }
 
 Asset* AssetReader::readInline()
@@ -116,8 +104,8 @@ Asset* AssetReader::readInline()
     if (!_object.isObject())
         return nullptr;
     _asset = &_file.loading.store.add();
-    if (_object.find("id"))
-        _file.report.error(_object.at("id"), "expected no id in an inline asset");
+    if (const auto id = _object.find("id"))
+        _file.report.error(*id, "expected no id in an inline asset");
     read();
     return _asset;
 }
@@ -125,105 +113,114 @@ Asset* AssetReader::readInline()
 void AssetReader::read()
 {
     AssetContent& content = _asset->content();
-    Arena& arena = _file.arena();
+    readTexts();
+    Properties properties = readProperties("properties", false);
+    addStandardProperties(properties);
+    content.properties = PropertyTable(properties, _file.arena());
+    if (_object.find("genericProperties"))
+        content.genericProperties.emplace(readProperties("genericProperties", true), _file.arena());
+    _object.reportUnknownKeys();
+}
+
+void AssetReader::readTexts()
+{
+    AssetContent& content = _asset->content();
     std::string_view schema;
     std::optional<std::string_view> name;
-    DisplayNames displayNames;
+    std::string_view description;
+    std::vector<DisplayName> displayNames;
     _object.readRequired("schema", schema, readText);
     _object.read("name", name, readText);
     _object.read("displayName", displayNames, readDisplayNames);
-    _object.read("description", content.description, readText);
-    content.definition = Definition(schema);
-    content.displayNames = arena.keep(displayNames);
+    _object.read("description", description, readText);
+    content.definition = Named<platform::IAssetDefinition>(_file.keepCommon(schema));
     if (name)
-        content.identity.emplace(*name);
-
-    Properties properties = readProperties("properties", false);
-    const JsonNode* written = _object.find("properties");
-    const auto isWritten = [&](std::string_view key)
+        content.identity.emplace(_file.keep(*name));
+    for (auto& [language, text] : displayNames)
     {
-        return written && std::any_of(written->items().begin(), written->items().end(),
-                                      [&](const JsonNode& item) { return item.key() == key; });
-    };
-    if (!isWritten(versionProperty))
-        properties.emplace_back(versionProperty, platform::ePropertyType_Text,
-                                arena.make<StringValue>(schema));
-    if (!isWritten(hiddenProperty))
-        properties.emplace_back(hiddenProperty, platform::ePropertyType_Boolean,
-                                arena.make<BooleanValue>(false));
-    content.properties = PropertyTable(properties, arena);
-    if (_object.find("genericProperties"))
-        content.genericProperties.emplace(readProperties("genericProperties", true), arena);
-    _object.reportUnknownKeys();
+        language = _file.keepCommon(language);
+        text = _file.keep(text);
+    }
+    content.displayNames = _file.arena().keep(displayNames);
+    content.description = _file.keep(description);
 }
 
 AssetReader::Properties AssetReader::readProperties(std::string_view key, bool isGeneric)
 {
     Properties properties;
-    const JsonNode* table = _object.find(key);
+    const auto table = _object.find(key);
     if (!table)
         return properties;
-    const Place place = _object.at(key);
     if (table->kind() != Kind::Object)
     {
-        _file.report.error(place, "expected an object from property name to property");
+        _file.report.error(*table, "expected an object from property name to property");
         return properties;
     }
     properties.reserve(table->items().size() + 2);
-    for (const JsonNode& member : table->items())
+    for (const JsonValue member : table->items())
     {
-        const bool isStandard = member.key() == versionProperty || member.key() == hiddenProperty;
+        const bool isStandard = member.name() == versionProperty || member.name() == hiddenProperty;
         if (member.kind() == Kind::Null && isStandard && !isGeneric)
             continue;
-        const Place at = place.key(member.key());
-        auto parts = readProperty(member, at, {_file, _owner});
+        auto parts = readProperty(member, _file, _owner);
         if (!parts)
             continue;
         if (parts->connected)
-            readConnections(*parts->connected, at.key("connected"), parts->property);
+            readConnections(*parts->connected, parts->property);
         properties.push_back(parts->property);
     }
     return properties;
 }
 
-void AssetReader::readConnections(const JsonNode& node, const Place& place, Property& property)
+/// Adds the properties that every asset has, unless the file says something about them.
+void AssetReader::addStandardProperties(Properties& properties)
 {
-    const bool isList = node.kind() == Kind::Array;
-    const std::span<Asset*> slots =
-        _file.arena().keep(std::vector<Asset*>(isList ? node.items().size() : 1));
-    property.setConnections(slots);
-    if (!isList)
-        return readConnection(node, place, slots.front());
-    for (std::size_t i = 0; i < slots.size(); ++i)
-        readConnection(node.items()[i], place.item(i), slots[i]);
+    Arena& arena = _file.arena();
+    const auto written = _object.find("properties");
+    if (!written || !written->member(versionProperty))
+        properties.emplace_back(versionProperty, platform::ePropertyType_Text,
+                                arena.make<StringValue>(_asset->content().definition.name()));
+    if (!written || !written->member(hiddenProperty))
+        properties.emplace_back(hiddenProperty, platform::ePropertyType_Boolean,
+                                arena.make<BooleanValue>(false));
 }
 
-void AssetReader::readConnection(const JsonNode& node, const Place& place, Asset*& slot)
+void AssetReader::readConnections(JsonValue value, Property& property)
 {
-    Connection connection;
-    connection.from = _asset;
-    connection.slot = &slot;
-    connection.file = _file.index;
-    switch (node.kind())
+    const bool isList = value.kind() == Kind::Array;
+    const std::span<Asset*> slots =
+        _file.arena().keep(std::vector<Asset*>(isList ? value.items().size() : 1));
+    property.setConnections(slots);
+    if (!isList)
+        return readConnection(value, slots.front());
+    std::size_t index = 0;
+    for (const JsonValue item : value.items())
+        readConnection(item, slots[index++]);
+}
+
+void AssetReader::readConnection(JsonValue value, Asset*& slot)
+{
+    Connection connection{.from = _asset, .slot = &slot, .file = _file.index};
+    switch (value.kind())
     {
     case Kind::Text:
-        connection.id = node.text();
-        connection.pointer = place.pointer();
+        connection.id = _file.keep(value.text());
+        connection.token = _file.report.token(value);
         break;
     case Kind::Object:
-        connection.to = AssetReader(node, place, _file, _owner).readInline();
+        connection.to = AssetReader(value, _file, _owner).readInline();
         break;
     default:
-        return _file.report.error(place, "expected the id of an asset, or an asset");
+        return _file.report.error(value, "expected the id of an asset, or an asset");
     }
-    _file.loading.connections.push_back(std::move(connection));
+    _file.loading.connections.push_back(connection);
 }
 
 } // namespace
 
-Asset* readAsset(const JsonNode& node, const Place& place, FileScope& file)
+Asset* readAsset(JsonValue value, const std::string& pointer, FileContext& file)
 {
-    return AssetReader(node, place, file, {}).readTopLevel();
+    return AssetReader(value, file, {}).readTopLevel(pointer);
 }
 
 } // namespace vyr::assetlib

@@ -82,40 +82,10 @@ void Asset::Release()
     store.release();
 }
 
-const platform::IProperty* Asset::FindProperty(const UTF8String& name) const
-{
-    return _content.properties.FindProperty(name);
-}
-
-std::size_t Asset::GetPropertyCount() const
-{
-    return _content.properties.GetPropertyCount();
-}
-
-const platform::IProperty* Asset::GetProperty(std::size_t index) const
-{
-    return _content.properties.GetProperty(index);
-}
-
 void Asset::GetDisplayName(UTF8String& name, const char* language) const
 {
     name =
         UTF8String(displayName(_content, language ? std::string_view(language) : standardLanguage));
-}
-
-void Asset::GetDescription(UTF8String& description) const
-{
-    description = UTF8String(_content.description);
-}
-
-const platform::IAssetIdentity* Asset::GetIdentity() const
-{
-    return _content.identity ? &*_content.identity : nullptr;
-}
-
-const platform::IAssetDefinition* Asset::GetDefinition() const
-{
-    return &_content.definition;
 }
 
 platform::IAssetInstance* Asset::Clone() const
@@ -123,16 +93,6 @@ platform::IAssetInstance* Asset::Clone() const
     auto* clone = new Asset(_store, _content, true);
     _store.retain();
     return clone;
-}
-
-void Asset::GetIdentifier(UTF8String& identifier) const
-{
-    identifier = UTF8String(_content.id);
-}
-
-const platform::IPropertyConstTable* Asset::GetGenericPropertyTable() const
-{
-    return _content.genericProperties ? &*_content.genericProperties : nullptr;
 }
 
 Asset* Asset::retain()

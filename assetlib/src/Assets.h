@@ -1,10 +1,16 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <deque>
+#include <memory>
+#include <memory_resource>
+#include <new>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -13,11 +19,48 @@
 #include <kelvor/platform/assets/IAssetInstance.h>
 #include <kelvor/platform/assets/IProperty.h>
 
-#include "Arena.h"
 #include "Values.h"
 
 namespace vyr::assetlib
 {
+
+/// Memory for things that go all at once. Nothing in it is destroyed, so that it must own nothing
+/// outside. Filled by one thread.
+class Arena
+{
+  public:
+    Arena() = default;
+    Arena(const Arena&) = delete;
+    Arena& operator=(const Arena&) = delete;
+
+    /// A copy of the items.
+    template <class Items> auto keep(const Items& items)
+    {
+        using Item = std::remove_cvref_t<decltype(*std::data(items))>;
+        const std::size_t count = std::size(items);
+        // Nothing has a place of its own too.
+        const std::size_t size = std::max<std::size_t>(count, 1) * sizeof(Item);
+        auto* kept = static_cast<Item*>(_memory.allocate(size, alignof(Item)));
+        std::uninitialized_copy_n(std::data(items), count, kept);
+        return std::span<Item>(kept, count);
+    }
+
+    std::string_view keepText(std::string_view text)
+    {
+        const auto kept = keep(text);
+        return {kept.data(), kept.size()};
+    }
+
+    template <class Thing, class... Arguments> Thing* make(Arguments&&... arguments)
+    {
+        void* place = _memory.allocate(sizeof(Thing), alignof(Thing));
+        return ::new (place) Thing(std::forward<Arguments>(arguments)...);
+    }
+
+  private:
+    static constexpr std::size_t firstBlock = std::size_t{1} << 16;
+    std::pmr::monotonic_buffer_resource _memory{firstBlock};
+};
 
 class Asset;
 class Store;
@@ -69,28 +112,6 @@ class PropertyTable final : public platform::IPropertyConstTable
     std::span<const std::uint32_t> _byName;
 };
 
-class Identity final : public platform::IAssetIdentity
-{
-  public:
-    explicit Identity(std::string_view name) : _name(name) {}
-    void GetName(UTF8String& name) const override { name = UTF8String(_name); }
-    std::string_view name() const { return _name; }
-
-  private:
-    std::string_view _name;
-};
-
-class Definition final : public platform::IAssetDefinition
-{
-  public:
-    explicit Definition(std::string_view name) : _name(name) {}
-    void GetName(UTF8String& name) const override { name = UTF8String(_name); }
-    std::string_view name() const { return _name; }
-
-  private:
-    std::string_view _name;
-};
-
 /// A language tag and a text.
 using DisplayName = std::pair<std::string_view, std::string_view>;
 
@@ -98,8 +119,8 @@ using DisplayName = std::pair<std::string_view, std::string_view>;
 struct AssetContent
 {
     std::string_view id;
-    std::optional<Identity> identity;
-    Definition definition{{}};
+    std::optional<Named<platform::IAssetIdentity>> identity;
+    Named<platform::IAssetDefinition> definition{{}};
     /// In the order in which they were written.
     std::span<const DisplayName> displayNames;
     std::string_view description;
@@ -121,17 +142,38 @@ class Asset final : public platform::IAssetInstance
     Asset& operator=(const Asset&) = delete;
 
     void Release() override;
-    const platform::IProperty* FindProperty(const UTF8String& name) const override;
-    std::size_t GetPropertyCount() const override;
-    const platform::IProperty* GetProperty(std::size_t index) const override;
+    const platform::IProperty* FindProperty(const UTF8String& name) const override
+    {
+        return _content.properties.FindProperty(name);
+    }
+    std::size_t GetPropertyCount() const override { return _content.properties.GetPropertyCount(); }
+    const platform::IProperty* GetProperty(std::size_t index) const override
+    {
+        return _content.properties.GetProperty(index);
+    }
     void GetDisplayName(UTF8String& name, const char* language) const override;
-    void GetDescription(UTF8String& description) const override;
-    const platform::IAssetIdentity* GetIdentity() const override;
-    const platform::IAssetDefinition* GetDefinition() const override;
+    void GetDescription(UTF8String& text) const override
+    {
+        text = UTF8String(_content.description);
+    }
+    const platform::IAssetIdentity* GetIdentity() const override
+    {
+        return _content.identity ? &*_content.identity : nullptr;
+    }
+    const platform::IAssetDefinition* GetDefinition() const override
+    {
+        return &_content.definition;
+    }
     bool HasWorkingPropertyNames() const override { return true; }
     platform::IAssetInstance* Clone() const override;
-    void GetIdentifier(UTF8String& identifier) const override;
-    const platform::IPropertyConstTable* GetGenericPropertyTable() const override;
+    void GetIdentifier(UTF8String& identifier) const override
+    {
+        identifier = UTF8String(_content.id);
+    }
+    const platform::IPropertyConstTable* GetGenericPropertyTable() const override
+    {
+        return _content.genericProperties ? &*_content.genericProperties : nullptr;
+    }
 
     /// Adds a reference that Release gives back. Only for assets that belong to the store.
     Asset* retain();

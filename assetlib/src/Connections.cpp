@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "Words.h"
+#include "base/Text.h"
 
 namespace vyr::assetlib
 {
@@ -80,13 +80,12 @@ class CycleSearch
         {
             const std::string_view id = step->asset->content().id;
             if (!id.empty() && ++count <= longestCycle)
-                ids += inQuotes(id) + " > ";
+                ids += base::inQuotes(id) + " > ";
         }
         if (count > longestCycle)
             ids += "... > ";
-        _reports[closing.file].error(closing.pointer,
-                                     "expected connections without a cycle, found " + ids +
-                                         inQuotes(closing.id));
+        _reports[closing.file].error(closing.token, "expected connections without a cycle, found " +
+                                                        ids + base::inQuotes(closing.id));
     }
 
     const Edges& _edges;
@@ -105,9 +104,9 @@ void resolve(Loading& loading, std::vector<Report>& reports, bool reportMissing)
                 origin != loading.origins.end())
                 connection.to = origin->second.asset;
             else if (reportMissing)
-                reports[connection.file].error(connection.pointer,
+                reports[connection.file].error(connection.token,
                                                "expected the id of an asset, no loaded file has " +
-                                                   inQuotes(connection.id));
+                                                   base::inQuotes(connection.id));
         }
         *connection.slot = connection.to;
     }

@@ -6,9 +6,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "CaseFold.h"
-#include "Paths.h"
-#include "Words.h"
+#include "base/Paths.h"
+#include "base/Text.h"
 
 namespace vyr::assetlib
 {
@@ -18,10 +17,12 @@ namespace fs = std::filesystem;
 namespace
 {
 
-bool existsAsFile(const fs::path& path)
+/// Bytes; no system has longer paths.
+constexpr std::size_t longestReference = 32767;
+
+std::string absoluteText(const fs::path& path)
 {
-    std::error_code error;
-    return fs::is_regular_file(path, error);
+    return base::genericUtf8FromPath(base::tidyAbsolute(path));
 }
 
 /// Replaces "%20" and the like; what is no such sequence stays.
@@ -49,116 +50,67 @@ std::string withoutFileScheme(const std::string& reference)
 {
     constexpr std::string_view scheme = "file:";
     constexpr std::string_view local = "localhost/";
-    if (foldCase(reference.substr(0, scheme.size())) != scheme)
+    if (!base::equalsIgnoringCase(reference.substr(0, scheme.size()), scheme))
         return reference;
     std::string path = percentDecoded(std::string_view(reference).substr(scheme.size()));
     if (path.starts_with("//"))
     {
-        const std::string host = foldCase(path.substr(2, local.size()));
-        if (host == local)
+        if (base::equalsIgnoringCase(path.substr(2, local.size()), local))
             path.erase(0, 1 + local.size());
-        else if (host.starts_with('/'))
+        else if (path.starts_with("///"))
             path.erase(0, 2);
     }
     const bool hasDrive = path.size() > 2 && path[0] == '/' && path[2] == ':';
     return hasDrive ? path.substr(1) : path;
 }
 
-/// The files that a path without root leads to below a folder, whatever the case of its parts.
-void collectInAnyCase(FolderCache& cache, const fs::path& folder, fs::path::iterator part,
-                      fs::path::iterator end, std::set<std::string>& found)
+/// Adds the files that a path without root leads to below a folder, whatever the case of its parts.
+void collectInAnyCase(FolderCache& cache, const fs::path& folder, const fs::path& parts,
+                      std::set<std::string>& found)
 {
-    if (part == end)
+    std::vector<fs::path> reached = {folder};
+    for (const fs::path& part : parts)
     {
-        if (cache.isFile(folder))
-            found.insert(textOf(tidyAbsolute(folder)));
-        return;
+        if (part == "." || part == ".." || part.empty())
+        {
+            for (fs::path& path : reached)
+                path /= part;
+            continue;
+        }
+        const std::string wanted = base::foldCase(base::utf8FromPath(part));
+        std::vector<fs::path> next;
+        for (const fs::path& path : reached)
+        {
+            const auto [first, last] = cache.listing(path).equal_range(wanted);
+            for (auto name = first; name != last; ++name)
+                next.push_back(path / base::pathFromUtf8(name->second));
+        }
+        reached = std::move(next);
     }
-    const auto next = std::next(part);
-    if (*part == "." || *part == ".." || part->empty())
-        return collectInAnyCase(cache, folder / *part, next, end, found);
-    const auto [first, last] = cache.listing(folder).equal_range(foldCase(textOf(*part)));
-    for (auto name = first; name != last; ++name)
-        collectInAnyCase(cache, folder / pathOf(name->second), next, end, found);
+    for (const fs::path& path : reached)
+    {
+        if (cache.isFile(path))
+            found.insert(absoluteText(path));
+    }
 }
 
 std::string differsInCase(const std::string& reference, const std::vector<std::string>& files)
 {
-    std::string message = "no file " + inQuotes(reference) + " with this upper and lower case; ";
+    std::string message =
+        "no file " + base::inQuotes(reference) + " with this upper and lower case; ";
     if (files.size() == 1)
-        return message + "taken: " + inQuotes(files.front());
-    return message + "not taken, since several fit: " + inQuotes(files[0]) + ", " +
-           inQuotes(files[1]);
+        return message + "taken: " + base::inQuotes(files.front());
+    return message + "not taken, since several fit: " + base::inQuotes(files[0]) + ", " +
+           base::inQuotes(files[1]);
 }
 
-} // namespace
-
-bool FolderCache::isFile(const fs::path& path)
-{
-    const auto [entry, isNew] = _files.try_emplace(path.native());
-    if (isNew)
-        entry->second = existsAsFile(path);
-    return entry->second;
-}
-
-const FolderCache::Listing& FolderCache::listing(const fs::path& folder)
-{
-    const auto [entry, isNew] = _listings.try_emplace(folder.native());
-    if (!isNew)
-        return entry->second;
-    std::error_code error;
-    for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error))
-    {
-        const std::string name = textOf(at->path().filename());
-        entry->second.emplace(foldCase(name), name);
-    }
-    return entry->second;
-}
-
-const ImageFinder::Image& ImageFinder::find(const std::string& reference)
-{
-    const auto found = _found.find(reference);
-    return found != _found.end() ? found->second
-                                 : _found.emplace(reference, lookUp(reference)).first->second;
-}
-
-ImageFinder::Image ImageFinder::lookUp(const std::string& reference)
-{
-    const std::vector<fs::path> forms = spellings(reference);
-    for (const fs::path& form : forms)
-    {
-        // An absolute path replaces the folder that it is appended to.
-        for (const fs::path& folder : _folders)
-        {
-            if (const fs::path path = folder / form; _cache.isFile(path))
-                return {textOf(tidyAbsolute(path)), {}};
-        }
-    }
-    for (const fs::path& form : forms)
-    {
-        const std::vector<std::string> files = findInAnyCase(form);
-        if (!files.empty())
-            return {files.size() == 1 ? files.front() : reference, differsInCase(reference, files)};
-    }
-    return {reference, {}};
-}
-
-std::vector<std::string> ImageFinder::findInAnyCase(const fs::path& path)
-{
-    std::set<std::string> found;
-    const fs::path parts = path.relative_path();
-    for (const fs::path& folder : _folders)
-    {
-        const fs::path start = path.is_absolute() ? path.root_path() : folder;
-        collectInAnyCase(_cache, start, parts.begin(), parts.end(), found);
-    }
-    return {found.begin(), found.end()};
-}
-
+/// The forms under which a reference is looked up, the most literal first: a "file:" reference
+/// decoded, then as it stands, with forward slashes for backward ones, and without a dot at the end.
+/// Empty for a text that names no file.
 std::vector<fs::path> spellings(const std::string& reference)
 {
     const std::string written = withoutFileScheme(reference);
-    if (written.empty() || written.find('\0') != written.npos)
+    if (written.empty() || written.size() > longestReference || written.find('\0') != written.npos)
         return {};
     std::vector<std::string> forms = {written};
     const auto add = [&](std::string form)
@@ -175,24 +127,90 @@ std::vector<fs::path> spellings(const std::string& reference)
             add(form.substr(0, form.size() - 1));
     }
     std::vector<fs::path> paths;
-    std::ranges::transform(forms, std::back_inserter(paths), pathOf);
+    std::ranges::transform(forms, std::back_inserter(paths), base::pathFromUtf8);
     return paths;
+}
+
+/// The absolute path of the first file that one of the forms names.
+template <class IsFile>
+std::optional<std::string> firstFile(const std::vector<fs::path>& forms,
+                                     const std::vector<fs::path>& folders, IsFile isFile)
+{
+    for (const fs::path& form : forms)
+    {
+        if (form.is_absolute() && isFile(form))
+            return absoluteText(form);
+        for (const fs::path& folder : folders)
+        {
+            if (const fs::path path = folder / form; isFile(path))
+                return absoluteText(path);
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+bool FolderCache::isFile(const fs::path& path)
+{
+    const auto [entry, isNew] = _files.try_emplace(path.native());
+    if (isNew)
+        entry->second = base::isFile(path);
+    return entry->second;
+}
+
+const FolderCache::Listing& FolderCache::listing(const fs::path& folder)
+{
+    const auto [entry, isNew] = _listings.try_emplace(folder.native());
+    if (!isNew)
+        return entry->second;
+    std::error_code error;
+    for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error))
+    {
+        const std::string name = base::utf8FromPath(at->path().filename());
+        entry->second.emplace(base::foldCase(name), name);
+    }
+    return entry->second;
+}
+
+const ImageFinder::Image& ImageFinder::find(const std::string& reference)
+{
+    const auto found = _found.find(reference);
+    return found != _found.end() ? found->second
+                                 : _found.emplace(reference, lookUp(reference)).first->second;
+}
+
+ImageFinder::Image ImageFinder::lookUp(const std::string& reference)
+{
+    const std::vector<fs::path> forms = spellings(reference);
+    const auto isFile = [this](const fs::path& path) { return _cache.isFile(path); };
+    if (auto file = firstFile(forms, _folders, isFile))
+        return {std::move(*file), {}};
+    for (const fs::path& form : forms)
+    {
+        const std::vector<std::string> files = findInAnyCase(form);
+        if (!files.empty())
+            return {files.size() == 1 ? files.front() : reference, differsInCase(reference, files)};
+    }
+    return {reference, {}};
+}
+
+std::vector<std::string> ImageFinder::findInAnyCase(const fs::path& path)
+{
+    std::set<std::string> found;
+    const fs::path parts = path.relative_path();
+    for (const fs::path& folder : _folders)
+    {
+        const fs::path start = path.is_absolute() ? path.root_path() : folder;
+        collectInAnyCase(_cache, start, parts, found);
+    }
+    return {found.begin(), found.end()};
 }
 
 std::optional<std::string> findFile(const std::vector<fs::path>& folders,
                                     const std::string& reference)
 {
-    for (const fs::path& form : spellings(reference))
-    {
-        if (form.is_absolute() && existsAsFile(form))
-            return textOf(tidyAbsolute(form));
-        for (const fs::path& folder : folders)
-        {
-            if (const fs::path path = folder / form; existsAsFile(path))
-                return textOf(tidyAbsolute(path));
-        }
-    }
-    return std::nullopt;
+    return firstFile(spellings(reference), folders, base::isFile);
 }
 
 } // namespace vyr::assetlib

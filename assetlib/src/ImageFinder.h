@@ -57,11 +57,6 @@ class ImageFinder
     std::unordered_map<std::string, Image> _found;
 };
 
-/// The forms under which a reference is looked up, the most literal first: a "file:" reference
-/// decoded, then as it stands, with forward slashes for backward ones, and without a dot at the end.
-/// Empty for a text that names no file.
-std::vector<std::filesystem::path> spellings(const std::string& reference);
-
 /// The absolute path of the file that a reference names in one of the folders, upper and lower case
 /// as written. Asks the file system each time.
 std::optional<std::string> findFile(const std::vector<std::filesystem::path>& folders,

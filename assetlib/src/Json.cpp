@@ -1,12 +1,14 @@
 #include "Json.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <new>
+#include <string>
+#include <vector>
 
-#include <nlohmann/json.hpp>
-#include <simdjson.h>
-
-#include "JsonBuilder.h"
+#include "Report.h"
+#include "base/Text.h"
 
 namespace vyr::assetlib
 {
@@ -14,229 +16,231 @@ namespace vyr::assetlib
 namespace
 {
 
-/// Stands for a number that no double can hold: no float can hold it either.
-constexpr std::string_view tooLarge = "9e99";
-/// So many of them are replaced in one file, each at the cost of parsing again.
-constexpr int maxReplacements = 32;
-constexpr int overflowId = 406;
-
-/// The parser's text for people, without its prefix, its position and the text that it read last,
-/// which may be long and no UTF-8.
-std::string reasonOf(std::string_view what)
+/// How what the parser says begins, and how people are told. The others of its reasons pass as they are.
+struct Reason
 {
-    constexpr std::string_view start = "syntax error ";
-    constexpr std::string_view lastRead = "; last read: '";
-    constexpr std::string_view expected = "'; expected ";
-    const auto at = what.find(start);
-    if (at == what.npos)
-        return "cannot be parsed";
-    what.remove_prefix(at + start.size());
-    const auto read = what.find(lastRead);
-    std::string reason(what.substr(0, read));
-    if (const auto tail = what.rfind(expected); read != what.npos && tail != what.npos)
-        reason += what.substr(tail + 1);
-    return reason;
+    std::string_view start;
+    std::string_view message;
+    /// Whether to say what stands there instead.
+    bool namesFound = false;
+};
+
+constexpr Reason reasons[] = {
+    {"unexpected character, expected a valid", "expected a value", true},
+    {"unexpected character, expected a string", "expected a key in double quotes", true},
+    {"unexpected character, expected a colon", "expected ':' after the key", true},
+    {"unexpected character, expected a comma or a closing bracket", "expected ',' or ']'", true},
+    {"unexpected character, expected a comma or a closing brace", "expected ',' or '}'", true},
+    {"invalid literal", "expected a value", true},
+    {"unexpected content", "expected the end of the file", true},
+    {"unexpected end", "unexpected end of the file"},
+    {"input data is empty", "expected a value"},
+    {"trailing comma", "expected no comma behind the last item"},
+    {"unexpected control character", "expected no control character in a text", true},
+    {"invalid UTF-8", "invalid UTF-8 in a text"},
+    {"invalid escaped", "invalid escape in a text"},
+    {"no low surrogate", "half of a surrogate pair in a text"},
+    {"invalid low surrogate", "half of a surrogate pair in a text"},
+    {"invalid high surrogate", "half of a surrogate pair in a text"},
+};
+
+constexpr bool isWordCharacter(char c)
+{
+    return base::isAsciiAlphanumeric(c) || c == '_' || c == '.' || c == '-' || c == '+';
 }
 
-/// Reports broken JSON at the byte `offset` of the text.
-void reportBroken(Report& report, std::string_view text, std::size_t offset, std::string message)
+constexpr bool isContinuation(char c)
 {
-    const std::string_view before = text.substr(0, std::min(offset, text.size()));
-    const auto line = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')) + 1;
-    const std::string_view lineStart = before.substr(before.rfind('\n') + 1);
-    const auto startsCharacter = [](char c)
-    { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
-    const auto column = static_cast<std::size_t>(
-                            std::count_if(lineStart.begin(), lineStart.end(), startsCharacter)) +
-                        1;
-    report.brokenJson(line, column, std::move(message));
+    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
 }
 
-/// How many bytes at the end of the text do not fit: a whole token in the wrong place, else one byte.
-/// @param tokenSize of a string or number; the parser keeps no other tokens apart.
-std::size_t offendingLength(std::string_view text, const std::string& reason, std::size_t tokenSize)
+/// The word or character at the start of the text, which is not empty, for a message.
+std::string found(std::string_view text)
 {
-    if (reason.find("unexpected ") == reason.npos)
-        return 1;
-    if (reason.find("unexpected string") != reason.npos ||
-        reason.find("unexpected number") != reason.npos)
-        return tokenSize;
-    const auto isLetter = [](char c) { return c >= 'a' && c <= 'z'; };
-    const auto word = std::find_if_not(text.rbegin(), text.rend(), isLetter);
-    return std::max<std::size_t>(1, static_cast<std::size_t>(word - text.rbegin()));
+    if (text.starts_with('"'))
+        return "a text";
+    const auto isPart = isWordCharacter(text.front()) ? isWordCharacter : isContinuation;
+    std::size_t length = 1;
+    while (length < text.size() && isPart(text[length]))
+        ++length;
+    return base::inQuotes(base::validUtf8(text.substr(0, length)));
+}
+
+/// @param rest of the text, from where it is broken
+std::string reasonOf(std::string_view what, std::string_view rest)
+{
+    const auto* const reason = std::ranges::find_if(reasons, [&](const Reason& candidate)
+                                                    { return what.starts_with(candidate.start); });
+    if (reason == std::end(reasons))
+        return std::string(what);
+    std::string message(reason->message);
+    return reason->namesFound && !rest.empty() ? message + ", found " + found(rest) : message;
 }
 
 /// Takes a byte-order mark off the text.
-bool isParseable(std::string& text, Report& report)
+bool isParseable(Report& report)
 {
+    std::string& text = report.text();
     if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF"))
     {
-        report.brokenJson(1, 1, "expected UTF-8, this looks like UTF-16");
+        report.errorAtByte(0, "expected UTF-8, this looks like UTF-16");
         return false;
     }
     if (text.starts_with("\xEF\xBB\xBF"))
         text.erase(0, 3);
-    // The parser takes a NUL for the end of the text.
     const auto nul = text.find('\0');
     if (nul != text.npos)
-        reportBroken(report, text, nul, "broken JSON: a NUL character");
+        report.errorAtByte(nul, "broken JSON: a NUL character");
     return nul == text.npos;
 }
 
-/// Takes what nlohmann's parser finds.
-class Sax : public nlohmann::json_sax<nlohmann::json>
+/// Looks at all values of a document, which lie in memory one behind the other in the order of the text,
+/// a key before its value and an array or object before its content.
+class StructureCheck
 {
   public:
-    Sax(std::string_view text, JsonBuilder& builder, Report& report)
-        : _text(text), _builder(builder), _report(report)
-    {
-    }
+    explicit StructureCheck(Report& report) : _report(report) {}
 
-    /// Where a number stands that no double can hold; empty when that did not end the parsing.
-    std::string_view overflow() const { return _overflow; }
-
-    bool null() override { return add({}); }
-    bool boolean(bool value) override { return add(value); }
-    bool number_integer(std::int64_t value) override { return add(static_cast<double>(value)); }
-    bool number_unsigned(std::uint64_t value) override { return add(static_cast<double>(value)); }
-    bool number_float(double value, const std::string&) override { return add(value); }
-    bool string(std::string& value) override
+    void run(yyjson_doc* document)
     {
-        _builder.addText(value);
-        return true;
+        yyjson_val* value = yyjson_doc_get_root(document);
+        const yyjson_val* const end = value + yyjson_doc_get_val_count(document);
+        while (value != end)
+        {
+            while (!_ends.empty() && _ends.back() == value)
+                _ends.pop_back();
+            value = yyjson_is_ctn(value) ? enter(value) : value + 1;
+        }
     }
-    bool binary(nlohmann::json::binary_t&) override { return false; }
-    bool start_object(std::size_t) override { return take(&JsonBuilder::openObject); }
-    bool end_object() override { return take(&JsonBuilder::closeObject); }
-    bool start_array(std::size_t) override { return take(&JsonBuilder::openArray); }
-    bool end_array() override { return take(&JsonBuilder::closeArray); }
-    bool key(std::string& value) override
-    {
-        _builder.addKey(value);
-        return true;
-    }
-    bool parse_error(std::size_t position, const std::string& token,
-                     const nlohmann::json::exception& error) override;
 
   private:
-    bool take(void (JsonBuilder::*step)())
+    /// @return the value to go on with.
+    yyjson_val* enter(yyjson_val* container)
     {
-        (_builder.*step)();
-        return true;
-    }
-    bool add(const JsonNode::Content& content)
-    {
-        _builder.add(content);
-        return true;
-    }
-
-    std::string_view _text;
-    JsonBuilder& _builder;
-    Report& _report;
-    std::string_view _overflow;
-};
-
-bool Sax::parse_error(std::size_t position, const std::string& token,
-                      const nlohmann::json::exception& error)
-{
-    const std::size_t end = std::min(position, _text.size());
-    if (error.id == overflowId)
-    {
-        _overflow = _text.substr(end - std::min(end, token.size()), token.size());
-        return false;
-    }
-    const std::string reason = reasonOf(error.what());
-    // The end of the text counts as a byte behind it.
-    const std::size_t length =
-        position > end ? 0 : offendingLength(_text.substr(0, end), reason, token.size());
-    reportBroken(_report, _text, end - std::min(end, length), "broken JSON: " + reason);
-    return false;
-}
-
-/// Hands an element and all in it to the builder. simdjson bounds the recursion.
-void build(const simdjson::dom::element& element, JsonBuilder& builder)
-{
-    using Type = simdjson::dom::element_type;
-    switch (element.type())
-    {
-    case Type::ARRAY:
-        builder.openArray();
-        for (const simdjson::dom::element item : simdjson::dom::array(element))
-            build(item, builder);
-        return builder.closeArray();
-    case Type::OBJECT:
-        builder.openObject();
-        for (const auto& [key, value] : simdjson::dom::object(element))
+        yyjson_val* const end = unsafe_yyjson_get_next(container);
+        if (_ends.size() == JsonDocument::maxDepth)
         {
-            builder.addKey(key);
-            build(value, builder);
+            _report.error(JsonValue(container), "expected at most " +
+                                                    std::to_string(JsonDocument::maxDepth) +
+                                                    " arrays and objects inside one another");
+            unsafe_yyjson_set_len(container, 0);
+            return end;
         }
-        return builder.closeObject();
-    case Type::STRING:
-        return builder.addText(std::string_view(element));
-    case Type::BOOL:
-        return builder.add(bool(element));
-    case Type::NULL_VALUE:
-        return builder.add({});
-    case Type::INT64:
-    case Type::UINT64:
-    case Type::DOUBLE:
-        return builder.add(double(element));
+        if (yyjson_is_obj(container) && yyjson_obj_size(container) > 1)
+            dropRepeatedKeys(container);
+        _ends.push_back(end);
+        return container + 1;
     }
-}
 
-/// Parses by simdjson, ten times as fast as by nlohmann's parser, which says better where and why a text
-/// is broken.
-/// @return whether the text is whole and in its bounds.
-bool parseFast(std::string& text, JsonBuilder& builder)
-{
-    static_assert(JsonDocument::roomBehind >= simdjson::SIMDJSON_PADDING);
-    text.reserve(text.size() + JsonDocument::roomBehind);
-    simdjson::dom::parser parser;
-    simdjson::dom::element root;
-    if (parser.parse(text.data(), text.size(), false).get(root) != simdjson::SUCCESS)
-        return false;
-    build(root, builder);
-    return true;
-}
+    static bool isSame(yyjson_val* a, yyjson_val* b)
+    {
+        return JsonValue(a).text() == JsonValue(b).text();
+    }
+
+    static bool isBefore(yyjson_val* a, yyjson_val* b)
+    {
+        const int order = JsonValue(a).text().compare(JsonValue(b).text());
+        return order != 0 ? order < 0 : a < b;
+    }
+
+    /// Most objects have a few keys, which are compared faster than sorted.
+    bool areSurelyDifferent() const
+    {
+        constexpr std::size_t few = 16;
+        if (_keys.size() > few)
+            return false;
+        for (std::size_t i = 1; i < _keys.size(); ++i)
+        {
+            for (std::size_t k = 0; k < i; ++k)
+            {
+                if (isSame(_keys[i], _keys[k]))
+                    return false;
+            }
+        }
+        return true;
+    }
+
+    void dropRepeatedKeys(yyjson_val* object)
+    {
+        _keys.clear();
+        yyjson_obj_iter members = yyjson_obj_iter_with(object);
+        while (yyjson_val* const key = yyjson_obj_iter_next(&members))
+            _keys.push_back(key);
+        if (areSurelyDifferent())
+            return;
+        std::ranges::sort(_keys, isBefore);
+        std::vector<yyjson_val*> repeated;
+        for (std::size_t i = 1; i < _keys.size(); ++i)
+        {
+            if (!isSame(_keys[i], _keys[i - 1]))
+                continue;
+            if (i == 1 || !isSame(_keys[i], _keys[i - 2]))
+                _report.error(JsonValue(_keys[i]), "expected each key only once in an object");
+            repeated.push_back(_keys[i]);
+        }
+        // A key that is null is passed over.
+        std::ranges::for_each(repeated, yyjson_set_null);
+    }
+
+    Report& _report;
+    /// Where the arrays and objects around the value end.
+    std::vector<const yyjson_val*> _ends;
+    std::vector<yyjson_val*> _keys;
+};
 
 } // namespace
 
-JsonDocument::JsonDocument(std::string& text, Arena& texts, Report& report)
+double JsonValue::number() const
 {
-    if (!isParseable(text, report))
-        return;
-    JsonBuilder builder(_nodes, texts, report);
-    _whole = parseFast(text, builder);
-    if (_whole)
-        _root = builder.root();
-    else
-        parseWithReasons(text, texts, report);
+    if (!yyjson_is_raw(_value))
+        return yyjson_get_num(_value);
+    const auto number =
+        base::numberFromText<double>({yyjson_get_raw(_value), yyjson_get_len(_value)});
+    return number.value_or(std::numeric_limits<double>::infinity());
 }
 
-void JsonDocument::parseWithReasons(std::string& text, Arena& texts, Report& report)
+std::optional<JsonValue> JsonValue::member(std::string_view key) const
 {
-    for (int replaced = 0; replaced <= maxReplacements; ++replaced)
+    if (!yyjson_is_obj(_value))
+        return std::nullopt;
+    for (const JsonValue member : items())
     {
-        Report attempt(report.file());
-        JsonBuilder builder(_nodes, texts, attempt);
-        Sax sax(text, builder, attempt);
-        _whole = nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &sax);
-        if (_whole)
-            _root = builder.root();
-        const std::string_view overflow = sax.overflow();
-        if (overflow.empty())
-        {
-            report.append(attempt);
-            return;
-        }
-        const auto start = overflow.data() - text.data();
-        if (replaced == maxReplacements)
-            reportBroken(report, text, static_cast<std::size_t>(start),
-                         "expected numbers within the range of a 32-bit float");
-        std::fill_n(text.begin() + start, overflow.size(), ' ');
-        std::copy(tooLarge.begin(), tooLarge.end(), text.begin() + start);
+        if (member.name() == key)
+            return member;
     }
+    return std::nullopt;
+}
+
+JsonItems::Iterator& JsonItems::Iterator::operator++()
+{
+    do
+    {
+        _value = unsafe_yyjson_get_next(_value) + (_isObject ? 1 : 0);
+        --_left;
+    } while (_isObject && _left > 0 && !yyjson_is_str(_value - 1));
+    return *this;
+}
+
+JsonDocument::JsonDocument(Report& report)
+{
+    if (!isParseable(report))
+        return;
+    std::string& text = report.text();
+    yyjson_read_err error{};
+    // Numbers that no double holds stay texts, so that their reader refuses them at their place.
+    _document.reset(
+        yyjson_read_opts(text.data(), text.size(), YYJSON_READ_BIGNUM_AS_RAW, nullptr, &error));
+    if (error.code == YYJSON_READ_ERROR_MEMORY_ALLOCATION)
+        throw std::bad_alloc();
+    if (!_document)
+    {
+        const std::string_view rest =
+            std::string_view(text).substr(std::min(error.pos, text.size()));
+        report.errorAtByte(error.pos, "broken JSON: " + reasonOf(error.msg, rest));
+        return;
+    }
+    report.setRoot(root());
+    StructureCheck(report).run(_document.get());
 }
 
 } // namespace vyr::assetlib

@@ -1,39 +1,23 @@
 #pragma once
 
 #include <cstddef>
-#include <span>
-#include <string>
+#include <iterator>
+#include <memory>
+#include <optional>
 #include <string_view>
-#include <variant>
 
-#include "Arena.h"
-#include "Report.h"
+#include <yyjson.h>
 
 namespace vyr::assetlib
 {
 
-class JsonNode;
-using JsonItems = std::span<const JsonNode>;
+class JsonItems;
+class Report;
 
-struct JsonArray
-{
-    JsonItems items;
-};
-
-/// The members in the order of the file, each key once.
-struct JsonObject
-{
-    JsonItems items;
-};
-
-/// One value of a JSON document. There are many, so that it is kept small.
-class JsonNode
+/// One value of a JSON document, or one of its keys. Borrowed from the document, as are its texts.
+class JsonValue
 {
   public:
-    using Content =
-        std::variant<std::monostate, bool, double, std::string_view, JsonArray, JsonObject>;
-
-    /// In the order of what a node may hold.
     enum class Kind
     {
         Null,
@@ -44,34 +28,82 @@ class JsonNode
         Object,
     };
 
-    explicit JsonNode(std::string_view key = {}, const Content& content = {})
-        : _content(content), _key(key)
+    explicit JsonValue(yyjson_val* value) : _value(value) {}
+
+    Kind kind() const
     {
+        // By the parser's types: none, raw number, null, boolean, number, text, array, object.
+        constexpr Kind kinds[] = {Kind::Null,   Kind::Number, Kind::Null,  Kind::Boolean,
+                                  Kind::Number, Kind::Text,   Kind::Array, Kind::Object};
+        return kinds[yyjson_get_type(_value)];
     }
+    /// These three are for a value of that kind.
+    bool boolean() const { return yyjson_get_bool(_value); }
+    /// Infinite when no double holds it.
+    double number() const;
+    std::string_view text() const { return {yyjson_get_str(_value), yyjson_get_len(_value)}; }
+    /// Of an array, or the members of an object, each key once; none of any other value.
+    JsonItems items() const;
+    /// Of an object; nothing when there is none.
+    std::optional<JsonValue> member(std::string_view key) const;
 
-    Kind kind() const { return static_cast<Kind>(_content.index()); }
-    /// Where the node is a member of an object.
-    std::string_view key() const { return _key; }
+    /// These two are for a member of an object.
+    JsonValue key() const { return JsonValue(_value - 1); }
+    std::string_view name() const { return key().text(); }
 
-    /// These three are for a node of that kind.
-    bool boolean() const { return std::get<bool>(_content); }
-    double number() const { return std::get<double>(_content); }
-    std::string_view text() const { return std::get<std::string_view>(_content); }
-    /// Of an array or an object; none of any other node.
-    JsonItems items() const
+    /// How many keys and values lie between another one of the document and this one, in the order
+    /// of the text.
+    std::size_t tokensAfter(JsonValue other) const
     {
-        if (const auto* array = std::get_if<JsonArray>(&_content))
-            return array->items;
-        const auto* object = std::get_if<JsonObject>(&_content);
-        return object ? object->items : JsonItems();
+        return static_cast<std::size_t>(_value - other._value);
     }
-
-    void setContent(const Content& content) { _content = content; }
 
   private:
-    Content _content;
-    std::string_view _key;
+    yyjson_val* _value;
 };
+
+/// The values in an array or an object, in the order of the file.
+class JsonItems
+{
+  public:
+    class Iterator
+    {
+      public:
+        Iterator(yyjson_val* value, std::size_t left, bool isObject)
+            : _value(value), _left(left), _isObject(isObject)
+        {
+        }
+        JsonValue operator*() const { return JsonValue(_value); }
+        Iterator& operator++();
+        bool operator==(std::default_sentinel_t) const { return _left == 0; }
+
+      private:
+        yyjson_val* _value;
+        std::size_t _left;
+        bool _isObject;
+    };
+
+    explicit JsonItems(yyjson_val* container)
+        : _container(container), _isObject(yyjson_is_obj(container)),
+          _size(yyjson_is_ctn(container) ? yyjson_get_len(container) : 0)
+    {
+    }
+
+    std::size_t size() const { return _size; }
+    bool empty() const { return _size == 0; }
+    Iterator begin() const { return {_container + (_isObject ? 2 : 1), _size, _isObject}; }
+    static std::default_sentinel_t end() { return {}; }
+
+  private:
+    yyjson_val* _container;
+    bool _isObject;
+    std::size_t _size;
+};
+
+inline JsonItems JsonValue::items() const
+{
+    return JsonItems(_value);
+}
 
 /// A JSON text in memory.
 class JsonDocument
@@ -79,26 +111,21 @@ class JsonDocument
   public:
     /// Arrays and objects inside one another, the outermost counted.
     static constexpr std::size_t maxDepth = 64;
-    /// A text with so many bytes of room behind its end is not moved to make some.
-    static constexpr std::size_t roomBehind = 64;
 
-    /// Parses the text and reports broken JSON (with line and column), keys that an object has
-    /// twice, and nesting deeper than maxDepth, whose content is left out.
-    /// @param text changed where it holds numbers that no double can hold: they become a number that
-    ///        no float can hold, so that its reader refuses it at its place.
-    /// @param texts gets the texts and keys, which may outlive the document; equal keys are one text.
-    JsonDocument(std::string& text, Arena& texts, Report& report);
+    /// Parses the report's text. Reports broken JSON, keys that an object has twice, of which the first
+    /// stays, and nesting deeper than maxDepth, whose content is left out.
+    explicit JsonDocument(Report& report);
 
-    /// False when the JSON is broken; the root then means nothing.
-    bool isWhole() const { return _whole; }
-    const JsonNode& root() const { return _root; }
+    /// False when the JSON is broken; there is no root then.
+    bool isWhole() const { return _document != nullptr; }
+    JsonValue root() const { return JsonValue(yyjson_doc_get_root(_document.get())); }
 
   private:
-    void parseWithReasons(std::string& text, Arena& texts, Report& report);
-
-    JsonNode _root;
-    bool _whole = false;
-    Arena _nodes;
+    struct Free
+    {
+        void operator()(yyjson_doc* document) const { yyjson_doc_free(document); }
+    };
+    std::unique_ptr<yyjson_doc, Free> _document;
 };
 
 } // namespace vyr::assetlib

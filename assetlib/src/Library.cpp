@@ -1,10 +1,17 @@
 #include <vyr/assetlib/Library.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <iterator>
+#include <memory>
+#include <mutex>
+#include <system_error>
 #include <unordered_map>
 
-#include "FileReader.h"
-#include "LibraryManager.h"
+#include <kelvor/platform/assets/IAssetLibraryManager.h>
+
+#include "Loading.h"
+#include "base/Paths.h"
 
 namespace vyr::assetlib
 {
@@ -26,17 +33,75 @@ class Library::Content
 namespace
 {
 
-template <class T>
-void append(std::vector<T>& all, const std::vector<T>& some)
-{
-    all.insert(all.end(), some.begin(), some.end());
-}
-
-template <class T>
-void append(std::vector<T>& all, std::vector<T>&& some)
+template <class T> void append(std::vector<T>& all, std::vector<T>&& some)
 {
     all.insert(all.end(), std::make_move_iterator(some.begin()),
                std::make_move_iterator(some.end()));
+}
+
+/// The asset library of this process as converters see it.
+class LibraryManager final : public platform::IAssetLibraryManager, private platform::IPathResolver
+{
+  public:
+    static LibraryManager& instance()
+    {
+        // Never destroyed: converters may still ask while the program ends.
+        static LibraryManager& manager = *new LibraryManager;
+        return manager;
+    }
+
+    const platform::IPathResolver* GetPathResolver() const override { return this; }
+    void setFolders(const std::vector<std::string>& folders);
+
+  private:
+    using Folders = std::vector<std::filesystem::path>;
+
+    LibraryManager() = default;
+
+    bool Resolve(const UTF8String& uri, UTF8String& path) const override;
+    bool Resolve(const WideString& uri, WideString& path) const override;
+
+    std::shared_ptr<const Folders> folders() const
+    {
+        const std::lock_guard lock(_mutex);
+        return _folders;
+    }
+
+    mutable std::mutex _mutex;
+    std::shared_ptr<const Folders> _folders = std::make_shared<Folders>();
+};
+
+void LibraryManager::setFolders(const std::vector<std::string>& folders)
+{
+    auto absolute = std::make_shared<Folders>();
+    for (const std::string& folder : folders)
+        absolute->push_back(base::tidyAbsolute(base::pathFromUtf8(folder)));
+    const std::lock_guard lock(_mutex);
+    _folders = std::move(absolute);
+}
+
+bool LibraryManager::Resolve(const UTF8String& uri, UTF8String& path) const
+{
+    const auto found = findFile(*folders(), uri.str());
+    if (found)
+        path = *found;
+    return found.has_value();
+}
+
+bool LibraryManager::Resolve(const WideString& uri, WideString& path) const
+{
+    try
+    {
+        UTF8String found;
+        if (!Resolve(UTF8String(base::utf8FromWide(uri.str())), found))
+            return false;
+        path = WideString(base::wideFromUtf8(found.str()));
+        return true;
+    }
+    catch (const std::system_error&)
+    {
+        return false; // half a surrogate pair and the like name no file
+    }
 }
 
 } // namespace
@@ -83,11 +148,8 @@ LoadResult load(const std::vector<std::string>& files, const LoadOptions& option
     connect(loading, reports, allKnown);
 
     LoadResult result;
-    for (const Report& report : reports)
-    {
-        append(result.errors, report.errors());
-        append(result.warnings, report.warnings());
-    }
+    for (Report& report : reports)
+        report.addTo(result);
     if (!result.errors.empty())
         return result;
     for (std::size_t i = 0; i < content->materials.size(); ++i)
@@ -106,8 +168,8 @@ void setResolverFolders(std::vector<std::string> folders)
 namespace kelvor::platform::assets
 {
 
-// Here, and not with the manager: a linker takes from a static library only the objects that it needs,
-// and whoever loads files needs this one.
+// In the file of load(): a linker takes from a static library only the objects that it needs, and whoever
+// loads files needs this one.
 IAssetLibraryManager* GetIAssetLibraryManager()
 {
     return &vyr::assetlib::LibraryManager::instance();

@@ -1,10 +1,9 @@
-#include "OverlayReader.h"
+#include "Loading.h"
 
 #include <array>
 
-#include "Fields.h"
-#include "Units.h"
-#include "Words.h"
+#include "JsonReaders.h"
+#include "base/Text.h"
 
 namespace vyr::assetlib
 {
@@ -12,19 +11,28 @@ namespace vyr::assetlib
 namespace
 {
 
-/// Reads the textures of one overlay.
-class TextureReader
+std::optional<float> readFloat(JsonValue value, Report& report)
 {
-  public:
-    TextureReader(FileScope& file, std::string_view overlay) : _file(file), _overlay(overlay) {}
+    const auto number = readNumber(value, report);
+    return number ? std::optional(static_cast<float>(*number)) : std::nullopt;
+}
 
-    std::optional<OverlayTexture> operator()(const JsonNode& node, const Place& place,
-                                             Report& report) const
+/// Reads the textures of one overlay.
+struct TextureReader
+{
+    FileContext& file;
+    std::string_view overlay;
+
+    std::optional<OverlayTexture> operator()(JsonValue member, Report& report) const
     {
         OverlayTexture texture;
-        ObjectReader object(node, place, report);
-        object.read("path", texture.path, [&](const JsonNode& path, const Place& at, Report&)
-                    { return readPath(path, at, node.key()); });
+        ObjectReader object(member, report);
+        object.read("path", texture.path,
+                    [&](JsonValue path, Report&) -> std::optional<std::string>
+                    {
+                        const auto* found = file.findImage(path, overlay, member.name());
+                        return found ? std::optional(*found) : std::nullopt;
+                    });
         object.read("realWorldOffset", texture.realWorldOffset, readFloats<2>);
         object.read("realWorldScale", texture.realWorldScale, readFloats<2>);
         object.read("unit", texture.unit, readLengthUnit);
@@ -34,28 +42,6 @@ class TextureReader
         object.reportUnknownKeys();
         return texture;
     }
-
-  private:
-    static std::optional<float> readFloat(const JsonNode& node, const Place& place, Report& report)
-    {
-        const auto number = readNumber(node, place, report);
-        return number ? std::optional(static_cast<float>(*number)) : std::nullopt;
-    }
-
-    std::optional<std::string> readPath(const JsonNode& node, const Place& place,
-                                        std::string_view key) const
-    {
-        const auto reference = readText(node, place, _file.report);
-        if (!reference)
-            return std::nullopt;
-        const ImageFinder::Image& image = _file.images.find(std::string(*reference));
-        if (!image.remark.empty())
-            _file.report.warning(place, _overlay, key, image.remark);
-        return image.path;
-    }
-
-    FileScope& _file;
-    std::string_view _overlay;
 };
 
 Decal readDecal(ObjectReader& object, const TextureReader& readTexture)
@@ -83,16 +69,16 @@ Thread readThread(ObjectReader& object, const TextureReader& readTexture)
 
 } // namespace
 
-std::optional<Overlay> readOverlay(const JsonNode& node, const Place& place, FileScope& file)
+std::optional<Overlay> readOverlay(JsonValue value, const std::string& pointer, FileContext& file)
 {
     static constexpr std::array<std::string_view, 2> kinds = {"decal", "thread"};
 
-    ObjectReader object(node, place, file.report);
+    ObjectReader object(value, file.report);
     Overlay overlay;
-    std::optional<std::string> type;
     object.readRequired("name", overlay.name, readText);
-    object.readRequired("type", type, readText);
-    const TextureReader readTexture(file, overlay.name);
+    const auto member = object.require("type");
+    const auto type = member ? readText(*member, file.report) : std::nullopt;
+    const TextureReader readTexture{file, overlay.name};
     if (type == kinds[0])
         overlay.content = readDecal(object, readTexture);
     else if (type == kinds[1])
@@ -100,13 +86,13 @@ std::optional<Overlay> readOverlay(const JsonNode& node, const Place& place, Fil
     else
     {
         if (type)
-            file.report.error(object.at("type"), "expected " + listed(kinds) + ", found " +
-                                                     inQuotes(*type) + suggestion(*type, kinds));
+            file.report.error(*member, "expected " + base::listed(kinds) + ", found " +
+                                           base::inQuotes(*type) + base::suggestion(*type, kinds));
         return std::nullopt; // its other keys depend on the type
     }
     object.reportUnknownKeys();
     overlay.file = file.report.file();
-    overlay.pointer = place.pointer();
+    overlay.pointer = pointer;
     return overlay;
 }
 

@@ -8,65 +8,55 @@
 
 #include <vyr/assetlib/Library.h>
 
+#include "Json.h"
+
 namespace vyr::assetlib
 {
 
-/// A place in a JSON document, as a chain of keys and indices on the stack of the readers: the text is
-/// only made when it is needed.
-class Place
-{
-  public:
-    Place() = default;
-    Place key(std::string_view name) const { return Place(this, name, 0); }
-    Place item(std::size_t index) const { return Place(this, {}, index); }
-
-    /// The JSON pointer, with "~" and "/" in keys escaped.
-    std::string pointer() const;
-
-  private:
-    Place(const Place* parent, std::string_view name, std::size_t index)
-        : _parent(parent), _name(name), _index(index)
-    {
-    }
-
-    const Place* _parent = nullptr;
-    std::string_view _name;
-    std::size_t _index = 0;
-};
-
-/// A key or an index as a part of a JSON pointer, with its "/".
-void appendToPointer(std::string& pointer, std::string_view key);
-void appendToPointer(std::string& pointer, std::size_t index);
-
-/// What is wrong with one file.
+/// A file's text and what is wrong with it. Places in the text are worked out at the end, and only when
+/// there is something to say.
 class Report
 {
   public:
+    /// The number of a key or value in the text: tells a place, also when the document is gone.
+    using Token = std::size_t;
+
     explicit Report(std::string file) : _file(std::move(file)) {}
 
     const std::string& file() const { return _file; }
-    void error(const Place& place, std::string message)
-    {
-        error(place.pointer(), std::move(message));
-    }
-    void error(std::string pointer, std::string message);
-    void brokenJson(std::size_t line, std::size_t column, std::string message);
-    void warning(const Place& place, std::string_view asset, std::string_view property,
+    /// Empty until the file is read; unchanged from the time when it is parsed.
+    std::string& text() { return _text; }
+    /// The first value of the text.
+    void setRoot(JsonValue root) { _root = root; }
+    Token token(JsonValue value) const { return value.tokensAfter(_root); }
+
+    /// On the file as a whole.
+    void fileError(std::string message);
+    /// Where the text is no JSON.
+    void errorAtByte(std::size_t offset, std::string message);
+    void error(Token token, std::string message);
+    void error(JsonValue at, std::string message) { error(token(at), std::move(message)); }
+    /// @param asset its id, or the name of an overlay
+    void warning(JsonValue at, std::string_view asset, std::string_view property,
                  std::string message);
 
-    /// Adds the errors of another report on the same file.
-    void append(const Report& other)
-    {
-        _errors.insert(_errors.end(), other._errors.begin(), other._errors.end());
-    }
-
-    const std::vector<LoadError>& errors() const { return _errors; }
-    const std::vector<LoadWarning>& warnings() const { return _warnings; }
+    /// Moves the messages to the result, in the order of their places.
+    void addTo(LoadResult& result);
 
   private:
+    struct Message
+    {
+        Token token;
+        bool isError;
+        /// Errors leave the asset and the property empty.
+        LoadWarning content;
+    };
+
     std::string _file;
-    std::vector<LoadError> _errors;
-    std::vector<LoadWarning> _warnings;
+    std::string _text;
+    JsonValue _root{nullptr};
+    std::vector<LoadError> _fileErrors;
+    std::vector<Message> _messages;
 };
 
 } // namespace vyr::assetlib

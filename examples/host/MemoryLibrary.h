@@ -34,6 +34,22 @@ namespace assets = kelvor::platform::assets;
 using kelvor::platform::core::string::UTF8String;
 using kelvor::platform::core::string::WideString;
 
+/// Paths and texts in UTF-8, for which C++20 has a type of characters of its own.
+inline std::filesystem::path pathOf(const std::string& text)
+{
+#if defined(__cpp_char8_t)
+    return std::filesystem::path(std::u8string(text.begin(), text.end()));
+#else
+    return std::filesystem::u8path(text);
+#endif
+}
+
+inline std::string textOf(const std::filesystem::path& path)
+{
+    const auto text = path.u8string();
+    return std::string(text.begin(), text.end());
+}
+
 // Values
 
 /// What every value answers. Each kind below overrides what its type of property promises; the
@@ -93,7 +109,10 @@ class Text final : public Value<assets::IStringValue>
 {
   public:
     explicit Text(std::string value) : _value(std::move(value)) {}
-    void GetString(UTF8String& text, TextForm) const override { text = UTF8String(_value); }
+    void GetString(UTF8String& text, assets::TextForm /*form*/) const override
+    {
+        text = UTF8String(_value);
+    }
 
   private:
     std::string _value;
@@ -110,7 +129,7 @@ class Image final : public Value<assets::IUriValue>
     }
     void GetUri(WideString& text, assets::TextForm /*form*/) const override
     {
-        text = WideString(std::filesystem::u8path(_uri).wstring());
+        text = WideString(pathOf(_uri).wstring());
     }
 
   private:
@@ -300,9 +319,9 @@ class Library final : public assets::IAssetLibraryManager, public assets::IPathR
     bool Resolve(const UTF8String& uri, UTF8String& path) const override
     {
         std::filesystem::path found;
-        if (!find(std::filesystem::u8path(uri.str()), found))
+        if (!find(pathOf(uri.str()), found))
             return false;
-        path = UTF8String(found.u8string());
+        path = UTF8String(textOf(found));
         return true;
     }
     bool Resolve(const WideString& uri, WideString& path) const override

@@ -38,13 +38,20 @@ struct AssetFiles
     }
 
     /// The formatted errors of the load, without the folder.
-    Lines errors() const
+    /// @param start that is taken off, with the line and column
+    Lines errors(const std::string& start = {}) const
     {
         const LoadResult result = load(paths);
         EXPECT_EQ(result.library.has_value(), result.errors.empty());
         Lines lines;
-        for (const LoadError& error : result.errors)
+        for (LoadError error : result.errors)
+        {
+            if (!start.empty())
+                error.line = 0;
             lines.push_back(relative(error.format()));
+            if (lines.back().starts_with(start))
+                lines.back().erase(0, start.size());
+        }
         return lines;
     }
 
@@ -104,20 +111,20 @@ inline const platform::IProperty* find(const Library& library, const char* name,
 }
 
 /// The text that an operation fills, for example `text(*asset, &IAssetInstance::GetIdentifier)`.
-template <class Object, class Owner>
-std::string text(const Object& object, void (Owner::*fill)(UTF8String&) const)
+template <class Object, class Owner, class... More>
+std::string text(const Object& object, void (Owner::*fill)(UTF8String&, More...) const,
+                 More... more)
 {
     UTF8String result("not filled");
-    (object.*fill)(result);
+    (object.*fill)(result, more...);
     return result.str();
 }
 
 inline std::string uri(const platform::IProperty* property)
 {
-    UTF8String text;
-    dynamic_cast<const platform::IUriValue&>(*property->GetValue())
-        .GetUri(text, platform::TextForm::Preferred);
-    return text.str();
+    const auto& value = dynamic_cast<const platform::IUriValue&>(*property->GetValue());
+    return text<platform::IUriValue>(value, &platform::IUriValue::GetUri,
+                                     platform::TextForm::Preferred);
 }
 
 } // namespace vyr::assetlib::tests

@@ -1,6 +1,7 @@
+#include <array>
+#include <bit>
 #include <clocale>
 #include <locale>
-#include <memory>
 #include <thread>
 
 #include "host/HostTest.h"
@@ -29,22 +30,19 @@ bool hasCommas()
 class Determinism : public HostTest
 {
   protected:
-    Determinism()
+    void SetUp() override
     {
-        const AssetPtr image = bitmapAsset("wood.png");
         for (int seed = 0; seed < 40; ++seed)
         {
-            AssetBuilder builder;
-            builder.name("Material " + std::to_string(seed)).scalar("unread", 1);
-            builder.color("generic_diffuse", seed / 100.0, 0.123456789, 0.5);
-            builder.scalar("generic_glossiness", seed / 97.0).scalar("generic_transparency", 0.25);
-            builder.scalar("generic_refraction_index", 1234.5 + seed);
-            builder.scalar("generic_refraction_translucency_weight", 0.5);
-            builder.scalar("generic_self_illum_luminance", 123456789.0 / (seed + 1));
-            _assets.push_back(builder.connect("generic_cutout_opacity", image).build());
+            const std::string n = std::to_string(seed);
+            _assets.push_back(material(
+                R"("name": "Material )" + n + R"(", "properties": {"unread": 1,
+                "generic_diffuse": [0.)" +
+                n + R"(, 0.123456789, 0.5], "generic_glossiness": 0.0)" + n +
+                R"(, "generic_transparency": 0.25, "generic_refraction_index": 1234.)" + n +
+                R"(, "generic_refraction_translucency_weight": 0.5, "generic_self_illum_luminance": 1)" +
+                n + "123456.789, " + textured("generic_cutout_opacity", "wood.png") + "}"));
         }
-        for (auto& converter : _converters)
-            converter = std::make_unique<MaterialXConverter>(_options);
     }
     void TearDown() override
     {
@@ -53,8 +51,10 @@ class Determinism : public HostTest
     }
 
     /// All documents, with what was said about them.
-    std::string texts(MaterialXConverter& converter) const
+    std::string texts() const
     {
+        ConverterOptions options = with(&ConverterOptions::roughnessMode, 1);
+        MaterialXConverter converter(options);
         std::string result;
         for (const AssetPtr& asset : _assets)
         {
@@ -66,33 +66,22 @@ class Determinism : public HostTest
         return result;
     }
 
-    /// Those, and what registration and serialisation deliver.
-    std::string everything()
-    {
-        StringSink message;
-        EXPECT_TRUE(_converters[0]->RegisterAssetForConversion(*_assets[7], message));
-        EXPECT_TRUE(_converters[0]->SerializeRegisteredAssetsForConversion(message, nullptr));
-        return texts(*_converters[0]) + message.text;
-    }
-
-    ConverterOptions _options = with(&ConverterOptions::roughnessMode, 1);
     std::vector<AssetPtr> _assets;
-    std::unique_ptr<MaterialXConverter> _converters[4];
 };
 
 TEST_F(Determinism, TheLocaleChangesNoByte)
 {
-    const std::string plain = everything();
+    const std::string plain = texts();
     const std::locale former =
         std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation));
-    EXPECT_EQ(everything(), plain) << "with that of streams";
+    EXPECT_EQ(texts(), plain) << "with that of streams";
     std::locale::global(former);
 
     for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "de_DE", "German"})
         if (std::setlocale(LC_ALL, name) && hasCommas())
             break;
     const bool before = hasCommas();
-    const std::string localised = everything();
+    const std::string localised = texts();
     const bool after = hasCommas();
     std::setlocale(LC_ALL, "C");
     EXPECT_EQ(localised, plain) << "with that of the C library";
@@ -101,17 +90,72 @@ TEST_F(Determinism, TheLocaleChangesNoByte)
         GTEST_SKIP() << "no locale with decimal commas is installed";
 }
 
+/// The same assets are read by all threads at once.
 TEST_F(Determinism, ThreadsWithTheirOwnConvertersGiveTheSameBytes)
 {
-    const std::string expected = texts(*_converters[0]);
-    std::string results[4];
+    const std::string expected = texts();
+    std::array<std::string, 4> results;
     std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < std::size(results); ++i)
-        threads.emplace_back([&, i] { results[i] = texts(*_converters[i]); });
+    for (std::string& result : results)
+        threads.emplace_back([&] { result = texts(); });
     for (std::thread& thread : threads)
         thread.join();
     for (const std::string& result : results)
         EXPECT_TRUE(result == expected);
+}
+
+/// Numbers have MaterialX's own bytes, in whatever format the host has asked MaterialX for: at places where
+/// writers differ (where the form changes, where digits carry over, the ends), then all over the exponents.
+TEST_F(Determinism, NumbersAreWrittenAsTheHostAsked)
+{
+    std::vector<float> hard = {0.0f,
+                               -0.0f,
+                               0.1f,
+                               0.333333343f,
+                               9.999995e-5f,
+                               0.0001f,
+                               0.9999995f,
+                               99999.95f,
+                               999999.4f,
+                               999999.5f,
+                               1e6f,
+                               123456789.0f,
+                               1.17549435e-38f,
+                               1e-45f,
+                               3.40282347e38f};
+    std::uint32_t bits = 1;
+    while (hard.size() < 60)
+    {
+        bits = bits * 1664525u + 1013904223u;
+        if (const float number = std::bit_cast<float>(bits); number - number == 0.0f)
+            hard.push_back(number);
+    }
+    const auto expectSameBytes = [&]
+    {
+        for (const float number : hard)
+        {
+            const AssetPtr asset =
+                generic(R"("generic_diffuse": [0, 0, 0], "generic_transparency": 1,
+                           "generic_refraction_index": 1)",
+                        {.lies = {{"generic_diffuse", {.number = number}},
+                                  {"generic_refraction_index", {.number = number}}}});
+            const mx::DocumentPtr document = translate(asset).document;
+            EXPECT_EQ(inputOf(document, "M_shader", "specular_IOR")->getValueString(),
+                      mx::toValueString(number));
+            EXPECT_EQ(inputOf(document, "M_shader", "base_color")->getValueString(),
+                      mx::toValueString(mx::Color3(number)));
+        }
+    };
+    expectSameBytes();
+    using Formats = mx::Value;
+    for (const auto format :
+         {Formats::FloatFormatDefault, Formats::FloatFormatFixed, Formats::FloatFormatScientific})
+        for (const int precision : {0, 5, 7, 9, 40})
+        {
+            SCOPED_TRACE(std::to_string(format) + " " + std::to_string(precision));
+            const mx::ScopedFloatFormatting formatting(format, precision);
+            expectSameBytes();
+        }
 }
 
 } // namespace

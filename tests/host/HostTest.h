@@ -1,7 +1,8 @@
 #pragma once
 
+#include <algorithm>
+#include <cstdlib>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include <MaterialXCore/Document.h>
@@ -11,20 +12,20 @@
 #include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/MaterialXConverter.h>
 
-#include "support/AssetBuilder.h"
 #include "support/Documents.h"
-#include "support/TemporaryFolder.h"
+#include "support/HostileAssets.h"
 
 namespace vyr::hosttests
 {
 
 namespace mx = MaterialX;
+namespace fs = std::filesystem;
 
 using namespace vyr::MaterialTranslation;
 using namespace vyr::support;
-using kelvor::platform::assets::IAssetInstance;
 
 using Codes = std::vector<DiagnosticCode>;
+using Names = std::vector<std::string>;
 
 /// A text that public operations fill, and that knows how often they did.
 struct StringSink final : MaterialXConverter::IString
@@ -39,38 +40,59 @@ struct StringSink final : MaterialXConverter::IString
     int assignments = 0;
 };
 
-/// The words of a text with spaces between them.
-std::vector<std::string> words(const std::string& text);
-
 /// The codes of lastDiagnostics().
-Codes lastCodes();
+inline Codes lastCodes()
+{
+    Codes codes;
+    for (const Diagnostic& diagnostic : lastDiagnostics())
+        codes.push_back(diagnostic.code);
+    return codes;
+}
 
 /// What one translation into an empty document yielded.
 struct Translation
 {
     bool succeeded = false;
-    mx::DocumentPtr document;
-    std::vector<Diagnostic> diagnostics;
+    mx::DocumentPtr document = mx::createDocument();
+    std::vector<Diagnostic> diagnostics = {};
 
-    /// Number of diagnostics with that code.
-    std::size_t count(DiagnosticCode code) const;
-    /// The first diagnostic with that code; the test fails when there is none.
-    Diagnostic first(DiagnosticCode code) const;
     /// All diagnostics, a line each.
-    std::string report() const;
+    std::string report() const
+    {
+        std::string lines;
+        for (const Diagnostic& diagnostic : diagnostics)
+            lines += std::string(diagnosticCodeName(diagnostic.code)) + " [" + diagnostic.asset +
+                     "] " + diagnostic.property + ": " + diagnostic.text + "\n";
+        return lines;
+    }
 };
 
-/// Every test starts with a fresh host, and ends with all references given back and no call made
-/// that the interfaces rule out.
+/// Every test ends with all references given back and no call made that the interfaces rule out.
 class HostTest : public ::testing::Test
 {
   protected:
-    HostTest() { resetHost(); }
-    void TearDown() override;
+    void TearDown() override
+    {
+        EXPECT_EQ(watch().live, 0u) << "references were not given back";
+        for (const std::string& breach : watch().breaches)
+            ADD_FAILURE() << breach;
+        watch().breaches.clear();
+        watch().assets.clear();
+        watch().clones = 0;
+        watch().live = 0;
+        redirectTemporaryDirectory(_temporaryDirectory);
+    }
 
     /// The defaults, but plain colours taken as linear, so that they are seen as they are, and an
     /// output directory of the test's own.
-    ConverterOptions plainOptions() const;
+    ConverterOptions plainOptions() const
+    {
+        ConverterOptions options;
+        options.outputDirectory = UTF8String(_folder.text());
+        options.colorMode = 0;
+        options.imageSize = 16;
+        return options;
+    }
     /// Those, but one.
     template <class T> ConverterOptions with(T ConverterOptions::* option, T value) const
     {
@@ -80,17 +102,32 @@ class HostTest : public ::testing::Test
     }
 
     /// Points the system's temporary directory elsewhere until the end of the test.
-    static void redirectTemporaryDirectory(const std::filesystem::path& folder);
+    static void redirectTemporaryDirectory(const fs::path& folder)
+    {
+#if defined(_WIN32)
+        _putenv_s("TMP", folder.string().c_str());
+#else
+        setenv("TMPDIR", folder.c_str(), 1);
+#endif
+    }
 
-    /// Translates under the name "M" with a converter of the call's own.
-    Translation translate(const AssetPtr& asset) const;
+    /// Translates with a converter of the call's own.
     static Translation translate(const AssetPtr& asset, ConverterOptions options,
-                                 const std::string& name = "M");
+                                 const std::string& name = "M")
+    {
+        MaterialXConverter converter(options);
+        Translation translation;
+        translation.succeeded =
+            converter.TranslateToMaterialX(*asset, UTF8String(name), translation.document);
+        translation.diagnostics = lastDiagnostics();
+        return translation;
+    }
+    Translation translate(const AssetPtr& asset) const { return translate(asset, plainOptions()); }
 
     TemporaryFolder _folder;
 
   private:
-    const std::filesystem::path _temporaryDirectory = std::filesystem::temp_directory_path();
+    const fs::path _temporaryDirectory = fs::temp_directory_path();
 };
 
 } // namespace vyr::hosttests

@@ -13,41 +13,52 @@ constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double largest = std::numeric_limits<float>::max();
 
-const std::vector<std::string> readProperties = words(
-    "color_by_object generic_diffuse generic_diffuse_image_fade generic_reflectivity_at_0deg "
-    "generic_is_metal generic_glossiness generic_transparency generic_transparency_image_fade "
-    "generic_refraction_translucency_weight generic_refraction_index generic_cutout_opacity "
-    "generic_self_illum_luminance generic_self_illum_filter_map generic_bump_amount "
-    "generic_bump_map");
-const std::vector<std::string> scalars = words(
-    "generic_reflectivity_at_0deg generic_glossiness generic_transparency generic_refraction_index "
-    "generic_self_illum_luminance generic_bump_amount");
+const Names numbers = {"generic_reflectivity_at_0deg", "generic_glossiness",
+                       "generic_transparency",         "generic_refraction_index",
+                       "generic_self_illum_luminance", "generic_bump_amount"};
+const Names others = {"color_by_object",
+                      "generic_diffuse",
+                      "generic_diffuse_image_fade",
+                      "generic_is_metal",
+                      "generic_transparency_image_fade",
+                      "generic_refraction_translucency_weight",
+                      "generic_cutout_opacity",
+                      "generic_self_illum_filter_map",
+                      "generic_bump_map"};
 
-/// Values of every kind, none and empty ones included.
-const std::vector<ValuePtr> allValues = {nullptr,
-                                         scalarValue({0.5}),
-                                         scalarValue({}),
-                                         integerValue({1}),
-                                         integerValue({}),
-                                         booleanValue({1}),
-                                         booleanValue({}),
-                                         colorValue({{0.5, 0.5, 0.5, 1}}),
-                                         colorValue({}),
-                                         textValue("0.5"),
-                                         uriValue("a.png"),
-                                         choiceValue({"a"}, {0}),
-                                         choiceValue({"a"}, {1, -1, 5}),
-                                         choiceValue({}, {0})};
+/// A material that makes the rules read all properties, with donors of values of every kind.
+const std::string everything = R"(
+    "generic_reflectivity_at_0deg": 0.5, "generic_glossiness": 0.5, "generic_transparency": 0.5,
+    "generic_refraction_index": 0.5, "generic_self_illum_luminance": 0.5, "generic_bump_amount": 0.5,
+    "color_by_object": false, "generic_diffuse": [1, 0, 0], "generic_diffuse_image_fade": 1,
+    "generic_is_metal": true, "generic_transparency_image_fade": 1,
+    "generic_refraction_translucency_weight": 0.5, "generic_cutout_opacity": 0.5,
+    "generic_self_illum_filter_map": [1, 1, 0], "generic_bump_map": 1,
+    "scalar": 0.5, "integer": {"type": "integer", "value": 1}, "boolean": true, "color": [0.5, 0.5, 0.5],
+    "text": {"type": "text", "value": "0.5"}, "uri": {"type": "uri", "value": "a.png"},
+    "choice": {"type": "choice", "value": "a"})";
+
+const std::string images = textured("generic_diffuse", "wood.png") + "," +
+                           textured("generic_glossiness", "wood.png") + "," +
+                           textured("generic_cutout_opacity", "wood.png") + "," +
+                           textured("generic_self_illum_filter_map", "wood.png") + "," +
+                           textured("generic_bump_map", "wood.png") +
+                           R"(, "generic_bump_amount": 1, "generic_self_illum_luminance": 5)";
+
+Behaviour lying(const std::string& property, Lie lie)
+{
+    return {.lies = {{property, std::move(lie)}}};
+}
 
 class HostileHost : public HostTest
 {
   protected:
     /// A sound document or a reason, but no crash and no call that the interfaces rule out.
-    void expectAnEnd(AssetBuilder& builder, int mode = 0) const
+    void expectAnEnd(const AssetPtr& asset, int mode = 0) const
     {
         ConverterOptions options = with(&ConverterOptions::colorMode, mode);
         options.roughnessMode = mode;
-        const Translation translation = translate(builder.build(), options);
+        const Translation translation = translate(asset, options);
         EXPECT_EQ(translation.succeeded, translation.document->getNode("M") != nullptr);
         EXPECT_TRUE(translation.succeeded || !translation.diagnostics.empty());
         EXPECT_TRUE(isSound(translation.document));
@@ -58,65 +69,52 @@ class HostileHost : public HostTest
         }
     }
 
-    /// The material fails for that reason, at that property, and nothing is built.
-    void expectRefused(AssetBuilder& builder, DiagnosticCode code,
+    /// The material fails for that reason alone, at that property, and nothing is built.
+    void expectRefused(const AssetPtr& asset, DiagnosticCode code,
                        const std::string& property) const
     {
-        const Translation translation = translate(builder.build());
+        const Translation translation = translate(asset);
         EXPECT_FALSE(translation.succeeded) << property;
         EXPECT_TRUE(translation.document->getChildren().empty()) << property;
-        EXPECT_EQ(translation.first(code).property, property);
+        ASSERT_FALSE(translation.diagnostics.empty()) << property;
+        EXPECT_EQ(translation.diagnostics.back().code, code) << translation.report();
+        EXPECT_EQ(translation.diagnostics.back().property, property);
     }
 };
-
-/// Adds what makes the rules read all properties. Of one name the first is read.
-AssetBuilder& withRest(AssetBuilder& builder)
-{
-    builder.color("generic_diffuse", 1, 0, 0).color("generic_self_illum_filter_map", 1, 1, 0);
-    for (const std::string& property : scalars)
-        builder.scalar(property, 0.5);
-    return builder.boolean("generic_is_metal", true);
-}
 
 /// Every property under every type code with a value of every kind, and with connections that are not
 /// there, in a material that reads all properties.
 TEST_F(HostileHost, EveryLieOfAPropertyTableHasAnEnd)
 {
-    for (const std::string& property : readProperties)
-        for (const std::uint32_t type : {0u, 1u, 2u, 4u, 5u, 6u, 7u, 8u, 9u, 10u, 11u, 12u, 99u})
-        {
-            SCOPED_TRACE(property + " as type " + std::to_string(type));
-            for (const ValuePtr& value : allValues)
-                expectAnEnd(withRest(AssetBuilder().property(property, type, value)));
-            for (const bool asNull : {false, true})
-            {
-                AssetBuilder claiming;
-                claiming.property(property, type, nullptr).claimingConnections();
-                if (asNull)
-                    claiming.connect(property, nullptr);
-                expectAnEnd(withRest(claiming));
-            }
-        }
+    std::vector<Lie> lies = {{.valueOf = ""},
+                             {.valueOf = "choice", .selectsOutside = true},
+                             {.valueOf = "choice", .hasNoChoices = true},
+                             {.valueOf = "", .claimsConnections = true},
+                             {.valueOf = "", .connectsNull = true}};
+    for (const char* donor : {"scalar", "integer", "boolean", "color", "text", "uri", "choice"})
+        for (const bool isEmpty : {false, true})
+            lies.push_back({.valueOf = donor, .isEmpty = isEmpty});
+    for (const Names* names : {&numbers, &others})
+        for (const std::string& property : *names)
+            for (const std::uint32_t type : {0u, 2u, 4u, 5u, 6u, 7u, 8u, 9u, 10u, 11u, 12u, 99u})
+                for (Lie lie : lies)
+                {
+                    SCOPED_TRACE(property + " as type " + std::to_string(type));
+                    lie.type = type;
+                    expectAnEnd(generic(everything, lying(property, lie)));
+                }
 }
 
-TEST_F(HostileHost, AValueThatItsTypeDoesNotNameIsATypeError)
+TEST_F(HostileHost, AValueThatIsNotWhatItsTypePromisesIsATypeError)
 {
-    for (const std::string& property : readProperties)
-        if (property != "generic_bump_map") // its plain value is not read
-            expectRefused(withRest(AssetBuilder().string(property, "0.5")),
-                          DiagnosticCode::PropertyType, property);
-    const std::tuple<const char*, std::uint32_t, std::vector<ValuePtr>> cases[] = {
-        {"generic_glossiness",
-         kpa::ePropertyType_Scalar,
-         {scalarValue({}), textValue("0.5"), integerValue({1})}},
-        {"generic_glossiness", kpa::ePropertyType_Integer, {scalarValue({0.5}), integerValue({1})}},
-        {"generic_diffuse", kpa::ePropertyType_Color, {colorValue({}), scalarValue({0.5})}},
-        {"color_by_object", kpa::ePropertyType_Boolean, {booleanValue({}), integerValue({1})}},
+    const std::tuple<const char*, Lie> cases[] = {
+        {"generic_glossiness", {.isEmpty = true}},      {"generic_glossiness", {.valueOf = "text"}},
+        {"generic_glossiness", {.valueOf = "integer"}}, {"generic_glossiness", {.type = 6}},
+        {"generic_diffuse", {.isEmpty = true}},         {"color_by_object", {.isEmpty = true}},
     };
-    for (const auto& [property, type, values] : cases)
-        for (const ValuePtr& value : values)
-            expectRefused(AssetBuilder().property(property, type, value),
-                          DiagnosticCode::PropertyType, property);
+    for (const auto& [property, lie] : cases)
+        expectRefused(generic(everything, lying(property, lie)), DiagnosticCode::PropertyType,
+                      property);
 }
 
 TEST_F(HostileHost, NumbersThatAreNoneAreRefused)
@@ -124,10 +122,10 @@ TEST_F(HostileHost, NumbersThatAreNoneAreRefused)
     for (const double number : {nan, infinity, -infinity, 1e39, -1e300})
     {
         SCOPED_TRACE(number);
-        for (const std::string& property : scalars)
-            expectRefused(withRest(AssetBuilder().scalar(property, number)),
+        for (const std::string& property : numbers)
+            expectRefused(generic(everything, lying(property, {.number = number})),
                           DiagnosticCode::ValueNotFinite, property);
-        expectRefused(AssetBuilder().color("generic_diffuse", 0, 0, number),
+        expectRefused(generic(everything, lying("generic_diffuse", {.number = number})),
                       DiagnosticCode::ValueNotFinite, "generic_diffuse");
     }
 }
@@ -139,85 +137,88 @@ TEST_F(HostileHost, NumbersAtTheEndsOfTheRangeStayNumbers)
     for (const double number : {largest, -largest, 1e30, -0.5, 1e-45, 5e-324, -0.0})
         for (const int mode : {0, 1, 2, 3})
         {
-            expectAnEnd(AssetBuilder().color("generic_diffuse", number, 2, number), mode);
-            AssetBuilder all;
-            all.color("generic_diffuse", number, number, number).boolean("generic_is_metal", true);
-            for (const std::string& property : scalars)
-                all.scalar(property, number);
-            expectAnEnd(all, mode);
+            Behaviour all = lying("generic_diffuse", {.number = number});
+            expectAnEnd(generic(everything, all), mode);
+            for (const std::string& property : numbers)
+                all.lies[property] = {.number = number};
+            expectAnEnd(generic(everything, all), mode);
         }
 }
 
-/// Properties without a value, missing names, managers and resolvers: the material is what it is
-/// without them.
+/// Without values, names or working property names the material is what it is without them.
 TEST_F(HostileHost, WhatIsMissingCountsAsAbsent)
 {
-    AssetBuilder valueless;
-    for (const std::string& property : readProperties)
-        valueless.property(property, kpa::ePropertyType_Scalar, nullptr);
-    const std::string empty = xmlOf(translate(AssetBuilder().build()).document);
-    AssetBuilder nameless;
-    AssetBuilder undefined;
-    for (AssetBuilder* builder :
-         {&valueless, &nameless.withoutIdentity(), &undefined.withoutDefinition().generic()})
-        EXPECT_EQ(xmlOf(translate(builder->build()).document), empty);
-    EXPECT_FALSE(translate(AssetBuilder().withoutDefinition().build()).succeeded);
-
-    for (bool HostSettings::* part : {&HostSettings::hasResolver, &HostSettings::hasManager})
+    const std::string empty = xmlOf(translate(generic("")).document);
+    EXPECT_EQ(xmlOf(translate(generic("", {.hasIdentity = false})).document), empty);
+    EXPECT_EQ(
+        xmlOf(translate(material(R"("genericProperties": {})", {.hasDefinition = false})).document),
+        empty);
+    EXPECT_FALSE(translate(generic("", {.hasDefinition = false})).succeeded);
+    EXPECT_FALSE(translate(material(R"("schema": "LyrexMetalSchema", "properties": {})",
+                                    {.hasDefinition = false}))
+                     .succeeded);
+    for (const bool working : {true, false})
     {
-        hostSettings().*part = false;
-        EXPECT_TRUE(
-            translate(AssetBuilder().connect("generic_diffuse", bitmapAsset("wood.png")).build())
-                .succeeded);
+        const Translation lyrex = translate(
+            material(R"("schema": "LyrexMetalSchema", "properties": {"surface_albedo": [1, 1, 1]})",
+                     {.hasWorkingNames = working}));
+        EXPECT_EQ(inputOf(lyrex.document, "M_shader", "surface_albedo")->getColorSpace(),
+                  working ? "rec709_display" : "");
     }
+    EXPECT_FALSE(translate(generic("", {.canBeCloned = false})).succeeded);
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::CloneFailed});
 }
 
-/// The first of several properties of one name is read, and of it the first component.
-TEST_F(HostileHost, WhatIsTooMuchIsNotRead)
+/// References are asked for as they are stored; a dot at the end is let go only where a file is found
+/// without it.
+TEST_F(HostileHost, ReferencesAreResolvedAsFarAsTheyCanBe)
 {
-    const Translation translation = translate(AssetBuilder()
-                                                  .scalars("generic_glossiness", {0.25, nan})
-                                                  .scalar("generic_glossiness", 0.75)
-                                                  .build());
-    EXPECT_TRUE(hasInputs(translation.document, "M_shader", {{"specular_roughness", "0.75"}}));
+    assetlib::setResolverFolders({_folder.text()});
+    _folder.write("stored.png", "");
+    const auto path = [&](const char* stored)
+    {
+        const AssetPtr asset =
+            generic(textured("generic_diffuse", "x"),
+                    lying("unifiedbitmap_Bitmap", {.uri = {{stored, "preferred.png"}}}));
+        const mx::DocumentPtr document = translate(asset).document;
+        const mx::NodeGraphPtr graph = document->getNodeGraph("M_nodegraph");
+        return graph ? graph->getNode("generic_diffuse")->getInputValue("file")->getValueString()
+                     : "";
+    };
+    const std::string found = _folder.text() + "/stored.png";
+    EXPECT_EQ(path("stored.png"), found);
+    EXPECT_EQ(path("stored.png."), found);
+    for (const char* other : {"absent.png", "absent.png.", ".", ""})
+        EXPECT_EQ(path(other), other);
+    assetlib::setResolverFolders({});
 }
 
-class References : public HostTest
+class References : public HostileHost
 {
   protected:
-    static AssetPtr textured()
-    {
-        AssetBuilder builder;
-        withRest(builder);
-        for (const std::string& property :
-             words("generic_diffuse generic_reflectivity_at_0deg generic_glossiness "
-                   "generic_cutout_opacity generic_self_illum_filter_map generic_bump_map"))
-            builder.connect(property, bitmapAsset("wood.png"));
-        return builder.build();
-    }
-
     /// Runs `operation` again and again, each time letting the next of the host's operations throw,
     /// until one run meets no failure. Every failure must reach the caller, be told of, leave nothing
     /// registered and give every reference back.
     static void failEverywhere(const std::function<void()>& operation,
                                const std::function<void()>& afterFailure)
     {
-        const std::size_t before = liveAssets();
+        const std::size_t before = watch().live;
         for (std::size_t operations = 0; operations < 5000; ++operations)
         {
-            failAfter(operations);
+            operationsLeft = operations;
             try
             {
                 operation();
-                ASSERT_TRUE(cancelFailure()) << "failure " << operations << " was swallowed";
+                ASSERT_TRUE(operationsLeft) << "failure " << operations << " was swallowed";
+                operationsLeft.reset();
                 return;
             }
-            catch (const HostFault& fault)
+            catch (const HostFault&)
             {
                 EXPECT_TRUE(!lastCodes().empty() && lastCodes().back() == DiagnosticCode::Exception)
-                    << operations << ": " << fault.what() << " is not told of";
+                    << operations << " is not told of";
             }
-            EXPECT_EQ(liveAssets(), before) << operations;
+            EXPECT_EQ(watch().live, before) << operations;
             EXPECT_EQ(registeredAssetCount(), 0u) << operations;
             afterFailure();
         }
@@ -243,19 +244,20 @@ class References : public HostTest
 
 TEST_F(References, ComeBackFromATranslationWhateverFails)
 {
-    for (const char* schema : {"GenericSchema", "HardwoodSchema", "MetallicPaintSchema",
-                               "SolidGlassSchema", "WaterSchema"})
-    {
-        AssetBuilder builder(schema);
-        builder.color("hardwood_tint_color", 1, 0, 0).boolean("Hidden", true);
-        if (std::string(schema) != "GenericSchema")
-            builder.generic();
-        translateUnderFailures(withRest(builder.scalar("unread", 1)).build(), plainOptions());
-    }
-    translateUnderFailures(textured(), plainOptions(), true);
+    for (const std::string schema :
+         {"HardwoodSchema", "MetallicPaintSchema", "SolidGlassSchema", "WaterSchema"})
+        translateUnderFailures(material("\"schema\": \"" + schema +
+                                        R"(", "properties": {"hardwood_tint_color": [1, 0, 0]},
+                                        "genericProperties": {)" +
+                                        everything + "}"),
+                               plainOptions());
+    translateUnderFailures(
+        material(R"("schema": "LyrexMetalSchema", "properties": {"metal_f0": [1, 1, 1], )" +
+                 textured("surface_albedo", "wood.png") + "}"),
+        plainOptions(), true);
+    translateUnderFailures(generic(images), plainOptions(), true);
     ::testing::internal::CaptureStdout();
-    AssetBuilder told;
-    translateUnderFailures(withRest(told).build(), with(&ConverterOptions::verbose, true));
+    translateUnderFailures(generic(everything), with(&ConverterOptions::verbose, true));
     ::testing::internal::GetCapturedStdout();
 }
 
@@ -263,7 +265,7 @@ TEST_F(References, ComeBackFromRegistrationAndDrainingWhateverFails)
 {
     ConverterOptions options = plainOptions();
     MaterialXConverter converter(options);
-    const AssetPtr asset = textured();
+    const AssetPtr asset = generic(images);
     failEverywhere(
         [&]
         {
@@ -276,11 +278,10 @@ TEST_F(References, ComeBackFromRegistrationAndDrainingWhateverFails)
 
 TEST_F(References, ComeBackFromALateRefusal)
 {
-    AssetBuilder refused;
-    refused.connect("generic_diffuse", bitmapAsset("wood.png")).string("generic_bump_amount", "1");
-    const AssetPtr asset = refused.build();
+    const AssetPtr asset = generic(textured("generic_diffuse", "wood.png") +
+                                   R"(, "generic_bump_amount": {"type": "string", "value": "1"})");
     EXPECT_FALSE(translate(asset).succeeded);
-    EXPECT_EQ(liveAssets(), 2u);
+    EXPECT_EQ(watch().live, 1u);
 }
 
 } // namespace

@@ -1,8 +1,13 @@
-#include <cstddef>
-#include <cstdlib>
+#include <array>
+#include <fstream>
 #include <functional>
+#include <memory>
+#include <regex>
+#include <set>
 #include <stdexcept>
+#include <thread>
 #include <tuple>
+#include <type_traits>
 
 #include <MaterialTranslation/DecalInfo.h>
 #include <MaterialTranslation/ThreadInfo.h>
@@ -15,6 +20,14 @@ namespace vyr::hosttests
 namespace
 {
 
+AssetPtr named(const std::string& name, const std::string& id = "id", Behaviour behaviour = {})
+{
+    return material(R"("id": ")" + id + R"(", "displayName": ")" + name + "\"",
+                    std::move(behaviour));
+}
+
+const char* const bad = R"("schema": "CeramicSchema", "name": "Bad")";
+
 class Lifecycle : public HostTest
 {
   protected:
@@ -26,7 +39,7 @@ class Lifecycle : public HostTest
 
     static std::string nameBy(const std::shared_ptr<MaterialXConverter>& converter)
     {
-        return converter->getMaterialName(*AssetBuilder().name("Oak").id("7").build()).str();
+        return converter->getMaterialName(*named("Oak", "7")).str();
     }
 
     /// Options that show in material names.
@@ -45,8 +58,7 @@ TEST_F(Lifecycle, TheFirstOptionsOfTheSingletonStayUntilItIsReleased)
     EXPECT_EQ(held.use_count(), 1);
     EXPECT_EQ(nameBy(MaterialXConverter::getInstance(_second)), "Oak");
     EXPECT_EQ(nameBy(held), "XID_Oak_7") << "it lives with its holders";
-    for (const char* schema : {"GenericSchema", "LyrexMetalSchema", "", "Unheard"})
-        EXPECT_TRUE(held->SupportsConversion(*AssetBuilder(schema).build())) << schema;
+    EXPECT_TRUE(held->SupportsConversion(*material(bad)));
 }
 
 TEST_F(Lifecycle, ConvertCallsTheConverterRegisteredLast)
@@ -71,25 +83,19 @@ TEST_F(Lifecycle, ConvertCallsTheConverterRegisteredLast)
     EXPECT_TRUE(converter.RegisterConverter(info.type, answering("first ", true)));
     EXPECT_TRUE(converter.Convert(info, sink));
     EXPECT_EQ(sink.text, "first Label");
-
     EXPECT_TRUE(converter.RegisterConverter(info.type, answering("second ", false)));
     MaterialXConverter other(_second);
     EXPECT_FALSE(other.Convert(info, sink)) << "the registry is shared by all converters";
     EXPECT_EQ(sink.text, "second Label");
-
     converter.RegisterConverter(info.type, nullptr);
     EXPECT_THROW(converter.Convert(info, sink), std::bad_function_call);
-}
 
-TEST_F(Lifecycle, BuiltInOverlaysRefuseAMissingPayload)
-{
     for (const auto& [type, reason] : {std::pair(ConversionType::Decal, "invalid decal info"),
                                        {ConversionType::Thread, "invalid thread info"}})
     {
-        MaterialInfo info;
-        info.type = type;
-        StringSink sink;
-        EXPECT_THROW(MaterialXConverter(_second).Convert(info, sink), std::invalid_argument);
+        MaterialInfo empty;
+        empty.type = type;
+        EXPECT_THROW(converter.Convert(empty, sink), std::invalid_argument);
         EXPECT_EQ(lastDiagnostics().at(0).text, reason);
     }
 }
@@ -115,7 +121,7 @@ TEST_F(LifecycleDeathTest, AHostReplacesABuiltInOverlay)
 
 /// Hosts set only what they care for, and hosts of other compilers' builds rely on the places of the
 /// fields.
-TEST_F(Lifecycle, RecordsHaveTheExportedDefaultsAndLayout)
+TEST_F(Lifecycle, RecordsHaveTheExportedDefaultsLayoutAndCopies)
 {
     static_assert(sizeof(ConverterOptions) == sizeof(UTF8String) + 32);
     static_assert(sizeof(DecalInfo) == sizeof(TextureInfo) + 24);
@@ -133,15 +139,252 @@ TEST_F(Lifecycle, RecordsHaveTheExportedDefaultsAndLayout)
                          o.writeMtlxFile, o.useAssetIdInName, o.colorMode, o.roughnessMode,
                          o.translationPath),
               std::tuple("", 1024u, false, false, false, false, false, 2, 2, 0));
-    const DecalInfo d;
+    DecalInfo d;
     const TextureInfo& t = d.texture;
-    EXPECT_EQ(std::tuple(d.kind, t.realWorldOffsetU, t.realWorldOffsetV, t.realWorldScaleU,
-                         t.realWorldScaleV, t.unit, t.uvOffsetU, t.uvOffsetV, t.uvScaleU,
-                         t.uvScaleV, t.rotation, t.auxValue, d.value0, d.value1, d.value2),
-              std::tuple(1, 0, 0, 1, 1, 3, 0, 0, 1, 1, 0, 0, 0, 0, 0));
-    EXPECT_EQ(static_cast<int>(MaterialInfo().type), 0);
-    const ThreadInfo thread;
+    using Pair = std::array<float, 2>;
+    EXPECT_EQ(std::tuple(d.kind, t.realWorldOffset, t.realWorldScale, t.unit, t.uvOffset, t.uvScale,
+                         t.rotation, t.auxValue, d.value0, d.value1, d.value2),
+              std::tuple(1, Pair{0, 0}, Pair{1, 1}, 3, Pair{0, 0}, Pair{1, 1}, 0, 0, 0, 0, 0));
+    d.texture.path = "a.png";
+    d.texture.uvOffset = {0.25f, 0.5f};
+    d.value2 = 7;
+    DecalInfo copy(d);
+    const DecalInfo moved(std::move(copy));
+    EXPECT_EQ(std::tuple(moved.texture.path.str(), moved.texture.uvOffset, moved.value2),
+              std::tuple("a.png", d.texture.uvOffset, 7));
+    ThreadInfo thread;
     EXPECT_FALSE(thread.threadTexture || thread.flag || thread.endClippingPlane);
+    thread.threadTexture = std::make_shared<TextureInfo>();
+    const ThreadInfo same = thread;
+    EXPECT_EQ(same.threadTexture, thread.threadTexture);
+    EXPECT_EQ(static_cast<int>(MaterialInfo().type), 0);
+    static_assert(std::is_nothrow_move_constructible_v<ThreadInfo> &&
+                  std::is_nothrow_move_assignable_v<ConverterOptions>);
+}
+
+/// Every code has a name of its own and a row of the table that hosts read.
+TEST_F(Lifecycle, DiagnosticsAreAllInTheTable)
+{
+    std::ifstream table(std::string(VYR_SOURCE_DIR) + "/docs/diagnostics.md");
+    std::set<std::string> rows;
+    for (std::string line; std::getline(table, line);)
+    {
+        std::smatch row;
+        if (std::regex_search(line, row, std::regex("^\\| ([0-9]+) \\| `([a-z-]+)` \\| .")))
+            rows.insert(row.str(1) + " " + row.str(2));
+    }
+    std::set<std::string> codes;
+    std::set<std::string> names;
+    for (int number = -10; number < 3000; ++number)
+    {
+        const std::string name = diagnosticCodeName(static_cast<DiagnosticCode>(number));
+        if (name == "unknown")
+            continue;
+        codes.insert(std::to_string(number) + " " + name);
+        EXPECT_TRUE(names.insert(name).second) << name;
+    }
+    EXPECT_EQ(codes, rows);
+    EXPECT_TRUE(codes.count("1 property-type") && codes.count("1001 property-unread"));
+}
+
+TEST_F(Lifecycle, DiagnosticsAreThoseOfTheThreadsLastCall)
+{
+    const AssetPtr asset = material(bad);
+    for (int repeat = 0; repeat < 2; ++repeat)
+    {
+        translate(asset);
+        EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::NoGenericProperties});
+    }
+    EXPECT_EQ(lastDiagnostics()[0].severity, Severity::Error);
+    EXPECT_EQ(lastDiagnostics()[0].asset, "asset-id");
+    std::thread(
+        [&]
+        {
+            EXPECT_TRUE(lastDiagnostics().empty());
+            translate(asset, plainOptions(), "1");
+            EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::NameInvalid});
+        })
+        .join();
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::NoGenericProperties});
+    translate(generic(R"("generic_difuse": 1)"));
+    EXPECT_EQ(lastDiagnostics().at(0).severity, Severity::Warning);
+    translate(generic(""));
+    EXPECT_TRUE(lastDiagnostics().empty());
+}
+
+class Registration : public HostTest
+{
+  protected:
+    void TearDown() override
+    {
+        _converter.Destroy();
+        HostTest::TearDown();
+    }
+
+    bool registers(const AssetPtr& asset)
+    {
+        return _converter.RegisterAssetForConversion(*asset, _message);
+    }
+
+    /// Whether the next entry is the material of that name; it is taken off in any case.
+    bool drains(const std::string& name)
+    {
+        const bool done = _converter.SerializeRegisteredAssetsForConversion(_message, nullptr);
+        return done &&
+               _message.text.find("<surfacematerial name=\"" + name + "\"") != std::string::npos;
+    }
+
+    static void expectLeft(std::size_t count)
+    {
+        EXPECT_EQ(registeredAssetCount(), count);
+        EXPECT_EQ(watch().live, count) << "the clones, since the originals are gone";
+    }
+
+    ConverterOptions _options = plainOptions();
+    MaterialXConverter _converter{_options};
+    StringSink _message;
+};
+
+TEST_F(Registration, DrainsInTheOrderOfRegistration)
+{
+    const std::string direct = xmlOf(translate(named("x"), _options, "Elm").document);
+    const std::size_t clones = watch().clones;
+    for (const char* name : {"Oak", "Ash", "Elm"})
+        EXPECT_TRUE(registers(named(name)));
+    expectLeft(3);
+    EXPECT_EQ(watch().clones, clones + 3);
+    EXPECT_EQ(_message.assignments, 0);
+    for (const char* name : {"Oak", "Ash", "Elm"})
+        EXPECT_TRUE(drains(name)) << _message.text;
+    expectLeft(0);
+    EXPECT_EQ(_message.text, direct);
+    EXPECT_FALSE(drains(""));
+    EXPECT_EQ(_message.assignments, 3);
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::NothingRegistered});
+}
+
+TEST_F(Registration, TheFirstAssetOfANameWins)
+{
+    EXPECT_TRUE(registers(named("Oak 1", "first")));
+    EXPECT_TRUE(lastDiagnostics().empty());
+    EXPECT_TRUE(registers(named("Oak_1", "second")));
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::NameDuplicate});
+    expectLeft(1);
+    EXPECT_TRUE(drains("Oak1"));
+    EXPECT_NE(_message.text.find("first"), std::string::npos);
+    EXPECT_TRUE(registers(named("Oak1", "third")));
+    EXPECT_TRUE(lastDiagnostics().empty()) << "a drained name is free again";
+}
+
+TEST_F(Registration, NamesAreThoseOfTheRegisteringInstance)
+{
+    ConverterOptions options = with(&ConverterOptions::useAssetIdInName, true);
+    MaterialXConverter byIdentifier(options);
+    for (const char* id : {"1", "2"})
+        EXPECT_TRUE(byIdentifier.RegisterAssetForConversion(*named("Oak", id), _message));
+    EXPECT_TRUE(drains("XID_Oak_1") && drains("XID_Oak_2"));
+}
+
+/// A text of the host's that cannot take the result.
+struct FailingSink final : MaterialXConverter::IString
+{
+    void Assign(const UTF8String&) override { throw HostFault("IString::Assign"); }
+};
+
+/// Whatever happens to an entry, it is taken off and does not block the next.
+TEST_F(Registration, FailuresTakeTheEntryOff)
+{
+    EXPECT_FALSE(registers(named("Twin", "id", {.canBeCloned = false})));
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::CloneFailed});
+    registers(material(bad));
+    for (const char* name : {"Unlucky", "Unheard", "Homeless", "Good"})
+        registers(named(name));
+    EXPECT_FALSE(drains("Bad"));
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::NoGenericProperties});
+    expectLeft(4);
+    operationsLeft = 0;
+    EXPECT_THROW(drains("Unlucky"), HostFault);
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::Exception});
+    expectLeft(3);
+    FailingSink failing;
+    EXPECT_THROW(_converter.SerializeRegisteredAssetsForConversion(failing, nullptr), HostFault);
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::Exception}) << "of whatever leaves the operation";
+    expectLeft(2);
+    ConverterOptions homeless =
+        with(&ConverterOptions::outputDirectory, UTF8String(_folder.text() + "/missing"));
+    EXPECT_FALSE(
+        MaterialXConverter(homeless).SerializeRegisteredAssetsForConversion(_message, nullptr));
+    EXPECT_EQ(registeredAssetCount(), 0u) << "the end of any instance empties the shared list";
+    EXPECT_EQ(_message.assignments, 0);
+    registers(named("Good"));
+    EXPECT_TRUE(drains("Good"));
+}
+
+TEST_F(Registration, DestroyingAnyInstanceEmptiesTheSharedList)
+{
+    registers(named("Oak"));
+    MaterialXConverter other(_options);
+    EXPECT_TRUE(other.Destroy());
+    expectLeft(0);
+    EXPECT_TRUE(other.Destroy());
+    EXPECT_TRUE(registers(named("Oak"))) << "registration starts again afterwards";
+    {
+        const MaterialXConverter copy(_converter);
+    }
+    expectLeft(0);
+}
+
+/// Serialisation with the system's temporary directory inside the test's folder.
+class Output : public HostTest
+{
+  protected:
+    Output()
+    {
+        fs::create_directory(_temporary);
+        redirectTemporaryDirectory(_temporary);
+    }
+
+    bool serialise(const AssetPtr& asset)
+    {
+        MaterialXConverter converter(_options);
+        EXPECT_TRUE(converter.RegisterAssetForConversion(*asset, _message));
+        return converter.SerializeRegisteredAssetsForConversion(_message, nullptr);
+    }
+
+    fs::path _temporary = _folder / "temporary";
+    fs::path _file = _temporary / "Oak.mtlx";
+    ConverterOptions _options = with(&ConverterOptions::writeMtlxFile, true);
+    StringSink _message;
+};
+
+/// Whatever was there before, and no file is left over beside it.
+TEST_F(Output, GoesToTheTemporaryDirectoryWhenAskedFor)
+{
+    _folder.write("temporary/Oak.mtlx", std::string(100000, 'x'));
+    ASSERT_TRUE(serialise(named("Oak")));
+    EXPECT_EQ(_folder.entries(), (Names{"temporary", "temporary/Oak.mtlx"}));
+    EXPECT_EQ(readFile(_file), _message.text);
+    EXPECT_FALSE(serialise(material(R"("schema": "CeramicSchema", "name": "Oak")")));
+    EXPECT_EQ(readFile(_file), xmlOf(mx::createDocument())) << "for a failed material too";
+    EXPECT_EQ(_message.assignments, 1);
+
+    fs::remove(_file);
+    _options.writeMtlxFile = false;
+    ASSERT_TRUE(serialise(named("Oak")));
+    EXPECT_FALSE(fs::exists(_file));
+}
+
+/// A folder of the file's name stands in the way, then the directory is gone.
+TEST_F(Output, ThatCannotBeWrittenIsAnException)
+{
+    fs::create_directories(_file / "inside");
+    EXPECT_THROW(serialise(named("Oak")), fs::filesystem_error);
+    EXPECT_EQ(lastCodes(), Codes{DiagnosticCode::Exception});
+    EXPECT_EQ(registeredAssetCount(), 0u);
+    EXPECT_TRUE(fs::is_directory(_file / "inside")) << "nobody's data is lost over it";
+    fs::remove_all(_temporary);
+    EXPECT_THROW(serialise(named("Oak")), fs::filesystem_error);
+    EXPECT_EQ(registeredAssetCount(), 0u);
 }
 
 } // namespace

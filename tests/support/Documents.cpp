@@ -1,9 +1,5 @@
 #include "support/Documents.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
-
 #include <MaterialXFormat/Util.h>
 #include <MaterialXFormat/XmlIo.h>
 
@@ -26,27 +22,6 @@ mx::ConstDocumentPtr loadDataLibrary()
         mx::loadLibraries({folder.getBaseName()}, mx::FileSearchPath(folder.getParentPath()),
                           library);
     return library;
-}
-
-/// Not a number for a text that is more, or less, than one.
-double numberOf(const std::string& text)
-{
-    char* end = nullptr;
-    const double number = std::strtod(text.c_str(), &end);
-    return text.empty() || *end ? std::nan("") : number;
-}
-
-bool sameNumber(const std::string& actual, const std::string& expected)
-{
-    const double wanted = numberOf(expected);
-    return std::abs(numberOf(actual) - wanted) <= 1e-5 * std::abs(wanted);
-}
-
-bool sameValue(const std::string& actual, const std::string& expected)
-{
-    const mx::StringVec a = mx::splitString(actual, ", ");
-    const mx::StringVec e = mx::splitString(expected, ", ");
-    return actual == expected || std::equal(a.begin(), a.end(), e.begin(), e.end(), sameNumber);
 }
 
 } // namespace
@@ -84,27 +59,6 @@ mx::InputPtr inputOf(const mx::DocumentPtr& document, const std::string& node,
 {
     const mx::NodePtr found = document->getNode(node);
     return found ? found->getInput(input) : nullptr;
-}
-
-std::vector<std::string> topLevel(const mx::DocumentPtr& document)
-{
-    std::vector<std::string> lines;
-    for (const mx::ElementPtr& child : document->getChildren())
-        lines.push_back(child->getCategory() + " " + child->getName());
-    return lines;
-}
-
-AssertionResult hasInputs(const mx::DocumentPtr& document, const std::string& node,
-                          const std::vector<ExpectedInput>& expected)
-{
-    for (const auto& [name, value] : expected)
-    {
-        const mx::InputPtr input = inputOf(document, node, name);
-        const std::string found = input ? input->getValueString() : "missing";
-        if (!sameValue(found, value) || input->hasNodeName() || input->hasNodeGraphString())
-            return AssertionFailure() << name << " is " << found << " instead of " << value;
-    }
-    return AssertionSuccess();
 }
 
 } // namespace vyr::support

@@ -91,16 +91,17 @@ struct LoadError
 {
     /// The file as it was named to load().
     std::string file;
-    /// Place of broken JSON, both from 1; the column counts characters, not bytes. 0 otherwise.
+    /// The place in the file, both from 1; the column counts characters, not bytes. 0 when the error is
+    /// of the file as a whole.
     std::size_t line = 0;
     std::size_t column = 0;
-    /// JSON pointer of the place when the JSON itself is whole; empty for the file as a whole.
+    /// JSON pointer of the place when the JSON itself is whole; empty for its outermost value.
     std::string pointer;
     /// What was expected, in English, without a line break.
     std::string message;
 
     /// One line without its end, one of
-    /// `walls.json: /materials/3/properties/generic_diffuse/value: expected 3 or 4 numbers`,
+    /// `walls.json:12:5: /materials/3/properties/generic_diffuse/value: expected 3 or 4 numbers`,
     /// `walls.json:12:5: broken JSON: ...`, `walls.json: no such file`.
     std::string format() const;
 };
@@ -111,7 +112,9 @@ struct LoadWarning
 {
     /// The file as it was named to load().
     std::string file;
-    /// JSON pointer of the place.
+    /// The place in the file, as in LoadError.
+    std::size_t line = 0;
+    std::size_t column = 0;
     std::string pointer;
     /// Id of the asset, for an inline asset that of the asset around it; the name of an overlay.
     std::string asset;
@@ -119,7 +122,7 @@ struct LoadWarning
     std::string property;
     std::string message;
 
-    /// One line without its end: file, pointer, message, as in LoadError.
+    /// One line without its end: file, place, pointer, message, as in LoadError.
     std::string format() const;
 };
 
@@ -128,10 +131,10 @@ struct LoadResult
 {
     /// Empty exactly when there are errors.
     std::optional<Library> library;
-    /// In the order of the files. Broken JSON hides what else is wrong with its file, and connections
+    /// In the order of the files and of the places in them. Broken JSON hides what else is wrong with its file, and connections
     /// to ids that are missing while a file could not be read are not reported.
     std::vector<LoadError> errors;
-    /// Also there when the load failed.
+    /// In the same order; also there when the load failed.
     std::vector<LoadWarning> warnings;
 };
 
