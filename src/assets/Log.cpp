@@ -69,6 +69,11 @@ LogSession::~LogSession()
     --threadRecords().depth;
 }
 
+bool LogSession::isOutermost()
+{
+    return threadRecords().depth == 1;
+}
+
 Log LogSession::log(std::string asset)
 {
     return {threadRecords().records, std::move(asset)};

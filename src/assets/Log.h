@@ -50,6 +50,9 @@ class LogSession
     LogSession(const LogSession&) = delete;
     LogSession& operator=(const LogSession&) = delete;
 
+    /// Whether no other session is around it.
+    static bool isOutermost();
+
     /// A log into this thread's list.
     static Log log(std::string asset = {});
 };

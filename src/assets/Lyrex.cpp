@@ -38,7 +38,8 @@ constexpr LyrexProperty properties[] = {
     {"opaque_mfp_modifier", Color, Linear},
     {"opaque_mfp", Float, Linear, length},
     {"opaque_emission", Boolean},
-    {"opaque_luminance", Float, Linear, "", kelvor::platform::assets::eUnit_CandelaPerSquareMeter},
+    {"opaque_luminance", Float, Linear, base::luminanceUnitType,
+     kelvor::platform::assets::eUnit_CandelaPerSquareMeter},
     {"opaque_luminance_modifier", Color, Display},
 
     {"transparent_ior", Float, Linear},

@@ -80,11 +80,14 @@ template <class Number> std::optional<Number> numberFromText(std::string_view te
 {
     if (text.starts_with('+') && !text.starts_with("+-"))
         text.remove_prefix(1);
-    Number number{};
+    // A float is read as a double, of which what is too small becomes 0.
+    using Read = std::conditional_t<std::is_floating_point_v<Number>, double, Number>;
+    Read read{};
     const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    const auto [stop, error] = std::from_chars(text.data(), end, read);
     if (error != std::errc() || stop != end)
         return std::nullopt;
+    const auto number = static_cast<Number>(read);
     if constexpr (std::is_floating_point_v<Number>)
         if (!std::isfinite(number))
             return std::nullopt;

@@ -41,7 +41,8 @@ template <class Operation> bool reporting(Operation operation)
     }
     catch (const std::exception& error)
     {
-        LogSession::log().error(DiagnosticCode::Exception, "", error.what());
+        if (LogSession::isOutermost())
+            LogSession::log().error(DiagnosticCode::Exception, "", error.what());
         throw;
     }
 }

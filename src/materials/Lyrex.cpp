@@ -201,10 +201,11 @@ std::string userInterfaceName(const assets::Asset& asset)
 bool buildMaterial(const assets::Asset& asset, const LyrexFamily& family,
                    const std::vector<LyrexValue>& values, const Translation& translation)
 {
+    const std::string label = userInterfaceName(asset);
     std::optional<Skeleton> skeleton = Skeleton::build(translation, family.category, "_inputGraph");
     if (!skeleton)
         return false;
-    if (const std::string label = userInterfaceName(asset); !label.empty())
+    if (!label.empty())
         skeleton->material()->setAttribute(mx::ValueElement::UI_NAME_ATTRIBUTE, label);
     const LyrexWriter writer(*skeleton, translation.log);
     for (const LyrexValue& value : values)

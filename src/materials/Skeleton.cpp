@@ -65,6 +65,8 @@ std::optional<Skeleton> Skeleton::build(const Translation& translation, const st
         translation.log.error(DiagnosticCode::NoDocument, "", "no document was given");
         return std::nullopt;
     }
+    // Whatever a host's asset may throw is thrown before anything is added.
+    const std::string assetId = assets::Asset(translation.asset).identifier();
     Skeleton skeleton;
     skeleton._graphName = name + graphSuffix;
     const std::string shaderName = name + "_shader";
@@ -79,8 +81,7 @@ std::optional<Skeleton> Skeleton::build(const Translation& translation, const st
     document->setColorSpace(assets::linearRec709);
     skeleton._shader = document->addNode(category, shaderName, mx::SURFACE_SHADER_TYPE_STRING);
     skeleton._material = document->addMaterialNode(name, skeleton._shader);
-    addProvenance(skeleton._material, assets::Asset(translation.asset).identifier(),
-                  translation.log);
+    addProvenance(skeleton._material, assetId, translation.log);
     if (addLook)
         assignInLook(document, name);
     return skeleton;

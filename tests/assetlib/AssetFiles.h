@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -19,6 +20,7 @@ namespace vyr::assetlib::tests
 namespace platform = kelvor::platform::assets;
 using kelvor::platform::core::string::UTF8String;
 using Lines = std::vector<std::string>;
+using AssetPointer = std::unique_ptr<platform::IAssetInstance, platform::IAssetInstanceDeleter>;
 
 /// Asset files in a folder of their own, loaded together.
 struct AssetFiles
@@ -38,20 +40,13 @@ struct AssetFiles
     }
 
     /// The formatted errors of the load, without the folder.
-    /// @param start that is taken off, with the line and column
-    Lines errors(const std::string& start = {}) const
+    Lines errors() const
     {
         const LoadResult result = load(paths);
         EXPECT_EQ(result.library.has_value(), result.errors.empty());
         Lines lines;
-        for (LoadError error : result.errors)
-        {
-            if (!start.empty())
-                error.line = 0;
+        for (const LoadError& error : result.errors)
             lines.push_back(relative(error.format()));
-            if (lines.back().starts_with(start))
-                lines.back().erase(0, start.size());
-        }
         return lines;
     }
 
@@ -68,23 +63,6 @@ struct AssetFiles
     std::vector<std::string> paths;
 };
 
-/// Compares a function with a table of lines `input => result`; an indented line is one result more.
-template <class Function> void checkTable(const std::string& table, const Function& function)
-{
-    std::vector<std::pair<std::string, Lines>> rows;
-    std::istringstream stream(table);
-    for (std::string line; std::getline(stream, line);)
-    {
-        if (const auto arrow = line.find(" => "); arrow != line.npos)
-            rows.push_back({line.substr(0, arrow), {line.substr(arrow + 4)}});
-        else if (!line.empty())
-            rows.at(rows.size() - 1).second.push_back(line.substr(2));
-    }
-    ASSERT_FALSE(rows.empty());
-    for (const auto& [input, expected] : rows)
-        EXPECT_EQ(function(input), expected) << input;
-}
-
 /// A file with these members at its top.
 inline std::string memberFile(const std::string& members)
 {
@@ -95,12 +73,6 @@ inline std::string memberFile(const std::string& members)
 inline std::string materialFile(const std::string& members)
 {
     return memberFile(R"("materials": [{"id": "m", "schema": "S", )" + members + "}]");
-}
-
-/// A file with one material "m" and one property "p".
-inline std::string propertyFile(const std::string& property)
-{
-    return materialFile(R"("properties": {"p": )" + property + "}");
 }
 
 /// A property of a material, by default of the only one.
