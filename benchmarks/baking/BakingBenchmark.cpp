@@ -15,7 +15,7 @@
 #include <MaterialTranslation/Bakes.h>
 
 #include "Reference.h"
-#include "baking/HeightImage.h"
+#include "baking/ImageFile.h"
 #include "baking/NoiseImage.h"
 #include "baking/NormalImage.h"
 

@@ -8,9 +8,6 @@
 #include <kelvor/platform/assets/IAssetInstance.h>
 #include <kelvor/platform/assets/IProperty.h>
 
-#include "assets/Description.h"
-#include "assets/Schemas.h"
-
 namespace vyr::MaterialTranslation::assets
 {
 

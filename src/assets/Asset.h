@@ -21,6 +21,27 @@
 namespace vyr::MaterialTranslation::assets
 {
 
+inline constexpr const char* bitmapSchema = "UnifiedBitmapSchema";
+inline constexpr const char* bumpMapSchema = "BumpMapSchema";
+inline constexpr const char* noiseSchema = "NoiseSchema";
+
+inline constexpr const char* genericSchema = "GenericSchema";
+inline constexpr const char* hardwoodSchema = "HardwoodSchema";
+inline constexpr const char* metallicPaintSchema = "MetallicPaintSchema";
+inline constexpr const char* solidGlassSchema = "SolidGlassSchema";
+inline constexpr const char* waterSchema = "WaterSchema";
+
+/// The property of a bitmap texture that names its image.
+inline constexpr const char* bitmapImageProperty = "unifiedbitmap_Bitmap";
+/// The two properties that every asset has besides those of its schema: the schema's name as a
+/// text, and whether the asset is hidden from users.
+inline constexpr const char* versionProperty = "VersionGUID";
+inline constexpr const char* hiddenProperty = "Hidden";
+
+/// What follows a colour property's identifier in the name of the companion that declares its colour
+/// space.
+inline constexpr const char* colorSpaceSuffix = "_colorspace";
+
 using kelvor::platform::assets::IAssetInstance;
 using kelvor::platform::assets::IProperty;
 using kelvor::platform::assets::IPropertyConstTable;
@@ -248,5 +269,16 @@ std::vector<std::string> imagesOf(const IAssetInstance& asset);
 
 /// Three channels of 0..255 as a colour of 0..1; not clamped.
 Color3 colorFromBytes(float red, float green, float blue);
+
+/// Writes four lines that describe a material: class, description, name, and whether it is hidden. A
+/// missing "Hidden" counts as not hidden: looking at a material must not make it fail. Every line here is
+/// flushed.
+void writeMaterialDescription(const Asset& asset, std::ostream& stream);
+
+/// Writes one line: the schema of the texture that drives a property, and the type of a noise.
+void writeTextureSchema(const Property& property, std::ostream& stream);
+
+/// Writes one line: the property's name and its plain value, or the texture that drives it.
+void writeProperty(const Property& property, std::ostream& stream);
 
 } // namespace vyr::MaterialTranslation::assets

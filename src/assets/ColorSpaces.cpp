@@ -4,8 +4,8 @@
 
 #include <kelvor/platform/assets/PropertyType.h>
 
+#include "assets/Asset.h"
 #include "assets/Lyrex.h"
-#include "assets/Schemas.h"
 #include "base/Text.h"
 
 namespace vyr::MaterialTranslation::assets

@@ -1,10 +1,8 @@
-#include "assets/Description.h"
+#include "assets/Asset.h"
 
 #include <ostream>
 
 #include <kelvor/platform/assets/PropertyType.h>
-
-#include "assets/Schemas.h"
 
 namespace vyr::MaterialTranslation::assets
 {

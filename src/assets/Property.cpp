@@ -12,7 +12,6 @@
 #include <kelvor/platform/assets/UnitCode.h>
 
 #include "assets/Asset.h"
-#include "assets/Schemas.h"
 #include "base/Paths.h"
 
 namespace vyr::MaterialTranslation::assets

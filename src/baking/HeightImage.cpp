@@ -1,4 +1,4 @@
-#include "baking/HeightImage.h"
+#include "baking/ImageFile.h"
 
 #include <algorithm>
 #include <array>

@@ -7,7 +7,6 @@
 
 #include <fmt/format.h>
 
-#include "baking/HeightImage.h"
 #include "baking/ImageFile.h"
 #include "baking/NoiseImage.h"
 #include "baking/NormalImage.h"

@@ -7,8 +7,7 @@
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "graph/Nodes.h"
-#include "materials/Generic.h"
-#include "materials/Lyrex.h"
+#include "materials/Translators.h"
 #include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::converter

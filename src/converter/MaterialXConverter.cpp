@@ -1,23 +1,105 @@
 #include <MaterialTranslation/MaterialXConverter.h>
 
+#include <deque>
 #include <filesystem>
+#include <map>
+#include <stdexcept>
+#include <unordered_set>
 
 #include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/DocumentIO.h>
 
 #include "assets/Lyrex.h"
 #include "converter/Driver.h"
-#include "converter/SharedState.h"
 
 namespace vyr::MaterialTranslation
 {
 
 namespace mx = MaterialX;
-using converter::RegisteredAssets;
-using converter::sharedState;
-
 namespace
 {
+
+/// The assets that wait for serialisation, in the order of registration, under unique names.
+class RegisteredAssets
+{
+  public:
+    struct Entry
+    {
+        std::string name;
+        assets::AssetHandle asset;
+    };
+
+    bool contains(std::string_view name) const { return _names.contains(name); }
+    bool empty() const { return _entries.empty(); }
+    std::size_t size() const { return _entries.size(); }
+    const Entry& front() const { return _entries.front(); }
+
+    /// The name must not be registered yet.
+    void append(std::string name, assets::AssetHandle asset);
+    /// Releases the oldest entry's asset.
+    void releaseFront();
+    /// Releases all assets, in order.
+    void clear();
+
+  private:
+    std::deque<Entry> _entries;
+    /// Of the entries, which stay where they are as long as they are listed.
+    std::unordered_set<std::string_view> _names;
+};
+
+/// What all converter objects of the process share, from the loading of the library to its unloading.
+/// Members are destroyed from the last to the first: the instance's destructor still uses the list.
+struct SharedState
+{
+    RegisteredAssets registered;
+    std::map<ConversionType, MaterialXConverter::OverlayConverter> converters;
+    std::shared_ptr<MaterialXConverter> instance;
+};
+
+void RegisteredAssets::append(std::string name, assets::AssetHandle asset)
+{
+    _entries.push_back({std::move(name), std::move(asset)});
+    try
+    {
+        _names.insert(_entries.back().name);
+    }
+    catch (...)
+    {
+        _entries.pop_back();
+        throw;
+    }
+}
+
+void RegisteredAssets::releaseFront()
+{
+    _names.erase(_entries.front().name);
+    _entries.pop_front();
+}
+
+void RegisteredAssets::clear()
+{
+    while (!empty())
+        releaseFront();
+}
+
+/// The built-in converter of decal and thread requests.
+bool convertOverlay(const MaterialInfo& info, kelvor::platform::core::string::IString& /*result*/)
+{
+    if (info.type == ConversionType::Decal && !info.payload)
+        throw std::invalid_argument("invalid decal info");
+    if (info.type == ConversionType::Thread && !info.payload)
+        throw std::invalid_argument("invalid thread info");
+    // The graphs of decals and threads are still to be built; until then a request fails rather
+    // than yielding an empty document.
+    LogSession::log().error(DiagnosticCode::NoConverter, "",
+                            "this version builds no decal and thread materials");
+    return false;
+}
+
+/// Made when the library is loaded and destroyed when it is unloaded: before and after everything of a
+/// host that was linked to it, static objects included.
+SharedState state{
+    {}, {{ConversionType::Decal, convertOverlay}, {ConversionType::Thread, convertOverlay}}, {}};
 
 /// Takes the oldest registered asset off the list on the way out, however a call ends.
 class FrontRelease
@@ -51,7 +133,7 @@ template <class Operation> bool reporting(Operation operation)
 bool registerAsset(const assets::IAssetInstance& asset, const std::string& name)
 {
     const Log log = LogSession::log(assets::Asset(asset).identifier());
-    RegisteredAssets& registered = sharedState().registered;
+    RegisteredAssets& registered = state.registered;
     if (name.empty())
         log.error(DiagnosticCode::NameEmpty, "", "the asset has neither a name nor an identifier");
     else if (registered.contains(name))
@@ -75,7 +157,7 @@ std::filesystem::path temporaryDocumentPath(const std::string& name)
 
 std::shared_ptr<MaterialXConverter> MaterialXConverter::getInstance(ConverterOptions& options)
 {
-    auto& instance = sharedState().instance;
+    auto& instance = state.instance;
     if (!instance)
         instance = std::make_shared<MaterialXConverter>(options);
     return instance;
@@ -84,8 +166,8 @@ std::shared_ptr<MaterialXConverter> MaterialXConverter::getInstance(ConverterOpt
 void MaterialXConverter::releaseInstance()
 {
     // Out of the shared state first: the destructor may run here and uses that state.
-    const auto released = std::move(sharedState().instance);
-    sharedState().instance.reset();
+    const auto released = std::move(state.instance);
+    state.instance.reset();
 }
 
 MaterialXConverter::MaterialXConverter(ConverterOptions& given) : options(given) {}
@@ -117,7 +199,7 @@ bool MaterialXConverter::SerializeRegisteredAssetsForConversion(
     IString& message, IAssetSerializer::IPathSerializer* /*serializer*/)
 {
     const LogSession session;
-    RegisteredAssets& registered = sharedState().registered;
+    RegisteredAssets& registered = state.registered;
     if (registered.empty())
     {
         LogSession::log().error(DiagnosticCode::NothingRegistered, "", "no asset is registered");
@@ -143,13 +225,13 @@ bool MaterialXConverter::SerializeRegisteredAssetsForConversion(
 
 bool MaterialXConverter::Destroy()
 {
-    sharedState().registered.clear();
+    state.registered.clear();
     return true;
 }
 
 bool MaterialXConverter::RegisterConverter(ConversionType type, OverlayConverter converter)
 {
-    sharedState().converters[type] = std::move(converter);
+    state.converters[type] = std::move(converter);
     return true;
 }
 
@@ -175,8 +257,8 @@ kelvor::platform::core::string::UTF8String MaterialXConverter::getMaterialName(
 bool MaterialXConverter::Convert(MaterialInfo& info, IString& result)
 {
     const LogSession session;
-    const auto entry = sharedState().converters.find(info.type);
-    if (entry == sharedState().converters.end())
+    const auto entry = state.converters.find(info.type);
+    if (entry == state.converters.end())
     {
         LogSession::log().error(DiagnosticCode::NoConverter, "",
                                 "no converter is registered for type " +
@@ -191,6 +273,11 @@ bool MaterialXConverter::IsLyrex(
     const std::unique_ptr<IAssetInstance, kelvor::platform::assets::IAssetInstanceDeleter>& asset)
 {
     return asset && assets::findLyrexFamily(assets::Asset(*asset).schema());
+}
+
+std::size_t registeredAssetCount()
+{
+    return state.registered.size();
 }
 
 } // namespace vyr::MaterialTranslation

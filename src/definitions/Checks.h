@@ -1,13 +1,14 @@
 #pragma once
 
+#include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include <MaterialTranslation/Validation.h>
 #include <MaterialXCore/Document.h>
 #include <MaterialXFormat/File.h>
-
-#include <MaterialTranslation/Validation.h>
 
 #include "definitions/DataLibrary.h"
 
@@ -36,5 +37,16 @@ void checkWholeText(const MaterialX::ValueElement& value, Checks& checks);
 
 /// The text, choice, unit and file name of a value.
 void checkValue(const MaterialX::ValueElement& value, Checks& checks);
+
+/// A file is no document; the text says where and why, without the file's name.
+class UnreadableDocument : public std::runtime_error
+{
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Reads a ".mtlx" file and what it includes, and brings it up to MaterialX's current version.
+/// @throws UnreadableDocument
+MaterialX::DocumentPtr readDocument(const std::filesystem::path& file);
 
 } // namespace vyr::MaterialTranslation::definitions

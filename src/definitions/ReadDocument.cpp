@@ -1,4 +1,4 @@
-#include "definitions/ReadDocument.h"
+#include "definitions/Checks.h"
 
 #include <fstream>
 #include <iterator>

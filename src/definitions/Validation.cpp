@@ -4,7 +4,6 @@
 
 #include "base/Paths.h"
 #include "definitions/Checks.h"
-#include "definitions/ReadDocument.h"
 
 namespace vyr::MaterialTranslation
 {

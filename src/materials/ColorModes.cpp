@@ -1,4 +1,4 @@
-#include "materials/ColorModes.h"
+#include "materials/Translators.h"
 
 #include <algorithm>
 #include <cmath>

@@ -5,7 +5,7 @@
 
 #include <kelvor/platform/assets/UnitCode.h>
 
-#include "materials/Generic.h"
+#include "materials/Translators.h"
 #include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::materials
@@ -78,6 +78,29 @@ constexpr float luminanceOfEmissionOne = 1000.0f;
 
 /// The roughness mode without a curve.
 constexpr std::int32_t linearRoughness = 2;
+
+/// Roughness at glossiness 1, 0.95, ... 0.
+constexpr std::array<float, 21> roughnessTable = {
+    0.0f,    0.0125f, 0.025f, 0.0375f, 0.05f, 0.065f, 0.08f, 0.0975f, 0.115f, 0.134f, 0.155f,
+    0.1775f, 0.2f,    0.23f,  0.26f,   0.3f,  0.35f,  0.41f, 0.5f,    0.66f,  1.0f};
+
+/// Surface roughness of a glossiness of 0 to 1; values outside count as the nearer end.
+/// @param roughnessMode 2: 1 - glossiness. Any other: a curve through 21 points, flatter at the
+///        smooth end.
+float roughnessOf(float glossiness, std::int32_t roughnessMode)
+{
+    if (glossiness <= 0.0f)
+        return 1.0f;
+    if (glossiness >= 1.0f)
+        return 0.0f;
+    const float x = 1.0f - glossiness;
+    if (roughnessMode == linearRoughness)
+        return x;
+    // A glossiness just above 0 rounds to x = 1, which would start at the table's last row.
+    const std::size_t i = std::min(static_cast<std::size_t>(x * 20.0f), roughnessTable.size() - 2);
+    const float f = (x - static_cast<float>(i) * 0.05f) * 20.0f;
+    return std::min(1.0f, (1.0f - f) * roughnessTable[i] + f * roughnessTable[i + 1]);
+}
 
 /// Applies the rules, one function each, to one material.
 class GenericRules
@@ -273,27 +296,7 @@ class GenericRules
     StandardSurfaceParams& _params = _material.params;
 };
 
-/// Roughness at glossiness 1, 0.95, ... 0.
-constexpr std::array<float, 21> roughnessTable = {
-    0.0f,    0.0125f, 0.025f, 0.0375f, 0.05f, 0.065f, 0.08f, 0.0975f, 0.115f, 0.134f, 0.155f,
-    0.1775f, 0.2f,    0.23f,  0.26f,   0.3f,  0.35f,  0.41f, 0.5f,    0.66f,  1.0f};
-
 } // namespace
-
-float roughnessOf(float glossiness, std::int32_t roughnessMode)
-{
-    if (glossiness <= 0.0f)
-        return 1.0f;
-    if (glossiness >= 1.0f)
-        return 0.0f;
-    const float x = 1.0f - glossiness;
-    if (roughnessMode == linearRoughness)
-        return x;
-    // A glossiness just above 0 rounds to x = 1, which would start at the table's last row.
-    const std::size_t i = std::min(static_cast<std::size_t>(x * 20.0f), roughnessTable.size() - 2);
-    const float f = (x - static_cast<float>(i) * 0.05f) * 20.0f;
-    return std::min(1.0f, (1.0f - f) * roughnessTable[i] + f * roughnessTable[i + 1]);
-}
 
 StandardSurface readGenericProperties(const assets::Asset& asset, const Translation& translation)
 {

@@ -1,15 +1,14 @@
-#include "materials/Lyrex.h"
+#include "materials/Translators.h"
 
 #include <iostream>
 #include <variant>
 
+#include "assets/Asset.h"
 #include "assets/ColorSpaces.h"
-#include "assets/Description.h"
 #include "assets/Lyrex.h"
-#include "assets/Schemas.h"
 #include "base/Text.h"
 #include "graph/Values.h"
-#include "materials/Skeleton.h"
+#include "materials/StandardSurface.h"
 #include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::materials

@@ -1,4 +1,4 @@
-#include "materials/Skeleton.h"
+#include "materials/StandardSurface.h"
 
 #include "assets/ColorSpaces.h"
 #include "base/Text.h"

@@ -3,9 +3,7 @@
 #include <variant>
 
 #include "graph/Values.h"
-#include "materials/ColorModes.h"
-#include "materials/Skeleton.h"
-#include "materials/TintGraph.h"
+#include "materials/Translators.h"
 #include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::materials

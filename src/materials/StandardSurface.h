@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include <MaterialXCore/Document.h>
 #include <MaterialXCore/Types.h>
 
 #include "textures/Texture.h"
@@ -94,5 +95,56 @@ struct StandardSurface
 /// @return false, with the reason in the log and nothing added, when the document is null or one of
 ///         the names is taken in it.
 bool buildStandardSurface(const StandardSurface& material, const Translation& translation);
+
+/// The elements that every material has, whatever its shading model, and that a translator fills.
+class Skeleton
+{
+  public:
+    /// Adds shader node, material node and, when the options ask for it, the look that assigns the
+    /// material to all geometry, and sets the document's colour space, linear Rec.709.
+    /// @param category of the shader node, such as "standard_surface".
+    /// @param graphSuffix ends the name of the node graph of the material's textures.
+    /// @return nothing, with the reason in the log and nothing added, when there is no document or one of
+    ///         the names is taken in it.
+    static std::optional<Skeleton> build(const Translation& translation,
+                                         const std::string& category, const char* graphSuffix);
+
+    const MaterialX::NodePtr& shader() const { return _shader; }
+    const MaterialX::NodePtr& material() const { return _material; }
+
+    /// Adds the node of a texture to the material's node graph, which is made with the first one.
+    /// @param property names the node.
+    /// @param type MaterialX's name of the value type.
+    /// @return the graph's output.
+    MaterialX::OutputPtr addTexture(const textures::Texture& texture, const std::string& property,
+                                    const std::string& type);
+
+  private:
+    Skeleton() = default;
+
+    std::string _graphName;
+    MaterialX::NodePtr _shader;
+    MaterialX::NodePtr _material;
+    MaterialX::NodeGraphPtr _graph;
+};
+
+/// Adds the network that tints a texture's colour to a node graph.
+///
+/// For each channel with source s and tint t the overlay blend is o = 1 - 2 (1 - s)(1 - t) where s
+/// is at least 0.5, else 2 s t, and the result is (s + o) / 2 x (1 + t) / 2: the grain is deepened
+/// by the overlay and the whole takes on the stain's colour.
+/// @param source color3 input of the graph: the texture.
+/// @param tint color3 input of the graph.
+/// @return the new graph output, named and typed as asked for.
+MaterialX::OutputPtr addTintNetwork(const MaterialX::NodeGraphPtr& graph,
+                                    const MaterialX::InputPtr& source,
+                                    const MaterialX::InputPtr& tint, const std::string& outputName,
+                                    const std::string& type);
+
+/// Adds a node graph of its own that tints the output of a material's node graph. The tint stays as the
+/// asset states it; its colour space is stated where it is read.
+/// @return the output with the tinted colour.
+MaterialX::OutputPtr addTintGraph(const MaterialX::DocumentPtr& document,
+                                  const MaterialX::OutputPtr& texture, const Tint& tint);
 
 } // namespace vyr::MaterialTranslation::materials

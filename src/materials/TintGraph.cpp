@@ -1,4 +1,4 @@
-#include "materials/TintGraph.h"
+#include "materials/StandardSurface.h"
 
 #include "graph/Nodes.h"
 #include "graph/Values.h"

@@ -1,5 +1,5 @@
+#include "assets/Asset.h"
 #include "assets/ColorSpaces.h"
-#include "assets/Schemas.h"
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "textures/Kinds.h"

@@ -1,4 +1,4 @@
-#include "textures/MaterialFiles.h"
+#include "textures/Translation.h"
 
 #include <algorithm>
 #include <map>

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "assets/Asset.h"
 #include "assets/ColorSpaces.h"
-#include "assets/Schemas.h"
 #include "baking/MaterialBakes.h"
 #include "base/Paths.h"
 #include "textures/Kinds.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "assets/Schemas.h"
+#include "assets/Asset.h"
 #include "baking/MaterialBakes.h"
 #include "base/Paths.h"
 #include "graph/Nodes.h"

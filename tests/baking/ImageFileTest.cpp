@@ -10,7 +10,6 @@
 
 #include <MaterialTranslation/Export.h>
 
-#include "baking/HeightImage.h"
 #include "baking/Images.h"
 #include "baking/NormalImage.h"
 #include "support/TemporaryFolder.h"

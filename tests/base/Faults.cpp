@@ -1,5 +1,6 @@
 // Lets system calls fail in a program that loads this library first: VYR_FAULTS="rename=5 flock=37" gives names and
-// numbers of errors; "short" lets each write take a few bytes at most, with interruptions.
+// numbers of errors; "short" lets each write take half
+// of its bytes, with interruptions; "noisy" lets the process print while it writes.
 
 #include <cerrno>
 #include <cstdarg>
@@ -49,6 +50,8 @@ extern "C"
     ssize_t write(int descriptor, const void* bytes, std::size_t size)
     {
         static bool isInterrupted = false;
+        for (int standard = 0; standard < 3 && fails("noisy"); ++standard)
+            ::syscall(SYS_write, standard, "X", 1);
         if (!fails("short") || size < 4)
             return unless("write", SYS_write, descriptor, bytes, size);
         isInterrupted = !isInterrupted;
@@ -56,35 +59,21 @@ extern "C"
         return isInterrupted ? -1 : ::syscall(SYS_write, descriptor, bytes, size / 2);
     }
 
-    int flock(int descriptor, int operation) noexcept
-    {
-        return static_cast<int>(unless("flock", SYS_flock, descriptor, operation));
+// A call that only passes its arguments on. The last arguments are those that the kernel wants.
+#define VYR_FAULT(type, name, parameters, ...)                                                     \
+    type name parameters                                                                           \
+    {                                                                                              \
+        return static_cast<type>(unless(#name, __VA_ARGS__));                                      \
     }
-
-    int fstat(int descriptor, struct stat* result) noexcept
-    {
-        return static_cast<int>(
-            unless("fstat", SYS_newfstatat, descriptor, "", result, AT_EMPTY_PATH));
-    }
-
-    int linkat(int from, const char* a, int to, const char* b, int flags) noexcept
-    {
-        return static_cast<int>(unless("linkat", SYS_linkat, from, a, to, b, flags));
-    }
-
-    int rename(const char* from, const char* to) noexcept
-    {
-        return static_cast<int>(unless("rename", SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0));
-    }
-
-    int dup(int descriptor) noexcept
-    {
-        return static_cast<int>(unless("dup", SYS_dup, descriptor));
-    }
-
-    ssize_t copy_file_range(int from, off64_t* a, int to, off64_t* b, std::size_t size,
-                            unsigned flags)
-    {
-        return unless("copy_file_range", SYS_copy_file_range, from, a, to, b, size, flags);
-    }
+    VYR_FAULT(int, flock, (int file, int what) noexcept, SYS_flock, file, what)
+    VYR_FAULT(int, fstat, (int file, struct stat* result) noexcept, SYS_newfstatat, file, "",
+              result, AT_EMPTY_PATH)
+    VYR_FAULT(int, linkat, (int from, const char* a, int to, const char* b, int flags) noexcept,
+              SYS_linkat, from, a, to, b, flags)
+    VYR_FAULT(int, rename, (const char* from, const char* to) noexcept, SYS_renameat2, AT_FDCWD,
+              from, AT_FDCWD, to, 0)
+    VYR_FAULT(int, dup, (int file) noexcept, SYS_dup, file)
+    VYR_FAULT(ssize_t, copy_file_range,
+              (int from, off64_t* a, int to, off64_t* b, std::size_t size, unsigned flags),
+              SYS_copy_file_range, from, a, to, b, size, flags)
 }

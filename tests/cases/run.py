@@ -5,7 +5,7 @@ A case is a folder with
     assets.json    the materials
     options        a run a line, "NAME: options of vyr-mtlx convert"; without the file one run, "default"
     files          what is made beside assets.json, each later than the one before: "PATH: text", "PATH = image of
-                   images/", "PATH -> target of a link" or "PATH/"
+                   images/", "PATH => PATH of a hard link", "PATH -> target of a link" or "PATH/"
     expected/RUN/  the documents of a run, and "messages": exit status, standard output and error, other files
 
 The folder where a case runs is written {CASE}, the library's version {VERSION}.
@@ -46,11 +46,13 @@ def make_files(case, folder):
     listing = case / "files"
     lines = listing.read_text(encoding="utf-8").splitlines() if listing.exists() else []
     for time, line in enumerate(lines):
-        name, mark, content = re.fullmatch(r"(.*?)(?:(/)|(?:(: | = | -> )(.*)))", line).group(1, 3, 4)
+        name, mark, content = re.fullmatch(r"(.*?)(?:(/)|(?:(: | = | -> | => )(.*)))", line).group(1, 3, 4)
         path = folder / name
         (path if mark is None else path.parent).mkdir(parents=True, exist_ok=True)
         if mark == " -> ":
             path.symlink_to(content)
+        elif mark == " => ":
+            os.link(folder / content, path)
         elif mark == " = ":
             shutil.copyfile(IMAGES / content, path)
         elif mark:
@@ -59,13 +61,19 @@ def make_files(case, folder):
             os.utime(path, (1_700_000_000 + time,) * 2)
 
 
+def contents(folder):
+    """The files below a folder with their bytes; none of a link that leads nowhere."""
+    return {path: path.read_bytes() if path.exists() else b"" for path in sorted(folder.rglob("*")) if not path.is_dir()}
+
+
 def other_files(folder, written, sources):
     """Lines of the files that are no documents, each with the first file of the same content."""
     first = {content: name for name, content in reversed(sources.items())}
-    for path in written:
-        name, content = path.relative_to(folder).as_posix(), path.read_bytes()
+    for path, content in written.items():
+        name = path.relative_to(folder).as_posix()
         same = first.setdefault(content, name)
-        yield name if same == name else f"{name} = {same}"
+        if path.suffix != ".mtlx":
+            yield name + (f" -> {os.readlink(path)}" if path.is_symlink() else f" = {same}" if same != name else "")
 
 
 def run_tool(tool, folder, *arguments):
@@ -78,17 +86,22 @@ def result(tool, case, options):
         folder = pathlib.Path(temporary).resolve()
         make_files(case, folder)
         sources = {path.relative_to(folder).as_posix(): path.read_bytes()
-                   for path in sorted(folder.rglob("*")) if path.is_file()}
-        done = run_tool(tool, folder, "convert", "assets.json", "--output", "out", "--quiet", "--jobs", "1", *options)
-        written = [path for path in sorted((folder / "out").rglob("*")) if not path.is_dir()]
+                   for path in sorted(folder.rglob("*")) if path.is_file()}  # no device
+        arguments = ["convert", "assets.json", "--output", "out", "--quiet", "--jobs", "1", *options]
+        done = run_tool(tool, folder, *arguments)
+        written = contents(folder / "out")
         documents = [path for path in written if path.suffix == ".mtlx"]
         invalid = run_tool(tool, folder, "validate", *documents).stderr if documents else b""
-        others = other_files(folder, [path for path in written if path.suffix != ".mtlx"], sources)
-        changed = [name for name, source in sources.items() if (folder / name).read_bytes() != source]
         parts = {"exit status": str(done.returncode), "standard output": done.stdout, "standard error": done.stderr,
-                 "invalid documents": invalid, "other files": "\n".join(others), "changed files": "\n".join(changed)}
+                 "invalid documents": invalid, "other files": "\n".join(other_files(folder, written, sources))}
+        run_tool(tool, folder, *arguments)
+        again = contents(folder / "out")
+        parts["changed by a second run"] = "\n".join(str(path) for path in sorted(written.keys() | again.keys())
+                                                     if written.get(path) != again.get(path))
+        parts["changed sources"] = "\n".join(name for name, source in sources.items()
+                                             if (folder / name).read_bytes() != source)
         parts = {name: part.encode() if isinstance(part, str) else part for name, part in parts.items()}
-        texts = {path.name: path.read_bytes() for path in documents}
+        texts = {path.name: written[path] for path in documents}
         texts["messages"] = b"".join(b"== %s\n%s\n" % (name.encode(), part.rstrip(b"\n"))
                                      for name, part in parts.items() if part)
         version = f'vyr_converter="{tool_version(tool)}"'.encode()

@@ -1,8 +1,6 @@
-"""Gathered folders as others meet them: moved elsewhere and read by MaterialX's own package, and left behind by
-a tool that was killed."""
+"""Gathered folders that a killed tool left behind."""
 
 import hashlib
-import json
 import pathlib
 import random
 import shutil
@@ -11,12 +9,7 @@ import subprocess
 import time
 import unittest
 
-from support import ToolTest, bitmap, material, textured
-
-try:
-    import MaterialX
-except ImportError:
-    MaterialX = None
+from support import ToolTest, bitmap, material
 
 SAMPLES = pathlib.Path(__file__).resolve().parents[2] / "samples"
 
@@ -27,44 +20,6 @@ def hashes(folder):
         str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
         for path in sorted(folder.rglob("*")) if path.is_file()
     }
-
-
-@unittest.skipUnless(MaterialX, "no Python package of MaterialX")
-class Moved(ToolTest):
-    def check(self, files):
-        """Converts, moves the result, removes the sources, and lets MaterialX look for every image."""
-        self.convert(files, "--copy-textures")
-        shutil.rmtree(self.folder / "src")
-        moved = self.folder / "moved to \u00fcb%20er" / "there"
-        moved.parent.mkdir()
-        (self.folder / "out").rename(moved)
-        search = MaterialX.FileSearchPath(str(moved))
-        images = []
-        for path in sorted(moved.glob("*.mtlx")):
-            document = MaterialX.createDocument()
-            MaterialX.readFromXmlFile(document, path.name, search)
-            for element in document.traverseTree():
-                if element.isA(MaterialX.Input) and element.getType() == "filename":
-                    value = element.getResolvedValueString(element.createStringResolver())
-                    self.assertFalse(pathlib.PurePath(value).is_absolute(), value)
-                    images.append(pathlib.Path(search.find(value).asString()))
-                    self.assertTrue(images[-1].is_file(), f"{path.name}: {value}")
-                    self.assertTrue(images[-1].is_relative_to(moved), f"{path.name}: {value}")
-        return images
-
-    def test_samples(self):
-        shutil.copytree(SAMPLES, self.folder / "src")
-        self.assertGreater(len(self.check("src/textured.json")), 15)
-
-    def test_names_of_all_kinds(self):
-        names = ["a b.png", "100%.png", "a%20b.png", "\u6728.png", "\u00e9.png", "e\u0301.png", "#x&y+z'(1).png",
-                 "[a]{b}<c>.png", "$HOME~.png", "x.tar.png", "semi;colon,.png", ".hidden.png", "q?*.png", "-o.png",
-                 "%2e%2e", "e\u0301" * 80 + ".png", "trailing ", "dot."]
-        (self.folder / "src").mkdir()
-        for name in names:
-            (self.folder / "src" / name).write_text(name)
-        self.library(*(textured(f"m{i}", f"Wall {i:02}", f"src/{name}") for i, name in enumerate(names)))
-        self.assertEqual([image.read_text() for image in self.check("lib.json")], names)
 
 
 class Killed(ToolTest):

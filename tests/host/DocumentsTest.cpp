@@ -3,9 +3,6 @@
 #include <functional>
 #include <tuple>
 
-#include <MaterialTranslation/DocumentIO.h>
-#include <MaterialXFormat/XmlIo.h>
-
 #include "host/HostTest.h"
 
 namespace vyr::hosttests
@@ -189,27 +186,6 @@ TEST_F(Documents, HoldSeveralMaterials)
     while (_document->getChildren().size() > 3)
         _document->removeChild(_document->getChildren().back()->getName());
     EXPECT_EQ(xmlOf(_document), alone) << "the first material was touched";
-}
-
-/// MaterialX's reader is lenient: what it reads back may still be no XML for others.
-TEST_F(Documents, AreXmlWhateverTheirTextsHold)
-{
-    for (const std::string text :
-         {"a<b", "<<", "x.<UDIM>.png", "\"quoted <\"", "&lt;", "a>b & 'c'", "lines\n  <b\n<"})
-    {
-        const mx::DocumentPtr document = mx::createDocument();
-        document->addChildOfCategory(mx::CommentElement::CATEGORY)
-            ->setDocString("> a \"comment\" <x>");
-        document->addNode("image", "node", "color3")
-            ->setInputValue("file", text, mx::FILENAME_TYPE_STRING);
-        const std::string xml = documentToXml(document);
-        const std::size_t start = xml.find("value=\"") + 7;
-        const std::string written = xml.substr(start, xml.find('"', start) - start);
-        EXPECT_EQ(written.find('<'), std::string::npos) << xml;
-        const mx::DocumentPtr read = mx::createDocument();
-        mx::readFromXmlString(read, xml);
-        EXPECT_EQ(read->getNode("node")->getInputValue("file")->getValueString(), text) << xml;
-    }
 }
 
 /// The channels of a colour, or one number.

@@ -1,6 +1,10 @@
 #include <functional>
 #include <limits>
 
+#if defined(__linux__)
+#include <sys/stat.h>
+#endif
+
 #include "host/HostTest.h"
 
 namespace vyr::hosttests
@@ -178,16 +182,23 @@ TEST_F(HostileHost, ReferencesAreResolvedAsFarAsTheyCanBe)
     const auto path = [&](const char* stored)
     {
         const AssetPtr asset =
-            generic(textured("generic_diffuse", "x"),
+            generic(textured("generic_diffuse", "x") + "," + textured("generic_bump_map", "x") +
+                        R"(, "generic_bump_amount": 1)",
                     lying("unifiedbitmap_Bitmap", {.uri = {{stored, "preferred.png"}}}));
-        const mx::DocumentPtr document = translate(asset).document;
+        const mx::DocumentPtr document =
+            translate(asset, with(&ConverterOptions::copyTextures, true)).document;
         const mx::NodeGraphPtr graph = document->getNodeGraph("M_nodegraph");
         return graph ? graph->getNode("generic_diffuse")->getInputValue("file")->getValueString()
                      : "";
     };
-    const std::string found = _folder.text() + "/stored.png";
-    EXPECT_EQ(path("stored.png"), found);
-    EXPECT_EQ(path("stored.png."), found);
+    for (const char* stored : {"stored.png", "stored.png."})
+        EXPECT_EQ(path(stored), _folder.text() + "/M/stored.png");
+#if defined(__linux__)
+    // Whoever reads from a pipe waits: nothing does, neither for a copy nor for a bake.
+    const std::string pipe = _folder.text() + "/pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(path(pipe.c_str()), pipe);
+#endif
     for (const char* other : {"absent.png", "absent.png.", ".", ""})
         EXPECT_EQ(path(other), other);
     assetlib::setResolverFolders({});

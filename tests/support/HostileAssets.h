@@ -4,6 +4,7 @@
 /// Assets of JSON text that watch who uses them, and that lie or fail on request: decorators around the assets
 /// of vyr::assetlib.
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
@@ -20,7 +21,6 @@
 #include <gtest/gtest.h>
 #include <kelvor/platform/assets/IAssetInstance.h>
 #include <kelvor/platform/assets/IChoiceListValue.h>
-#include <kelvor/platform/assets/IIntegerValue.h>
 #include <kelvor/platform/assets/IProperty.h>
 #include <kelvor/platform/assets/IScalarValue.h>
 #include <kelvor/platform/assets/IUriValue.h>
@@ -159,15 +159,6 @@ struct WatchedScalar final : WatchedValue<kpa::IScalarValue>
     }
 };
 
-struct WatchedInteger final : WatchedValue<kpa::IIntegerValue>
-{
-    using WatchedValue::WatchedValue;
-    std::int32_t GetInteger(std::size_t index) const override
-    {
-        return passing(isBelow(index, count())) ? _value.GetInteger(index) : 0;
-    }
-};
-
 struct WatchedText final : WatchedValue<kpa::IStringValue>
 {
     using WatchedValue::WatchedValue;
@@ -232,27 +223,20 @@ struct WatchedPlain final : WatchedValue<kpa::IValue>
     using WatchedValue::WatchedValue;
 };
 
+/// Integers are plain here: no rule reads any.
 inline std::shared_ptr<const kpa::IValue> watchedValue(const kpa::IValue* value, const Lie& lie)
 {
-    const auto made = [&]<class Watched, class Interface>() -> std::shared_ptr<const kpa::IValue>
-    {
-        return dynamic_cast<const Interface*>(value) ? std::make_shared<Watched>(*value, lie)
-                                                     : nullptr;
-    };
-    if (auto scalar = made.operator()<WatchedScalar, kpa::IScalarValue>())
-        return scalar;
-    if (auto integer = made.operator()<WatchedInteger, kpa::IIntegerValue>())
-        return integer;
-    if (auto text = made.operator()<WatchedText, kpa::IStringValue>())
-        return text;
-    if (auto uri = made.operator()<WatchedUri, kpa::IUriValue>())
-        return uri;
-    if (auto choices = made.operator()<WatchedChoices, kpa::IChoiceListValue>())
-        return choices;
-    return made.operator()<WatchedPlain, kpa::IValue>();
+    if (dynamic_cast<const kpa::IScalarValue*>(value))
+        return std::make_shared<WatchedScalar>(*value, lie);
+    if (dynamic_cast<const kpa::IStringValue*>(value))
+        return std::make_shared<WatchedText>(*value, lie);
+    if (dynamic_cast<const kpa::IUriValue*>(value))
+        return std::make_shared<WatchedUri>(*value, lie);
+    if (dynamic_cast<const kpa::IChoiceListValue*>(value))
+        return std::make_shared<WatchedChoices>(*value, lie);
+    return value ? std::make_shared<WatchedPlain>(*value, lie) : nullptr;
 }
 
-class WatchedAsset;
 inline kpa::IAssetInstance* watched(AssetPtr asset, std::shared_ptr<const Behaviour> behaviour);
 
 class WatchedProperty final : public kpa::IProperty
@@ -262,7 +246,6 @@ class WatchedProperty final : public kpa::IProperty
                     std::shared_ptr<const Behaviour> behaviour)
         : _property(property), _behaviour(std::move(behaviour))
     {
-        UTF8String name;
         property.GetIdentifier(name);
         if (const auto lie = _behaviour->lies.find(name.str()); lie != _behaviour->lies.end())
             _lie = lie->second;
@@ -270,11 +253,7 @@ class WatchedProperty final : public kpa::IProperty
             _lie.valueOf ? table.FindProperty(UTF8String(*_lie.valueOf)) : &property;
         _value = watchedValue(donor ? donor->GetValue() : nullptr, _lie);
     }
-    void GetIdentifier(UTF8String& identifier) const override
-    {
-        passing(0);
-        _property.GetIdentifier(identifier);
-    }
+    void GetIdentifier(UTF8String& identifier) const override { identifier = passing(name); }
     std::uint32_t GetType() const override
     {
         return passing(_lie.type.value_or(_property.GetType()));
@@ -296,6 +275,8 @@ class WatchedProperty final : public kpa::IProperty
         return watched(AssetPtr(_property.GetConnectedAsset(index)), _behaviour);
     }
 
+    UTF8String name;
+
   private:
     const kpa::IProperty& _property;
     std::shared_ptr<const Behaviour> _behaviour;
@@ -314,17 +295,9 @@ class WatchedTable final : public kpa::IPropertyConstTable
     }
     const kpa::IProperty* FindProperty(const UTF8String& name) const override
     {
-        passing(0);
-        for (const WatchedProperty& property : _properties)
-        {
-            const auto left = std::exchange(operationsLeft, std::nullopt);
-            UTF8String own;
-            property.GetIdentifier(own);
-            operationsLeft = left;
-            if (own.str() == name.str())
-                return &property;
-        }
-        return nullptr;
+        const auto found = std::find_if(passing(_properties.begin()), _properties.end(),
+                                        [&](auto& p) { return p.name.str() == name.str(); });
+        return found == _properties.end() ? nullptr : &*found;
     }
     std::size_t GetPropertyCount() const override { return passing(_properties.size()); }
     const kpa::IProperty* GetProperty(std::size_t index) const override
