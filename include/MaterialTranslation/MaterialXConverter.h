@@ -98,10 +98,10 @@ class VYR_MTLX_API MaterialXConverter : public kelvor::platform::assets::IConver
     /// @param asset borrowed for the call and not changed.
     /// @param materialName base of the names of the added elements and of the texture folder: ASCII
     ///        letters, digits and "_", not starting with a digit. Usually getMaterialName(asset).
-    /// @param document receives the elements; shared with the caller. On false it may hold the
-    ///        parts that were built before a failure, where that is said in docs/diagnostics.md.
+    /// @param document receives the elements; shared with the caller. On false it is as it was.
     /// @return false when the output directory is not an existing folder, when the name is not
-    ///         usable, or when the material cannot be translated.
+    ///         usable, or when the material cannot be translated, also because an image that had to be
+    ///         baked cannot be written. What was baked for it until then is gone again.
     /// @throws std::filesystem::filesystem_error ("status") when the output directory cannot be
     ///         looked at, and those of gathering ("exists", "create_directory", "copy_file",
     ///         "rename").

@@ -15,11 +15,13 @@ function(expect pattern)
 endfunction()
 
 run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${FOLDER}/installed")
-run("${CMAKE_COMMAND}" -S "${SOURCE}/examples/host" -B "${FOLDER}/build" -G "${GENERATOR}"
-    "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}" "-DCMAKE_CXX_COMPILER=${COMPILER}"
-    "-DCMAKE_PREFIX_PATH=${FOLDER}/installed\;${PREFIX_PATH}"
-)
-run("${CMAKE_COMMAND}" --build "${FOLDER}/build")
+foreach(standard IN ITEMS 20 17)
+    run("${CMAKE_COMMAND}" -S "${SOURCE}/examples/host" -B "${FOLDER}/build" -G "${GENERATOR}"
+        "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}" "-DCMAKE_CXX_COMPILER=${COMPILER}"
+        "-DCMAKE_PREFIX_PATH=${FOLDER}/installed\;${PREFIX_PATH}" -DCMAKE_CXX_STANDARD=${standard}
+    )
+    run("${CMAKE_COMMAND}" --build "${FOLDER}/build")
+endforeach()
 
 execute_process(
     COMMAND "${FOLDER}/build/host" "${FOLDER}/out" "${SOURCE}/samples/textures"
