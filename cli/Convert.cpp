@@ -131,11 +131,9 @@ Outcome convert(MaterialXConverter& converter, const Task& task, const OutputFol
     if (!task.refusal.empty())
         return outcome;
     if (const MaterialX::DocumentPtr document = translate(converter, task, outcome))
-    {
         write(document, task, folder, command, outcome);
-        if (!outcome.converted)
-            MaterialTranslation::discardLastBakes();
-    }
+    if (!outcome.converted)
+        MaterialTranslation::discardLastBakes();
     return outcome;
 }
 

@@ -35,6 +35,7 @@ constexpr Reason reasons[] = {
     {"unexpected content", "expected the end of the file", true},
     {"unexpected end", "unexpected end of the file"},
     {"input data is empty", "expected a value"},
+    {"input length is 0", "expected a value"},
     {"trailing comma", "expected no comma behind the last item"},
     {"unexpected control character", "expected no control character in a text", true},
     {"invalid UTF-8", "invalid UTF-8 in a text"},

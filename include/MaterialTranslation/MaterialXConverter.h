@@ -104,7 +104,8 @@ class VYR_MTLX_API MaterialXConverter : public kelvor::platform::assets::IConver
     ///         baked cannot be written. What was baked for it until then is gone again.
     /// @throws std::filesystem::filesystem_error ("status") when the output directory cannot be
     ///         looked at, and those of gathering ("exists", "create_directory", "copy_file",
-    ///         "rename").
+    ///         "rename"): the document then holds the material, and its images stay, unless
+    ///         discardLastBakes (Bakes.h) is called.
     bool TranslateToMaterialX(const IAssetInstance& asset, const UTF8String& materialName,
                               std::shared_ptr<MaterialX::Document> document);
 

@@ -71,10 +71,11 @@ class ImageWalk
         {
             // It names no image.
         }
-        AssetHandle connected = property.connected();
-        // Held, so that no other asset gets the address of one that was visited.
-        if (connected && _held.size() < mostAssets && _known.insert(connected.get()).second)
-            _held.push_back(std::move(connected));
+        for (std::size_t i = 0; i < property.connectionCount() && _held.size() < mostAssets; ++i)
+            // Held, so that no other asset gets the address of one that was visited.
+            if (AssetHandle connected = property.connected(i);
+                connected && _known.insert(connected.get()).second)
+                _held.push_back(std::move(connected));
     }
 
     std::vector<std::string> _images;

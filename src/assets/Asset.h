@@ -188,8 +188,8 @@ class Property
     std::wstring resolvedWidePath() const;
 
     std::size_t connectionCount() const;
-    /// The first connected asset; null when there is none.
-    AssetHandle connected() const;
+    /// A connected asset, by default the first; null when there is none.
+    AssetHandle connected(std::size_t index = 0) const;
     /// The same if it names an image by "unifiedbitmap_Bitmap".
     AssetHandle connectedBitmap() const;
     /// Schema of the first connected asset, or "No connected texture!".

@@ -314,9 +314,9 @@ std::size_t Property::connectionCount() const
     return _property && _property->HasConnections() ? _property->GetConnectionCount() : 0;
 }
 
-AssetHandle Property::connected() const
+AssetHandle Property::connected(std::size_t index) const
 {
-    return AssetHandle(isConnected() ? _property->GetConnectedAsset(0) : nullptr);
+    return AssetHandle(index < connectionCount() ? _property->GetConnectedAsset(index) : nullptr);
 }
 
 AssetHandle Property::connectedBitmap() const

@@ -164,21 +164,15 @@ std::string safeName(std::string_view name)
     return isUnsafeName(portable) ? "_" + portable : portable;
 }
 
-std::string numberedName(const std::string& name,
-                         const std::function<bool(const std::string&)>& isFree)
+std::string numberedName(const std::string& name, int number)
 {
     const std::size_t dot = extensionStart(name);
-    std::string candidate = name;
-    for (int number = 2; !isFree(candidate); ++number)
-        candidate = name.substr(0, dot) + "-" + std::to_string(number) + name.substr(dot);
-    return candidate;
+    return name.substr(0, dot) + "-" + std::to_string(number) + name.substr(dot);
 }
 
-std::string UniqueNames::take(const std::string& name,
-                              const std::function<bool(const std::string&)>& isFree)
+bool UniqueNames::give(const std::string& name)
 {
-    return numberedName(name, [&](const std::string& candidate)
-                        { return isFree(candidate) && _taken.insert(foldCase(candidate)).second; });
+    return _taken.insert(foldCase(name)).second;
 }
 
 } // namespace vyr::base

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -52,19 +51,33 @@ std::string portableName(std::string_view name);
 /// a device.
 std::string safeName(std::string_view name);
 
-/// `name`, or `name` with "-2", "-3"... before its extension: the first that `isFree` agrees to.
-std::string numberedName(const std::string& name,
-                         const std::function<bool(const std::string&)>& isFree);
+/// The name with "-<number>" before its extension.
+std::string numberedName(const std::string& name, int number);
+
+/// `name`, or the first numberedName from 2 on, that `isFree` agrees to.
+template <class IsFree> std::string firstFreeName(const std::string& name, IsFree isFree)
+{
+    std::string candidate = name;
+    for (int number = 2; !isFree(candidate); ++number)
+        candidate = numberedName(name, number);
+    return candidate;
+}
 
 /// Names that were given out in one folder. Upper and lower case do not keep two names apart.
 class UniqueNames
 {
   public:
-    /// The numberedName that was not given out and that `isFree` agrees to; it is then taken.
-    std::string take(const std::string& name,
-                     const std::function<bool(const std::string&)>& isFree);
+    /// The firstFreeName that was not given out and that `isFree` agrees to; it is then taken.
+    template <class IsFree> std::string take(const std::string& name, IsFree isFree)
+    {
+        return firstFreeName(name, [&](const std::string& candidate)
+                             { return isFree(candidate) && give(candidate); });
+    }
 
   private:
+    /// @return whether it was not given out yet.
+    bool give(const std::string& name);
+
     std::set<std::string> _taken;
 };
 

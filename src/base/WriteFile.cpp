@@ -7,6 +7,7 @@
 #include <fstream>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -168,12 +169,10 @@ class NewFile
         const bool mayLock = locked || (made && errno != EWOULDBLOCK);
         if (!mayLock)
             return busy();
+        // Between its making and its lock another process may have taken the file over and renamed it:
+        // what has the name now is not ours to remove.
         if (!isOnlyName(path))
-        {
-            if (made)
-                ::unlink(path.c_str());
             return busy();
-        }
         // Some file systems write a file to the disk at once when it was emptied, even of nothing.
         return made || ::ftruncate(_descriptor, 0) == 0 ? std::error_code() : lastError();
     }

@@ -79,12 +79,21 @@ bool translate(const assets::IAssetInstance& asset, const std::string& name,
     const BakeSettings bakes = bakeSettings();
     const Translation translation{*clone, name, document, options, bakes, log, *files};
     const std::size_t firstChild = document->getChildren().size();
-    const bool translated = runTranslator(translation);
-    if (options.copyTextures)
-        gatherTextures(translation, firstChild);
-    if (translated)
+    if (!runTranslator(translation))
+        return false;
+    try
+    {
+        if (options.copyTextures)
+            gatherTextures(translation, firstChild);
+    }
+    catch (...)
+    {
+        // The document names them.
         textures::MaterialFiles::keep(std::move(files));
-    return translated;
+        throw;
+    }
+    textures::MaterialFiles::keep(std::move(files));
+    return true;
 }
 
 std::string materialName(const assets::IAssetInstance& instance, bool useIdentifier)

@@ -182,13 +182,8 @@ class Gathering
     void move(const GatheredFile& file)
     {
         const fs::path source = base::pathFromUtf8(file.source);
-        if (source == file.destination)
-            return;
-        std::error_code error;
-        fs::rename(source, file.destination, error);
-        if (error)
-            throw fs::filesystem_error("rename", source, file.destination, error);
-        _files.rename(source, file.destination);
+        if (source != file.destination)
+            _files.move(source, file.destination);
     }
 
     static void copy(const GatheredFile& file)

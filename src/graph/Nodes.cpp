@@ -51,15 +51,6 @@ bool isIdentifier(std::string_view name)
                                [](char c) { return c == '_' || base::isAsciiAlphanumeric(c); });
 }
 
-std::string freeName(const std::string& name,
-                     const std::function<bool(const std::string&)>& isTaken)
-{
-    std::string candidate = name;
-    for (int number = 2; isTaken(candidate); ++number)
-        candidate = name + std::to_string(number);
-    return candidate;
-}
-
 std::string freeName(const mx::ConstElementPtr& parent, const std::string& name)
 {
     return freeName(name, [&](const std::string& candidate)

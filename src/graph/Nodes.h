@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -19,8 +18,13 @@ namespace vyr::MaterialTranslation::graph
 bool isIdentifier(std::string_view name);
 
 /// `name`, or `name` with the smallest number from 2 behind it that is not taken.
-std::string freeName(const std::string& name,
-                     const std::function<bool(const std::string&)>& isTaken);
+template <class IsTaken> std::string freeName(const std::string& name, IsTaken isTaken)
+{
+    std::string candidate = name;
+    for (int number = 2; isTaken(candidate); ++number)
+        candidate = name + std::to_string(number);
+    return candidate;
+}
 /// The same, free in `parent`.
 std::string freeName(const MaterialX::ConstElementPtr& parent, const std::string& name);
 

@@ -188,9 +188,13 @@ bool translateGeneric(const Translation& translation)
                               "a material of schema \"" + schema + "\" without generic properties");
         return false;
     }
+    if (!Skeleton::isPossible(translation, standardSurfaceGraphSuffix))
+        return false;
     const auto material = assets::readOrReport(translation.log, [&]
                                                { return readFrom(*table, schema, translation); });
-    return material && buildStandardSurface(*material, translation);
+    if (material)
+        buildStandardSurface(*material, translation);
+    return material.has_value();
 }
 
 } // namespace vyr::MaterialTranslation::materials

@@ -39,6 +39,7 @@ struct LyrexValue
     std::variant<PlainValue, Texture> content;
 };
 
+constexpr const char* graphSuffix = "_inputGraph";
 constexpr std::string_view fraction = "layered_fraction";
 constexpr const char* fractionInvert = "layered_fraction_invert";
 
@@ -197,19 +198,16 @@ std::string userInterfaceName(const assets::Asset& asset)
     return name;
 }
 
-bool buildMaterial(const assets::Asset& asset, const LyrexFamily& family,
+void buildMaterial(const assets::Asset& asset, const LyrexFamily& family,
                    const std::vector<LyrexValue>& values, const Translation& translation)
 {
     const std::string label = userInterfaceName(asset);
-    std::optional<Skeleton> skeleton = Skeleton::build(translation, family.category, "_inputGraph");
-    if (!skeleton)
-        return false;
+    Skeleton skeleton(translation, family.category, graphSuffix);
     if (!label.empty())
-        skeleton->material()->setAttribute(mx::ValueElement::UI_NAME_ATTRIBUTE, label);
-    const LyrexWriter writer(*skeleton, translation.log);
+        skeleton.material()->setAttribute(mx::ValueElement::UI_NAME_ATTRIBUTE, label);
+    const LyrexWriter writer(skeleton, translation.log);
     for (const LyrexValue& value : values)
         writer.write(value);
-    return true;
 }
 
 } // namespace
@@ -228,9 +226,13 @@ bool translateLyrex(const Translation& translation)
                               "\"" + schema + "\" is no schema of the Lyrex family");
         return false;
     }
+    if (!Skeleton::isPossible(translation, graphSuffix))
+        return false;
     const auto values = assets::readOrReport(
         translation.log, [&] { return LyrexReader(asset, translation).read(*family); });
-    return values && buildMaterial(asset, *family, *values, translation);
+    if (values)
+        buildMaterial(asset, *family, *values, translation);
+    return values.has_value();
 }
 
 } // namespace vyr::MaterialTranslation::materials

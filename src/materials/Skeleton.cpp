@@ -14,6 +14,7 @@ namespace
 {
 
 constexpr const char* lookName = "default";
+constexpr const char* shaderSuffix = "_shader";
 
 /// The first of the names that the document already uses, or that the look needs; empty when all are
 /// free. The look itself may be there already: several materials share it.
@@ -54,37 +55,37 @@ void assignInLook(const mx::DocumentPtr& document, const std::string& material)
 
 } // namespace
 
-std::optional<Skeleton> Skeleton::build(const Translation& translation, const std::string& category,
-                                        const char* graphSuffix)
+bool Skeleton::isPossible(const Translation& translation, const char* graphSuffix)
 {
-    const mx::DocumentPtr& document = translation.document;
-    const std::string& name = translation.name;
-    const bool addLook = translation.options.addLook;
-    if (!document)
+    if (!translation.document)
     {
         translation.log.error(DiagnosticCode::NoDocument, "", "no document was given");
-        return std::nullopt;
+        return false;
     }
-    // Whatever a host's asset may throw is thrown before anything is added.
-    const std::string assetId = assets::Asset(translation.asset).identifier();
-    Skeleton skeleton;
-    skeleton._graphName = name + graphSuffix;
-    const std::string shaderName = name + "_shader";
-    if (const std::string taken =
-            takenName(document, {name, shaderName, skeleton._graphName}, addLook);
-        !taken.empty())
-    {
+    const std::string& name = translation.name;
+    const std::string taken =
+        takenName(translation.document, {name, name + shaderSuffix, name + graphSuffix},
+                  translation.options.addLook);
+    if (!taken.empty())
         translation.log.error(DiagnosticCode::NameTaken, "",
                               "the document already has an element \"" + taken + "\"");
-        return std::nullopt;
-    }
+    return taken.empty();
+}
+
+Skeleton::Skeleton(const Translation& translation, const std::string& category,
+                   const char* graphSuffix)
+    : _graphName(translation.name + graphSuffix)
+{
+    // Whatever a host's asset may throw is thrown before anything is added.
+    const std::string assetId = assets::Asset(translation.asset).identifier();
+    const mx::DocumentPtr& document = translation.document;
     document->setColorSpace(assets::linearRec709);
-    skeleton._shader = document->addNode(category, shaderName, mx::SURFACE_SHADER_TYPE_STRING);
-    skeleton._material = document->addMaterialNode(name, skeleton._shader);
-    addProvenance(skeleton._material, assetId, translation.log);
-    if (addLook)
-        assignInLook(document, name);
-    return skeleton;
+    _shader = document->addNode(category, translation.name + shaderSuffix,
+                                mx::SURFACE_SHADER_TYPE_STRING);
+    _material = document->addMaterialNode(translation.name, _shader);
+    addProvenance(_material, assetId, translation.log);
+    if (translation.options.addLook)
+        assignInLook(document, translation.name);
 }
 
 mx::OutputPtr Skeleton::addTexture(const textures::Texture& texture, const std::string& property,

@@ -92,16 +92,12 @@ class InputWriter
 
 } // namespace
 
-bool buildStandardSurface(const StandardSurface& material, const Translation& translation)
+void buildStandardSurface(const StandardSurface& material, const Translation& translation)
 {
-    std::optional<Skeleton> skeleton =
-        Skeleton::build(translation, material.params.category, "_nodegraph");
-    if (!skeleton)
-        return false;
-    const InputWriter writer(material, *skeleton, plainColorSpace(translation.options.colorMode));
+    Skeleton skeleton(translation, material.params.category, standardSurfaceGraphSuffix);
+    const InputWriter writer(material, skeleton, plainColorSpace(translation.options.colorMode));
     for (const InputRow& row : inputs)
         writer.write(row);
-    return true;
 }
 
 } // namespace vyr::MaterialTranslation::materials

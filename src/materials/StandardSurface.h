@@ -90,24 +90,27 @@ struct StandardSurface
     std::optional<Tint> tint;
 };
 
+/// What ends the name of the node graph of a standard surface.
+inline constexpr const char* standardSurfaceGraphSuffix = "_nodegraph";
+
 /// Adds a material to the translation's document: shader node, material node, the look when it is
-/// asked for, and a node graph when textures drive shader inputs.
-/// @return false, with the reason in the log and nothing added, when the document is null or one of
-///         the names is taken in it.
-bool buildStandardSurface(const StandardSurface& material, const Translation& translation);
+/// asked for, and a node graph when textures drive shader inputs. The skeleton must be possible.
+void buildStandardSurface(const StandardSurface& material, const Translation& translation);
 
 /// The elements that every material has, whatever its shading model, and that a translator fills.
 class Skeleton
 {
   public:
-    /// Adds shader node, material node and, when the options ask for it, the look that assigns the
-    /// material to all geometry, and sets the document's colour space, linear Rec.709.
-    /// @param category of the shader node, such as "standard_surface".
+    /// Whether the elements can be added: there is a document, and their names are free in it. To be
+    /// asked before anything is baked; the log says why not.
     /// @param graphSuffix ends the name of the node graph of the material's textures.
-    /// @return nothing, with the reason in the log and nothing added, when there is no document or one of
-    ///         the names is taken in it.
-    static std::optional<Skeleton> build(const Translation& translation,
-                                         const std::string& category, const char* graphSuffix);
+    static bool isPossible(const Translation& translation, const char* graphSuffix);
+
+    /// Adds shader node, material node and, when the options ask for it, the look that assigns the
+    /// material to all geometry, and sets the document's colour space, linear Rec.709. It must be
+    /// possible.
+    /// @param category of the shader node, such as "standard_surface".
+    Skeleton(const Translation& translation, const std::string& category, const char* graphSuffix);
 
     const MaterialX::NodePtr& shader() const { return _shader; }
     const MaterialX::NodePtr& material() const { return _material; }
@@ -120,8 +123,6 @@ class Skeleton
                                     const std::string& type);
 
   private:
-    Skeleton() = default;
-
     std::string _graphName;
     MaterialX::NodePtr _shader;
     MaterialX::NodePtr _material;

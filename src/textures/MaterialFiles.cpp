@@ -17,50 +17,42 @@ namespace fs = std::filesystem;
 namespace
 {
 
-/// Which files the translations under way have claimed, of all threads: two of one material name may bake
-/// the same file at the same time, and then neither may remove it.
+/// The files and folders that the translations under way make, of all threads: two of one material name may
+/// make the same ones at the same time. The last one to let go removes what was not there before them,
+/// unless one of them keeps it.
 class Claims
 {
   public:
-    void add(const fs::path& file)
+    void add(const fs::path& path)
     {
+        const std::lock_guard lock(_mutex);
+        Claim& claim = _claims[path];
         std::error_code error;
-        const bool isNew = !fs::exists(fs::symlink_status(file, error));
-        const std::lock_guard lock(_mutex);
-        Claim& claim = _claims[file];
-        claim.removable = isNew && claim.users == 0;
-        ++claim.users;
+        if (claim.users++ == 0)
+            claim.isNew = !fs::exists(fs::symlink_status(path, error));
     }
 
-    /// @return whether the file is that user's alone to remove.
-    bool release(const fs::path& file)
+    void release(const fs::path& path, bool keep)
     {
         const std::lock_guard lock(_mutex);
-        const auto claim = _claims.find(file);
-        if (claim == _claims.end())
-            return false;
-        const bool removable = claim->second.removable;
-        if (--claim->second.users == 0)
-            _claims.erase(claim);
-        return removable;
-    }
-
-    void rename(const fs::path& from, const fs::path& to)
-    {
-        const std::lock_guard lock(_mutex);
-        if (auto claim = _claims.extract(from))
-        {
-            claim.key() = to;
-            _claims.insert(std::move(claim));
-        }
+        const auto found = _claims.find(path);
+        if (found == _claims.end())
+            return;
+        Claim& claim = found->second;
+        claim.isNew = claim.isNew && !keep;
+        if (--claim.users > 0)
+            return;
+        std::error_code ignored;
+        if (claim.isNew)
+            fs::remove(path, ignored); // refuses a folder when something is in it
+        _claims.erase(found);
     }
 
   private:
     struct Claim
     {
         int users = 0;
-        /// Whether the file was not there before the only user.
-        bool removable = false;
+        bool isNew = false;
     };
 
     std::mutex _mutex;
@@ -95,24 +87,32 @@ MaterialFiles::MaterialFiles(const std::string& outputDirectory, const std::stri
 
 MaterialFiles::~MaterialFiles()
 {
-    if (!_kept)
-        discard();
-    for (const fs::path& file : _files)
-        claims().release(file);
+    release(_kept);
 }
 
 void MaterialFiles::makeFolder()
 {
     std::error_code error;
+    if (_claimedFolder.empty())
+    {
+        // One place has one name here, however the output directory is spelt.
+        const fs::path real = fs::canonical(_folder.parent_path(), error);
+        _claimedFolder = (error ? _folder.parent_path() : real) / _folder.filename();
+        claims().add(_claimedFolder);
+    }
     const fs::file_status status = fs::symlink_status(_folder, error);
     if (fs::is_directory(status))
         return;
-    error =
-        fs::exists(status) ? std::make_error_code(std::errc::not_a_directory) : std::error_code();
-    if (!error)
-        _madeFolder = fs::create_directory(_folder, error) || _madeFolder;
-    if (error)
-        throw fs::filesystem_error("create_directory", _folder, error);
+    if (fs::exists(status))
+        error = std::make_error_code(std::errc::not_a_directory);
+    else if (fs::create_directory(_folder, error); !error)
+        return;
+    throw fs::filesystem_error("create_directory", _folder, error);
+}
+
+fs::path MaterialFiles::claimOf(const fs::path& file) const
+{
+    return _claimedFolder / file.filename();
 }
 
 fs::path MaterialFiles::claim(const std::string& name, const std::vector<std::string>& others)
@@ -122,28 +122,33 @@ fs::path MaterialFiles::claim(const std::string& name, const std::vector<std::st
     const auto isFree = [&](const std::string& candidate)
     {
         const fs::path place = placeOf(candidate);
-        return !isOwn(place) &&
-               std::ranges::none_of(others, [&](const std::string& other)
-                                    { return base::isSameFile(base::pathFromUtf8(other), place); });
+        const auto isPlace = [&](const std::string& other)
+        {
+            const fs::path image = base::pathFromUtf8(other).lexically_normal();
+            return image == place.lexically_normal() || base::isSameFile(image, place);
+        };
+        return !isOwn(place) && std::ranges::none_of(others, isPlace);
     };
-    fs::path place = placeOf(base::numberedName(name, isFree));
-    claims().add(place);
+    fs::path place = placeOf(base::firstFreeName(name, isFree));
+    claims().add(claimOf(place));
     _files.push_back(place);
     return place;
 }
 
 void MaterialFiles::drop(const fs::path& file)
 {
-    std::error_code ignored;
-    if (std::erase(_files, file) != 0 && claims().release(file))
-        fs::remove(file, ignored);
-    if (_files.empty() && _madeFolder)
-        fs::remove(_folder, ignored); // refuses when something is in it
+    if (std::erase(_files, file) != 0)
+        claims().release(claimOf(file), false);
 }
 
-void MaterialFiles::rename(const fs::path& from, const fs::path& to)
+void MaterialFiles::move(const fs::path& from, const fs::path& to)
 {
-    claims().rename(from, to);
+    std::error_code error;
+    claims().add(claimOf(to));
+    fs::rename(from, to, error);
+    claims().release(claimOf(error ? to : from), true);
+    if (error)
+        throw fs::filesystem_error("rename", from, to, error);
     std::ranges::replace(_files, from, to);
 }
 
@@ -152,13 +157,13 @@ bool MaterialFiles::isOwn(const fs::path& file) const
     return std::ranges::find(_files, file) != _files.end();
 }
 
-void MaterialFiles::discard()
+void MaterialFiles::release(bool keep)
 {
-    std::error_code ignored;
-    if (_files.empty() && _madeFolder)
-        fs::remove(_folder, ignored); // refuses when something is in it
-    while (!_files.empty())
-        drop(fs::path(_files.back()));
+    for (const fs::path& file : _files)
+        claims().release(claimOf(file), keep);
+    _files.clear();
+    if (!_claimedFolder.empty())
+        claims().release(std::exchange(_claimedFolder, fs::path()), false);
 }
 
 void MaterialFiles::keep(std::unique_ptr<MaterialFiles> files)
@@ -176,7 +181,7 @@ namespace vyr::MaterialTranslation
 void discardLastBakes()
 {
     if (const auto files = std::exchange(textures::lastFiles(), nullptr))
-        files->discard();
+        files->release(false);
 }
 
 void setBakeSettings(const BakeSettings& settings)

@@ -37,19 +37,19 @@ class MaterialFiles
     /// @param others texts of paths.
     std::filesystem::path claim(const std::string& name, const std::vector<std::string>& others);
 
-    /// Says that nothing came of a file, or that nothing needs it: it is removed if this translation made
-    /// it and no other uses it.
+    /// Says that nothing came of a file, or that nothing needs it.
     void drop(const std::filesystem::path& file);
 
-    /// Says that a file has got another place.
-    void rename(const std::filesystem::path& from, const std::filesystem::path& to);
+    /// Gives a file another place in the folder, and replaces what is there.
+    /// @throws std::filesystem::filesystem_error "rename"
+    void move(const std::filesystem::path& from, const std::filesystem::path& to);
 
     /// Whether the file was claimed: only such files may be moved.
     bool isOwn(const std::filesystem::path& file) const;
 
-    /// Removes all files that this translation made and no other uses, and the folder if it made that too
-    /// and it is empty.
-    void discard();
+    /// Lets go of all files. What is not kept is removed, if it was not there before and no other
+    /// translation under way makes or has made it too, and so is a new folder in which nothing is left.
+    void release(bool keep);
 
     /// Keeps the files of a translation that succeeded, until the next one of this thread, so that
     /// discardLastBakes can still remove them.
@@ -57,8 +57,11 @@ class MaterialFiles
     static void keep(std::unique_ptr<MaterialFiles> files);
 
   private:
+    std::filesystem::path claimOf(const std::filesystem::path& file) const;
+
     std::filesystem::path _folder;
-    bool _madeFolder = false;
+    /// What the folder is called where translations are told apart; empty until it is needed.
+    std::filesystem::path _claimedFolder;
     bool _kept = false;
     std::vector<std::filesystem::path> _files;
 };
