@@ -9,7 +9,7 @@
 #         graph
 #         SOURCES NamesTest.cpp ValuesTest.cpp
 #         MODULES graph
-#         LIBRARIES vyr_test_support
+#         LIBRARIES MaterialXFormat
 #     )
 #
 # Never link modules and vyr::mtlx_converter together: everything would be there twice.

@@ -171,7 +171,10 @@ class NewFile
             return busy();
         // Between its making and its lock another process may have taken the file over and renamed it:
         // what has the name now is not ours to remove.
-        if (!isOnlyName(path))
+        struct stat opened = {};
+        if (::fstat(_descriptor, &opened) != 0)
+            return lastError();
+        if (!isOnlyName(path, opened))
             return busy();
         // Some file systems write a file to the disk at once when it was emptied, even of nothing.
         return made || ::ftruncate(_descriptor, 0) == 0 ? std::error_code() : lastError();
@@ -254,13 +257,12 @@ class NewFile
   private:
     /// Whether the open file is an ordinary one that has this name and no other: its last owner may have
     /// renamed it after it was opened here.
-    bool isOnlyName(const fs::path& path) const
+    static bool isOnlyName(const fs::path& path, const struct stat& opened)
     {
-        struct stat opened = {};
         struct stat named = {};
-        return ::fstat(_descriptor, &opened) == 0 && S_ISREG(opened.st_mode) &&
-               opened.st_nlink == 1 && ::lstat(path.c_str(), &named) == 0 &&
-               opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
+        return S_ISREG(opened.st_mode) && opened.st_nlink == 1 &&
+               ::lstat(path.c_str(), &named) == 0 && opened.st_ino == named.st_ino &&
+               opened.st_dev == named.st_dev;
     }
 
     int _descriptor = -1;

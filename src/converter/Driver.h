@@ -27,7 +27,7 @@ bool translate(const assets::IAssetInstance& asset, const std::string& name,
 /// lets the input name the copy, by its absolute path.
 ///
 /// A file is copied once however many inputs name it; it is not copied again while the copy has its
-/// size and is not older. Different files of one name, also if only their case differs, get
+/// size and is newer, or has its time and its bytes. Different files of one name, also if only their case differs, get
 /// different names. A user's file is never moved, a missing one stays as it is in the document.
 /// When nothing can be written, a folder made for it is gone again.
 /// @param firstChild of the document that belongs to the translation: another material's files are not

@@ -44,22 +44,22 @@ using enum TextureRole;
 /// All of them. The rules name no other: `row` would not compile.
 constexpr GenericProperty properties[] = {
     {"color_by_object"},
-    {"generic_diffuse", "base_color", Value, "generic_diffuse_image_fade"},
+    {"generic_diffuse", shaderInput("base_color"), Value, "generic_diffuse_image_fade"},
     {"generic_diffuse_image_fade"},
-    {"generic_reflectivity_at_0deg", "specular"},
+    {"generic_reflectivity_at_0deg", shaderInput("specular")},
     {"generic_is_metal"},
-    {"generic_glossiness", "specular_roughness"},
-    {"generic_transparency", "transmission", Value, "generic_transparency_image_fade"},
+    {"generic_glossiness", shaderInput("specular_roughness")},
+    {"generic_transparency", shaderInput("transmission"), Value, "generic_transparency_image_fade"},
     {"generic_transparency_image_fade"},
-    {"generic_refraction_translucency_weight", "transmission_color", Value, nullptr, nullptr,
-     mayBeTransparent},
+    {"generic_refraction_translucency_weight", shaderInput("transmission_color"), Value, nullptr,
+     nullptr, mayBeTransparent},
     {"generic_refraction_index"},
-    {"generic_cutout_opacity", "opacity"},
+    {"generic_cutout_opacity", shaderInput("opacity")},
     {"generic_self_illum_luminance"},
-    {"generic_self_illum_filter_map", "emission_color", Value, nullptr,
+    {"generic_self_illum_filter_map", shaderInput("emission_color"), Value, nullptr,
      "generic_self_illum_luminance"},
     {"generic_bump_amount"},
-    {"generic_bump_map", "normal", Relief, nullptr, "generic_bump_amount"},
+    {"generic_bump_map", shaderInput("normal"), Relief, nullptr, "generic_bump_amount"},
 };
 
 consteval const GenericProperty& row(std::string_view name)
@@ -297,6 +297,13 @@ class GenericRules
 };
 
 } // namespace
+
+std::vector<std::string> genericPropertyNames()
+{
+    std::vector<std::string> names;
+    std::ranges::transform(properties, std::back_inserter(names), &GenericProperty::name);
+    return names;
+}
 
 StandardSurface readGenericProperties(const assets::Asset& asset, const Translation& translation)
 {

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <variant>
 
 #include <MaterialXCore/Document.h>
 #include <MaterialXCore/Types.h>
@@ -65,6 +69,50 @@ struct StandardSurfaceParams
     MaterialX::Vector3 tangent{1.0f, 1.0f, 1.0f};
     std::string category = "standard_surface";
 };
+
+/// A shader input that documents have: where its plain value comes from, and its type when a texture drives
+/// it.
+struct StandardSurfaceInput
+{
+    using Params = StandardSurfaceParams;
+    using Field =
+        std::variant<std::monostate, float Params::*, Params::Color Params::*, bool Params::*>;
+
+    const char* name;
+    /// Without a field the input is only written when a texture drives it.
+    Field field;
+    const char* type = "float";
+};
+
+// The inputs in the order in which documents have them: the four that make the material's nature, then
+// the shading model's own order.
+inline constexpr StandardSurfaceInput standardSurfaceInputs[] = {
+    {"base", &StandardSurfaceParams::base},
+    {"metalness", &StandardSurfaceParams::metalness},
+    {"base_color", &StandardSurfaceParams::base_color, "color3"},
+    {"specular", &StandardSurfaceParams::specular},
+    {"diffuse_roughness", &StandardSurfaceParams::diffuse_roughness},
+    {"specular_roughness", &StandardSurfaceParams::specular_roughness},
+    {"specular_IOR", &StandardSurfaceParams::specular_IOR},
+    {"transmission", &StandardSurfaceParams::transmission},
+    {"transmission_color", &StandardSurfaceParams::transmission_color, "color3"},
+    {"subsurface", &StandardSurfaceParams::subsurface},
+    {"coat", &StandardSurfaceParams::coat},
+    {"coat_roughness", &StandardSurfaceParams::coat_roughness},
+    {"coat_IOR", &StandardSurfaceParams::coat_IOR},
+    {"emission", &StandardSurfaceParams::emission},
+    {"emission_color", &StandardSurfaceParams::emission_color, "color3"},
+    {"opacity", &StandardSurfaceParams::opacity, "color3"},
+    {"thin_walled", &StandardSurfaceParams::thin_walled},
+    {"normal", std::monostate(), "vector3"},
+};
+
+/// The name of an input that documents have; any other name does not compile.
+consteval const char* shaderInput(std::string_view name)
+{
+    const auto* found = std::ranges::find(standardSurfaceInputs, name, &StandardSurfaceInput::name);
+    return found != std::end(standardSurfaceInputs) ? found->name : throw "an input without a row";
+}
 
 /// A texture, and the property that names its node.
 struct DrivingTexture

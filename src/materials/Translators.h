@@ -50,6 +50,9 @@ void applyColorPass(StandardSurfaceParams& params, std::int32_t colorMode);
 /// @throws what the asset library and MaterialX throw, `std::invalid_argument` apart.
 bool translateGeneric(const Translation& translation);
 
+/// All properties that the rules of the generic table know.
+std::vector<std::string> genericPropertyNames();
+
 /// Reads the "generic_..." properties of a table into shader values and textures, and warns about
 /// what the table says that the document will not.
 /// @param asset with the table that holds the generic properties.

@@ -211,6 +211,13 @@ void TextureSet::dropUnused()
             _translation.files.drop(base::pathFromUtf8(entry.reading->texture.file));
 }
 
+std::vector<std::string> textureSchemas()
+{
+    std::vector<std::string> schemas;
+    std::ranges::transform(kinds, std::back_inserter(schemas), &KindRow::schema);
+    return schemas;
+}
+
 mx::OutputPtr addTexture(const Texture& texture, const mx::NodeGraphPtr& graph,
                          const std::string& name, const std::string& type)
 {

@@ -173,6 +173,9 @@ class TextureSet
     std::vector<Entry> _entries;
 };
 
+/// The schemas of the kinds of textures that are known in some role.
+std::vector<std::string> textureSchemas();
+
 /// Adds a texture's node and its output to a node graph.
 /// @param type MaterialX's name of the value type.
 MaterialX::OutputPtr addTexture(const Texture& texture, const MaterialX::NodeGraphPtr& graph,

@@ -8,7 +8,6 @@
 #include <cstring>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -66,8 +65,6 @@ extern "C"
         return static_cast<type>(unless(#name, __VA_ARGS__));                                      \
     }
     VYR_FAULT(int, flock, (int file, int what) noexcept, SYS_flock, file, what)
-    VYR_FAULT(int, fstat, (int file, struct stat* result) noexcept, SYS_newfstatat, file, "",
-              result, AT_EMPTY_PATH)
     VYR_FAULT(int, linkat, (int from, const char* a, int to, const char* b, int flags) noexcept,
               SYS_linkat, from, a, to, b, flags)
     VYR_FAULT(int, rename, (const char* from, const char* to) noexcept, SYS_renameat2, AT_FDCWD,

@@ -43,11 +43,7 @@ TEST(Names, ThatReachElsewhereOrNameADeviceAreUnsafe)
 TEST(Names, BecomePortable)
 {
     const std::pair<std::string, std::string> cases[] = {
-        {"100% oak & \xC3\xA9 'x' #1 [a]{b}.png", "100% oak & \xC3\xA9 'x' #1 [a]{b}.png"},
-        {"a<b>c:d\"e|f?g*h.png", "a_b_c_d_e_f_g_h.png"},
-        {"a\x01\x1F\x7Fz", "a___z"},
-        {"wood.png ", "wood.png"},
-        {"a..", "a"},
+        {"a<b>c:d\"e|f?g*h\x01\x1F\x7F.png", "a_b_c_d_e_f_g_h___.png"},
         {"...", "_"},
         {std::string(300, 'x') + ".png", std::string(196, 'x') + ".png"},
         {"." + std::string(300, 'x'), "." + std::string(199, 'x')},
@@ -88,11 +84,8 @@ TEST(Text, FoldsCaseAndForm)
                                {"\xC3\x89t\xC3\xA9", "e\xCC\x81T\xC3\x89"}, // composed, decomposed
                                {"\xC4\xB0", "i\xCC\x87"}, // a capital I with its dot
                                {"\xCE\xA3", "\xCF\x82"},  // the sigma at the end of words
-                               {"\xE1\xBA\x9E", "\xC3\xBF" + 2 * 0}})
-        EXPECT_EQ(foldCase(a) == foldCase(b), std::string(b) != "\xC3\xBF") << a << " " << b;
-    EXPECT_EQ(foldCase("stra\xC3\x9F"
-                       "e"),
-              foldCase("STRASSE"));
+                               {"\xC3\x9F", "SS"}})
+        EXPECT_EQ(foldCase(a), foldCase(b)) << a << " " << b;
     EXPECT_NE(foldCase("\xC3\xA9"), foldCase("e"));
     EXPECT_EQ(foldCase("A\xFF"), "a\xFF") << "no UTF-8";
     EXPECT_TRUE(equalsIgnoringCase("UTF-8", "utf-8"));
@@ -127,37 +120,7 @@ TEST(Text, IsQuotedOnOneLine)
 {
     EXPECT_EQ(printable("a\nb\x1B[0m\t\x7F"), "a\\nb\\x1b[0m\\x09\\x7f");
     EXPECT_EQ(inQuotes("oak"), "\"oak\"");
-    const std::string cut = inQuotes(std::string(500, 'x'));
-    EXPECT_LT(cut.size(), 120u);
-    EXPECT_GT(cut.size(), 40u);
-    EXPECT_EQ(cut.front(), '"');
-    const std::string_view words[] = {"a", "b", "c"};
-    EXPECT_EQ(listed(words), "a, b or c");
-    EXPECT_EQ(listed(std::span(words, 2)), "a or b");
-    EXPECT_EQ(listed(std::span(words, 1)), "a");
-}
-
-TEST(Text, SuggestsWhatIsNear)
-{
-    const std::string_view known[] = {"scalar", "string", "color"};
-    for (const char* word : {"sclar", "Scalar", "scalars", "scaler", "SCALAR"})
-        EXPECT_NE(suggestion(word, known).find("\"scalar\""), std::string::npos) << word;
-    for (const char* word : {"", "x", "boolean", "reference"})
-        EXPECT_EQ(suggestion(word, known), "") << word;
-}
-
-TEST(Text, CountsLinesAndCharacters)
-{
-    const std::string text = "ab\n\xC3\xA9\xE6\x9C\xA8x\n";
-    const std::pair<std::size_t, std::pair<std::size_t, std::size_t>> cases[] = {
-        {0, {1, 1}}, {1, {1, 2}}, {2, {1, 3}},  {3, {2, 1}},  {5, {2, 2}},
-        {8, {2, 3}}, {9, {2, 4}}, {10, {3, 1}}, {999, {3, 1}}};
-    for (const auto& [offset, place] : cases)
-    {
-        const LineColumn found = lineColumnOf(text, offset);
-        EXPECT_EQ(std::pair(found.line, found.column), place) << offset;
-    }
-    EXPECT_EQ(characterCount("\xC3\xA9\xE6\x9C\xA8x"), 3u);
+    EXPECT_EQ(inQuotes(std::string(500, 'x')), '"' + std::string(80, 'x') + "...\"");
 }
 
 TEST(Text, IsANumberAsAWholeOrNot)

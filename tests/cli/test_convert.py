@@ -5,7 +5,6 @@ import os
 import struct
 import sys
 import unittest
-import xml.etree.ElementTree as ElementTree
 import zlib
 
 from support import BROKEN, GREY, MISSPELT, ToolTest, material, textured
@@ -16,47 +15,19 @@ class Convert(ToolTest):
         self.library(material("m-1", "Brick Wall"), material("m-2", "3D Grid"), file="a.json")
         self.library(material("m-3", "\u58c1"), file="b.json")
         result = self.convert("b.json", "a.json")
-        names = ["XID__m3", "BrickWall", "M3DGrid"]
-        self.assertEqual(result.stdout.splitlines(), [f"out/{name}.mtlx" for name in names])
+        self.assertEqual(result.stdout, "out/XID__m3.mtlx\nout/BrickWall.mtlx\nout/M3DGrid.mtlx\n")
         self.assertEqual(result.stderr, "")
-        for name in names:
-            root = ElementTree.fromstring(self.written()[name + ".mtlx"])
-            self.assertEqual(root.get("version"), "1.39")
-            self.assertEqual([node.get("name") for node in root.iter("surfacematerial")], [name])
         # A selection keeps the order of the input.
         result = self.convert("--asset", "m-2", "a.json", "--asset=m-1", "--asset", "m-2")
         self.assertEqual(result.stdout, "out/BrickWall.mtlx\nout/M3DGrid.mtlx\n")
 
-    def test_options_reach_the_converter(self):
-        self.library(material("m-1", "Wall", {**GREY, "generic_glossiness": 0.5}))
-        plain = self.convert("lib.json") and self.written()["Wall.mtlx"]
-        for options, expected in [
-            (["--look"], b"<look "),
-            (["--color-mode", "-3"], b"0.5, 0.5, 0.5"),
-            (["--roughness-mode", "1"], b'value="0.155'),
-        ]:
-            self.convert("lib.json", *options)
-            self.assertNotIn(expected, plain)
-            self.assertIn(expected, self.written()["Wall.mtlx"])
-        self.assertEqual(self.convert("lib.json", "--id-names").stdout, "out/XID_Wall_m1.mtlx\n")
-        self.assertIn("generic_glossiness", self.convert("lib.json", "--verbose").stdout)
-        self.assertNotIn("generic_glossiness", self.convert("lib.json").stdout)
-        self.convert("lib.json", "--legacy", status=1)
-
-    def test_a_failed_material(self):
-        self.library(material("mat-1", "Good"), material("mat-3", "Bad", BROKEN), material("mat-4", "Last"))
-        (self.folder / "out").mkdir()
-        (self.folder / "out/Bad.mtlx").write_text("of an earlier run")
-        result = self.convert("lib.json", status=1)
-        message = "ePropertyType_Scalar: generic_glossiness"
-        self.assertEqual(result.stderr, f'lib.json: material "mat-3" (GenericSchema): {message}\n')
-        self.assertEqual(result.stdout, "out/Good.mtlx\nout/Last.mtlx\n")
-        self.assertEqual((len(self.written()), self.written()["Bad.mtlx"]), (3, b"of an earlier run"))
-
     def test_report_and_strict(self):
         self.library(material("a", "One", MISSPELT), material("b", "Two", BROKEN), material("c", "one"))
-        result = self.convert("lib.json", "--report", "report.json", status=1)
-        self.assertRegex(result.stderr, r'^lib.json: warning: material "a" \(GenericSchema\): .*: generic_difuse\n')
+        (self.folder / "out").mkdir()
+        (self.folder / "out/Two.mtlx").write_text("of an earlier run")
+        self.convert("lib.json", "--report", "report.json", status=1)
+        self.assertEqual((len(self.written()), self.written()["Two.mtlx"]), (2, b"of an earlier run"))
+        (self.folder / "out/Two.mtlx").unlink()
         one, two, three = self.report()
         warning = one["warnings"].pop()
         self.assertEqual((warning["code"], warning["property"]), ("property-unread", "generic_difuse"))
@@ -72,16 +43,7 @@ class Convert(ToolTest):
             self.convert("lib.json", "--asset", "a", *options, status=status)
             self.assertEqual(list(self.written()), ["One.mtlx"])
 
-    def test_names_that_cannot_be(self):
-        self.library(material("a", "Con"), material("b", "Lpt-1"), material("c", "Com0"), material("d", "Wall"), file="a.json")
-        self.library(material("x", "wall"), material("y", "Console"), file="b.json")
-        result = self.convert("a.json", "b.json", status=1)
-        self.assertEqual(sorted(self.written()), ["Console.mtlx", "Wall.mtlx"])
-        lines = result.stderr.splitlines()
-        self.assertEqual([line.split('"')[1] for line in lines], ["a", "b", "c", "x"])
-        self.assertIn('material "d" (GenericSchema) of a.json', lines[3])
-        self.assertEqual(result.stderr.count("--id-names"), 4)
-        self.convert("a.json", "b.json", "--id-names")
+    def test_names_that_identifiers_keep_apart_or_not(self):
         # Cleaning can make one name of two identifiers; only the third has one that helps.
         self.library(*(material(id, "Wall") for id in ("a.b", "AB", "c")), material("?", ""), material("!", ""))
         lines = self.convert("lib.json", status=1).stderr.splitlines()

@@ -91,6 +91,7 @@ class Files(ToolTest):
             capture_output=True, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (64, 64)),
         )
         self.assertEqual(result.returncode, 1)
+        self.assertRegex(result.stderr, rb'material "c" \(GenericSchema\): \S+/grey_normalmap.png: cannot be written: ')
         self.assertEqual([path.name for path in (self.folder / "out").rglob("*")], ["Gate"])
 
 

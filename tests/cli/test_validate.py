@@ -2,7 +2,7 @@
 
 import unittest
 
-from support import ToolTest, material, textured
+from support import ToolTest, bitmap, material, textured
 
 BAD = """<?xml version="1.0"?>
 <materialx version="1.39">
@@ -52,12 +52,19 @@ class Forms(ToolTest):
         self.assertNotIn(b"kvor", documents["standard"])
         self.assertIn(b"<image ", documents["standard"])
 
-    def test_an_invalid_document_fails_and_is_not_written(self):
-        self.library(textured("m-1", "Wall", "gone.png"), material("m-2", "Plain"))
+    def test_an_invalid_document_fails_and_leaves_nothing(self):
+        relief = {"generic_bump_map": bitmap("grey.png"), "generic_bump_amount": 1.0, "generic_diffuse": bitmap("gone.png")}
+        self.library(material("m-1", "Wall", relief), material("m-2", "Plain"))
         result = self.convert("lib.json", "--validate", status=1)
         self.assertEqual(result.stdout, "out/Plain.mtlx\n")
         self.assertRegex(result.stderr, r'material "m-1" \(GenericSchema\): invalid document: \S+/file: there is no file')
-        self.assertEqual(sorted(self.written()), ["Plain.mtlx"])
+        self.assertEqual([path.name for path in (self.folder / "out").rglob("*")], ["Plain.mtlx"])
+        # What was there before stays.
+        self.convert("lib.json")
+        before = self.written()
+        self.assertEqual(sorted(before), ["Plain.mtlx", "Wall.mtlx", "Wall/grey_normalmap.png"])
+        self.convert("lib.json", "--validate", status=1)
+        self.assertEqual(self.written(), before)
 
 
 if __name__ == "__main__":

@@ -49,16 +49,6 @@ class Definitions(unittest.TestCase):
                     if value.getUnitType() in ("angle", "luminance"):
                         self.assertTrue(value.getUnit(), "MaterialX converts to the unit of the scene's lengths without one")
 
-    def test_placement_is_the_same_on_every_texture(self):
-        def attributes(value):
-            return {a: value.getAttribute(a) for a in value.getAttributeNames() if (value.getName(), a) != ("file", "doc")}
-
-        textures = [{i.getName(): attributes(i) for i in d.getInputs()} for d in nodes() if d.getInput("file")]
-        placement = set.intersection(*map(set, textures))
-        self.assertEqual((len(nodes()), len(textures), len(placement)), (11, 6, 8))
-        for name in placement:
-            self.assertTrue(all(texture[name] == textures[0][name] for texture in textures), name)
-
 
 class Shaders(unittest.TestCase):
     def test_every_generator(self):

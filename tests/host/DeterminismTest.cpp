@@ -108,21 +108,11 @@ TEST_F(Determinism, ThreadsWithTheirOwnConvertersGiveTheSameBytes)
 /// writers differ (where the form changes, where digits carry over, the ends), then all over the exponents.
 TEST_F(Determinism, NumbersAreWrittenAsTheHostAsked)
 {
-    std::vector<float> hard = {0.0f,
-                               -0.0f,
-                               0.1f,
-                               0.333333343f,
-                               9.999995e-5f,
-                               0.0001f,
-                               0.9999995f,
-                               99999.95f,
-                               999999.4f,
-                               999999.5f,
-                               1e6f,
-                               123456789.0f,
-                               1.17549435e-38f,
-                               1e-45f,
-                               3.40282347e38f};
+    // clang-format off
+    std::vector<float> hard = {
+        0.0f, -0.0f, 0.1f, 0.333333343f, 9.999995e-5f, 0.0001f, 0.9999995f, 99999.95f, 999999.4f, 999999.5f,
+        1e6f, 123456789.0f, 1.17549435e-38f, 1e-45f, 3.40282347e38f};
+    // clang-format on
     std::uint32_t bits = 1;
     while (hard.size() < 60)
     {

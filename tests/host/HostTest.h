@@ -6,14 +6,14 @@
 #include <vector>
 
 #include <MaterialXCore/Document.h>
-
+#include <MaterialXFormat/Util.h>
+#include <MaterialXFormat/XmlIo.h>
 #include <gtest/gtest.h>
 
 #include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/MaterialXConverter.h>
 
-#include "support/Documents.h"
-#include "support/HostileAssets.h"
+#include "host/HostileAssets.h"
 
 namespace vyr::hosttests
 {
@@ -22,7 +22,8 @@ namespace mx = MaterialX;
 namespace fs = std::filesystem;
 
 using namespace vyr::MaterialTranslation;
-using namespace vyr::support;
+using support::readFile;
+using support::TemporaryFolder;
 
 using Codes = std::vector<DiagnosticCode>;
 using Names = std::vector<std::string>;
@@ -47,6 +48,51 @@ inline Codes lastCodes()
     for (const Diagnostic& diagnostic : lastDiagnostics())
         codes.push_back(diagnostic.code);
     return codes;
+}
+
+/// The document as text.
+inline std::string xmlOf(const mx::DocumentPtr& document)
+{
+    return mx::writeToXmlString(document);
+}
+
+/// An input of a top-level node; null when there is none.
+inline mx::InputPtr inputOf(const mx::DocumentPtr& document, const std::string& node,
+                            const std::string& input)
+{
+    const mx::NodePtr found = document->getNode(node);
+    return found ? found->getInput(input) : nullptr;
+}
+
+/// Whether the document validates against MaterialX's data library and the project's own definitions, every
+/// node in it has a definition, and it reads back equal from its own text.
+inline ::testing::AssertionResult isSound(const mx::DocumentPtr& document)
+{
+    static const mx::DocumentPtr library = []
+    {
+        const mx::DocumentPtr loaded = mx::createDocument();
+        for (const mx::FilePath folder :
+             {VYR_MATERIALX_LIBRARIES, VYR_SOURCE_DIR "/libraries/kvor"})
+            mx::loadLibraries({folder.getBaseName()}, mx::FileSearchPath(folder.getParentPath()),
+                              loaded);
+        return loaded;
+    }();
+    const std::string text = xmlOf(document);
+    const mx::DocumentPtr copy = document->copy();
+    copy->setDataLibrary(library);
+    std::string message;
+    if (!copy->validate(&message))
+        return ::testing::AssertionFailure() << message << "\n" << text;
+    for (const mx::ElementPtr& element : copy->traverseTree())
+        if (const auto node = element->asA<mx::Node>(); node && !node->getNodeDef())
+            return ::testing::AssertionFailure()
+                   << "no definition fits " << node->getNamePath() << "\n"
+                   << text;
+    const mx::DocumentPtr again = mx::createDocument();
+    mx::readFromXmlString(again, text);
+    if (!(*document == *again) || xmlOf(again) != text)
+        return ::testing::AssertionFailure() << "the document reads back differently:\n" << text;
+    return ::testing::AssertionSuccess();
 }
 
 /// What one translation into an empty document yielded.
@@ -78,7 +124,6 @@ class HostTest : public ::testing::Test
             ADD_FAILURE() << breach;
         watch().breaches.clear();
         watch().assets.clear();
-        watch().clones = 0;
         watch().live = 0;
         redirectTemporaryDirectory(_temporaryDirectory);
     }

@@ -1,5 +1,6 @@
 // unload PLUGIN: loads a plugin, and with it the library, lets it register assets with an instance that is never
-// released, and unloads both; three times. It must end with status 0 and say "end".
+// released, and unloads the plugin; three times. Whether the system then unmaps the library is its own affair.
+// It must end with status 0 and say "end".
 
 #include <iostream>
 

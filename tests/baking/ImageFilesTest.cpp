@@ -1,5 +1,3 @@
-#include "baking/ImageFile.h"
-
 #include <chrono>
 #include <cmath>
 #include <thread>
@@ -10,7 +8,10 @@
 
 #include <MaterialTranslation/Export.h>
 
+#include "baking/ImageFile.h"
 #include "baking/Images.h"
+#include "baking/MaterialBakes.h"
+#include "baking/NoiseImage.h"
 #include "baking/NormalImage.h"
 #include "support/TemporaryFolder.h"
 
@@ -26,6 +27,9 @@ namespace vyr::MaterialTranslation::baking
 
 namespace
 {
+
+using support::readFile;
+using support::TemporaryFolder;
 
 struct Format
 {
@@ -58,7 +62,7 @@ std::string encoded(const Format& format)
 /// Bakes a file of given bytes in an empty folder; after a failure nothing may be left.
 BakeResult baked(const std::string& name, const std::string& bytes)
 {
-    static const support::TemporaryFolder folder;
+    static const TemporaryFolder folder;
     const auto source = folder.write(name, bytes);
     const auto destination = folder / "normals.png";
     NormalBakeOptions options;
@@ -75,11 +79,30 @@ BakeResult baked(const std::string& name, const std::string& bytes)
     return result;
 }
 
+NoiseBakeOptions noiseOptions(int size)
+{
+    NoiseBakeOptions options;
+    options.width = options.height = size;
+    options.type = "noise_fractal";
+    options.size = 10.0f;
+    options.levels = 40.0f;
+    options.thresholdLow = 0.1f;
+    options.thresholdHigh = 0.9f;
+    return options;
+}
+
+OIIO::ImageBuf read(const std::filesystem::path& path)
+{
+    OIIO::ImageBuf image(TemporaryFolder::utf8(path));
+    image.read(0, 0, true, OIIO::TypeFloat);
+    return image;
+}
+
 } // namespace
 
 TEST(HeightImage, OfEachFormatIsItsFirstChannel)
 {
-    const support::TemporaryFolder folder;
+    const TemporaryFolder folder;
     for (const Format& format : formats)
     {
         // What a file is says its content, but for targa, which has no mark.
@@ -140,7 +163,7 @@ TEST(HeightImage, OfAnUnwantedKindIsRefusedWithTheReason)
         EXPECT_NE(message.find(name), std::string::npos) << message;
         EXPECT_NE(message.find(reason), std::string::npos) << message;
     }
-    const support::TemporaryFolder folder;
+    const TemporaryFolder folder;
     EXPECT_THROW(readHeightImage(folder.path(), {}), BakeError);
     const auto four = folder.write("four.png", encoded(formats[0]));
     EXPECT_NO_THROW(readHeightImage(four, {40 * 30, 4}));
@@ -149,7 +172,7 @@ TEST(HeightImage, OfAnUnwantedKindIsRefusedWithTheReason)
 
 TEST(WriteImage, KeepsFloatsWhereTheFormatHasThemAndRoundsAsTheImageLibraryDoes)
 {
-    const support::TemporaryFolder folder;
+    const TemporaryFolder folder;
     OIIO::ImageBuf image = picture(40, 30, 3);
     const OIIO::ImageBuf first = OIIO::ImageBufAlgo::channels(image, 1, {});
     const std::string names[] = {"a.exr", "a.TIFF", "a.pfm", "a.png",
@@ -163,7 +186,7 @@ TEST(WriteImage, KeepsFloatsWhereTheFormatHasThemAndRoundsAsTheImageLibraryDoes)
     for (const std::string& name : names)
     {
         writeImage(image, folder / ("b" + name), 1);
-        EXPECT_EQ(support::readFile(folder / name), support::readFile(folder / ("b" + name)));
+        EXPECT_EQ(readFile(folder / name), readFile(folder / ("b" + name)));
     }
     const float odd[] = {0.5f, -1.0f, 2.0f, 1.0f / 510.0f, 0.25f};
     image.set_pixels(OIIO::ROI(0, 5, 0, 1, 0, 1, 0, 1), OIIO::TypeFloat, odd);
@@ -175,7 +198,7 @@ TEST(WriteImage, KeepsFloatsWhereTheFormatHasThemAndRoundsAsTheImageLibraryDoes)
 
 TEST(WriteImage, RefusesWhatItCannotWriteSafely)
 {
-    const support::TemporaryFolder folder;
+    const TemporaryFolder folder;
     for (const char* name : {"a.JPEG", "a.jfif", "a.null", "a.txt", "png", "a.hdr", "a.ppm"})
         EXPECT_THROW(writeImage(picture(4, 3, 1), folder / name), WriteError) << name;
     EXPECT_TRUE(folder.entries().empty());
@@ -198,6 +221,86 @@ TEST(EncodePng, IsNotMuchLargerThanByDefault)
         EXPECT_LE(static_cast<double>(chosen), most * static_cast<double>(byDefault));
         EXPECT_NE(chosen, byDefault) << "compressed by default, which is the slowest way";
     }
+}
+
+TEST(MaterialBakes, OfBumpImagesTakeTheImagesOwnAttributes)
+{
+    const TemporaryFolder folder;
+    OIIO::ImageBuf height = picture(32, 24, 2);
+    height.specmod().attribute("bump_amount", 0.5f);
+    BumpBake bump;
+    bump.image = folder / "bröck.v2.exr";
+    writeImage(height, bump.image);
+    const BakeOutcome outcome = bakeBump(bump, folder / "baked.png");
+    ASSERT_EQ(outcome.status, BakeStatus::Done) << outcome.message;
+    writeImage(bakeNormalImage(height, height.spec()), folder / "expected.png");
+    EXPECT_EQ(readFile(folder / "baked.png"), readFile(folder / "expected.png"));
+
+    NormalBakeOptions options;
+    options.bumpAmount = 0.25f;
+    options.realWorldScale = {2.0f, 4.0f};
+    options.bumpScale = {1.0f, 3.0f};
+    ASSERT_TRUE(bakeNormalMapFile(bump.image, folder / "normal.exr", options).success);
+    EXPECT_TRUE(sameBits(read(folder / "normal.exr"), bakeNormals(height, options)));
+}
+
+TEST(MaterialBakes, OfNoiseAreItsNormals)
+{
+    const TemporaryFolder folder;
+    const NoiseBumpBake bump{noiseOptions(64), 0.25f};
+    const BakeOutcome outcome = bakeNoiseBump(bump, folder / "baked.png");
+    ASSERT_EQ(outcome.status, BakeStatus::Done) << outcome.message;
+    ASSERT_EQ(outcome.warnings.size(), 1U);
+    EXPECT_NE(outcome.warnings[0].find("baked.png: 40 noise levels"), std::string::npos);
+    ASSERT_TRUE(bakeNoiseFile(folder / "noise.exr", bump.noise).success);
+    const OIIO::ImageBuf noise = read(folder / "noise.exr");
+    EXPECT_TRUE(sameBits(noise, bakeNoise(bump.noise)));
+    NormalBakeOptions options;
+    options.bumpAmount = 0.25f;
+    writeImage(bakeNormals(noise, options), folder / "expected.png");
+    EXPECT_EQ(readFile(folder / "baked.png"), readFile(folder / "expected.png"));
+}
+
+TEST(MaterialBakes, ThatFailSayWhetherTheImageCouldNotBeMadeOrNotWritten)
+{
+    const TemporaryFolder folder;
+    writeImage(picture(32, 32, 1), folder / "height.png");
+    BumpBake bump{folder / "height.png"};
+    BumpBake large = bump;
+    large.limits.pixels = 32 * 32 - 1;
+    NoiseBumpBake noise{noiseOptions(8)};
+    NormalBakeOptions noScale;
+    noScale.bumpAmount = 1.0f;
+    noScale.realWorldScale = {1.0f, 0.0f};
+    const auto before = folder.entries();
+
+    using enum BakeStatus;
+    const auto file = folder / "a.png";
+    const auto expect = [](BakeStatus status, const char* reason, const BakeOutcome& outcome)
+    {
+        EXPECT_EQ(outcome.status, status) << reason;
+        EXPECT_NE(outcome.message.find(reason), std::string::npos) << outcome.message;
+    };
+    expect(NotBaked, "nothing.png: no such image", bakeBump({folder / "nothing.png"}, file));
+    expect(NotBaked, "height.png: 32 x 32 pixels are more", bakeBump(large, file));
+    expect(NotBaked, "a.png: 0 x 0 is no image", bakeNoiseBump({}, file));
+    expect(NotBaked, "a.png: the bump amount", bakeNoiseBump({noise.noise, infinity}, file));
+    expect(NotWritten, "a.png: cannot be written: ", bakeNoiseBump(noise, bump.image / "a.png"));
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    // Sanitizers end the program instead.
+    noise.noise = noiseOptions(1 << 23);
+    noise.noise.limits.pixels = std::uint64_t{1} << 62;
+    expect(NotBaked, "a.png: not enough memory", bakeNoiseBump(noise, file));
+#endif
+    const std::pair<BakeResult, const char*> results[] = {
+        {bakeNormalMapFile(bump.image, bump.image), "height.png: the normal map would overwrite"},
+        {bakeNormalMapFile(bump.image, folder / "a.jpg"), "a.jpg: baked images are not"},
+        {bakeNormalMapFile(bump.image, file, noScale), "a.png: the bump amount"},
+        {bakeNoiseFile(folder / "a.txt", noise.noise), "a.txt: the extension is none of"},
+    };
+    for (const auto& [result, reason] : results)
+        EXPECT_NE(result.message.find(reason), std::string::npos) << result.message;
+    EXPECT_EQ(folder.entries(), before);
 }
 
 } // namespace vyr::MaterialTranslation::baking

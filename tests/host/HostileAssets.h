@@ -28,7 +28,7 @@
 
 #include "support/TemporaryFolder.h"
 
-namespace vyr::support
+namespace vyr::hosttests
 {
 
 namespace kpa = kelvor::platform::assets;
@@ -78,7 +78,6 @@ struct Behaviour
 struct Watch
 {
     std::atomic<std::size_t> live = 0;
-    std::atomic<std::size_t> clones = 0;
     std::mutex mutex;
     /// Calls that the interfaces rule out.
     std::vector<std::string> breaches;
@@ -218,11 +217,6 @@ struct WatchedChoices final : WatchedValue<kpa::IChoiceListValue>, kpa::IChoiceT
     std::size_t selectedCount() const { return _lie.isEmpty ? 0 : _value.GetSelectedCount(); }
 };
 
-struct WatchedPlain final : WatchedValue<kpa::IValue>
-{
-    using WatchedValue::WatchedValue;
-};
-
 /// Integers are plain here: no rule reads any.
 inline std::shared_ptr<const kpa::IValue> watchedValue(const kpa::IValue* value, const Lie& lie)
 {
@@ -234,7 +228,7 @@ inline std::shared_ptr<const kpa::IValue> watchedValue(const kpa::IValue* value,
         return std::make_shared<WatchedUri>(*value, lie);
     if (dynamic_cast<const kpa::IChoiceListValue*>(value))
         return std::make_shared<WatchedChoices>(*value, lie);
-    return value ? std::make_shared<WatchedPlain>(*value, lie) : nullptr;
+    return value ? std::make_shared<WatchedValue<kpa::IValue>>(*value, lie) : nullptr;
 }
 
 inline kpa::IAssetInstance* watched(AssetPtr asset, std::shared_ptr<const Behaviour> behaviour);
@@ -284,7 +278,7 @@ class WatchedProperty final : public kpa::IProperty
     std::shared_ptr<const kpa::IValue> _value;
 };
 
-class WatchedTable final : public kpa::IPropertyConstTable
+template <class Interface> class WatchedTable : public Interface
 {
   public:
     WatchedTable(const kpa::IPropertyConstTable& table,
@@ -295,25 +289,32 @@ class WatchedTable final : public kpa::IPropertyConstTable
     }
     const kpa::IProperty* FindProperty(const UTF8String& name) const override
     {
-        const auto found = std::find_if(passing(_properties.begin()), _properties.end(),
+        touch();
+        const auto found = std::find_if(_properties.begin(), _properties.end(),
                                         [&](auto& p) { return p.name.str() == name.str(); });
         return found == _properties.end() ? nullptr : &*found;
     }
-    std::size_t GetPropertyCount() const override { return passing(_properties.size()); }
+    std::size_t GetPropertyCount() const override { return touch(), _properties.size(); }
     const kpa::IProperty* GetProperty(std::size_t index) const override
     {
-        return passing(isBelow(index, _properties.size())) ? &_properties[index] : nullptr;
+        touch();
+        return isBelow(index, _properties.size()) ? &_properties[index] : nullptr;
     }
+
+  protected:
+    /// Before each operation.
+    virtual void touch() const { passing(0); }
 
   private:
     std::deque<WatchedProperty> _properties;
 };
 
-class WatchedAsset final : public kpa::IAssetInstance
+class WatchedAsset final : public WatchedTable<kpa::IAssetInstance>
 {
   public:
     WatchedAsset(AssetPtr asset, std::shared_ptr<const Behaviour> behaviour)
-        : _asset(std::move(asset)), _behaviour(std::move(behaviour)), _table(*_asset, _behaviour)
+        : WatchedTable(*asset, behaviour), _asset(std::move(asset)),
+          _behaviour(std::move(behaviour))
     {
         if (const kpa::IPropertyConstTable* table = _asset->GetGenericPropertyTable())
             _generic.emplace(*table, _behaviour);
@@ -325,15 +326,6 @@ class WatchedAsset final : public kpa::IAssetInstance
             --watch().live;
         else
             recordBreach("a reference was given back twice");
-    }
-    const kpa::IProperty* FindProperty(const UTF8String& name) const override
-    {
-        return alive(), _table.FindProperty(name);
-    }
-    std::size_t GetPropertyCount() const override { return alive(), _table.GetPropertyCount(); }
-    const kpa::IProperty* GetProperty(std::size_t index) const override
-    {
-        return alive(), _table.GetProperty(index);
     }
     void GetDisplayName(UTF8String& name, const char* language) const override
     {
@@ -354,31 +346,28 @@ class WatchedAsset final : public kpa::IAssetInstance
     }
     kpa::IAssetInstance* Clone() const override
     {
-        if (alive(); !_behaviour->canBeCloned)
-            return nullptr;
-        ++watch().clones;
-        return watched(AssetPtr(_asset->Clone()), _behaviour);
+        touch();
+        return _behaviour->canBeCloned ? watched(AssetPtr(_asset->Clone()), _behaviour) : nullptr;
     }
     void GetIdentifier(UTF8String& identifier) const override { alive().GetIdentifier(identifier); }
     const kpa::IPropertyConstTable* GetGenericPropertyTable() const override
     {
-        return alive(), _generic ? &*_generic : nullptr;
+        return touch(), _generic ? &*_generic : nullptr;
     }
 
   private:
-    const kpa::IAssetInstance& alive() const
+    void touch() const override
     {
         if (!_isHeld)
             recordBreach("an asset was used after its last reference");
         passing(0);
-        return *_asset;
     }
+    const kpa::IAssetInstance& alive() const { return touch(), *_asset; }
 
     std::atomic<bool> _isHeld = true;
     AssetPtr _asset;
     std::shared_ptr<const Behaviour> _behaviour;
-    WatchedTable _table;
-    std::optional<WatchedTable> _generic;
+    std::optional<WatchedTable<kpa::IPropertyConstTable>> _generic;
 };
 
 inline kpa::IAssetInstance* watched(AssetPtr asset, std::shared_ptr<const Behaviour> behaviour)
@@ -401,11 +390,11 @@ inline AssetPtr material(const std::string& members, Behaviour behaviour = {},
     const std::string start =
         std::string(lacks("id") ? R"("id": "asset-id", )" : "") +
         (members.rfind("\"schema\":", 0) == 0 ? "" : R"("schema": "GenericSchema", )");
-    const TemporaryFolder files;
+    const support::TemporaryFolder files;
     const auto file = files.write("assets.json", R"({"assetLibrary": 1, "materials": [{)" + start +
                                                      members + "}]}");
-    const auto loaded =
-        assetlib::load({TemporaryFolder::utf8(file)}, {{TemporaryFolder::utf8(folder)}});
+    const auto loaded = assetlib::load({support::TemporaryFolder::utf8(file)},
+                                       {{support::TemporaryFolder::utf8(folder)}});
     for (const assetlib::LoadError& error : loaded.errors)
         throw std::invalid_argument(error.format() + " in " + members);
     return AssetPtr(watched(AssetPtr(loaded.library->materials().at(0).asset->Clone()),
@@ -428,4 +417,4 @@ inline std::string textured(const std::string& property, const std::string& imag
            image + R"("}}}})";
 }
 
-} // namespace vyr::support
+} // namespace vyr::hosttests
