@@ -93,7 +93,6 @@ function(vyr_add_program target sources modules)
         PRIVATE
             VYR_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
             VYR_BINARY_DIR="${PROJECT_BINARY_DIR}"
-            VYR_MATERIALX_LIBRARIES="${MATERIALX_STDLIB_DIR}"
     )
     target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
     if(modules)

@@ -82,6 +82,12 @@ class Images(ToolTest):
         for options, expected in ([], found.as_posix()), (["--copy-textures"], "Wall/brick.png"):
             self.convert("lib.json", "--texture-path", "far", "--report", "report.json", *options)
             self.assertEqual(self.report()[0]["textures"], [expected])
+        # Another image of the same size and time.
+        kept = found.stat().st_mtime_ns
+        found.write_bytes(found.read_bytes()[::-1])
+        os.utime(found, ns=(kept, kept))
+        self.convert("lib.json", "--texture-path", "far", "--copy-textures")
+        self.assertEqual(self.written()["Wall/brick.png"], found.read_bytes())
 
     def test_images_are_inputs_too(self):
         inside = self.image("out/Gate/brick.png")

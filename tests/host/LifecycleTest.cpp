@@ -1,4 +1,3 @@
-#include <array>
 #include <functional>
 #include <iterator>
 #include <memory>
@@ -125,12 +124,6 @@ TEST_F(Lifecycle, RecordsHaveTheExportedDefaultsAndLayout)
                          o.writeMtlxFile, o.useAssetIdInName, o.colorMode, o.roughnessMode,
                          o.translationPath),
               std::tuple("", 1024u, false, false, false, false, false, 2, 2, 0));
-    const DecalInfo d;
-    const TextureInfo& t = d.texture;
-    using Pair = std::array<float, 2>;
-    EXPECT_EQ(std::tuple(d.kind, t.realWorldOffset, t.realWorldScale, t.unit, t.uvOffset, t.uvScale,
-                         t.rotation, t.auxValue, d.value0, d.value1, d.value2),
-              std::tuple(1, Pair{0, 0}, Pair{1, 1}, 3, Pair{0, 0}, Pair{1, 1}, 0, 0, 0, 0, 0));
     static_assert(std::is_nothrow_move_constructible_v<ThreadInfo> &&
                   std::is_nothrow_move_assignable_v<ConverterOptions>);
 }
