@@ -174,7 +174,9 @@ class NewFile
         struct stat opened = {};
         if (::fstat(_descriptor, &opened) != 0)
             return lastError();
-        if (!isOnlyName(path, opened))
+        // What another user's process left cannot be renamed out of every folder.
+        const bool isOurs = made || opened.st_uid == ::geteuid();
+        if (!isOurs || !isOnlyName(path, opened))
             return busy();
         // Some file systems write a file to the disk at once when it was emptied, even of nothing.
         return made || ::ftruncate(_descriptor, 0) == 0 ? std::error_code() : lastError();

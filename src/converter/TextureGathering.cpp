@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include <MaterialTranslation/DocumentIO.h>
@@ -75,10 +77,10 @@ class Gathering
         const auto& children = document.getChildren();
         for (std::size_t i = firstChild; i < children.size(); ++i)
             for (const mx::InputPtr& input : fileInputs(children[i]))
-                _inputs.push_back(input);
-        for (const mx::InputPtr& input : _inputs)
-            if (std::ranges::find(_paths, input->getValueString()) == _paths.end())
-                _paths.push_back(input->getValueString());
+                _inputs.emplace_back(input, input->getValueString());
+        for (const auto& [input, path] : _inputs)
+            if (std::ranges::find(_paths, path) == _paths.end())
+                _paths.push_back(path);
         plan();
         if (_gathered.empty())
             return;
@@ -87,11 +89,12 @@ class Gathering
         for (const auto& [path, file] : _gathered)
             if (file.baked)
                 move(file);
+        // The document names them where they are now, even if a copy fails.
+        rewriteInputs(true);
         for (const auto& [path, file] : _gathered)
             if (!file.baked)
                 copy(file);
-        for (const mx::InputPtr& input : _inputs)
-            rewrite(*input);
+        rewriteInputs(false);
     }
 
   private:
@@ -214,17 +217,22 @@ class Gathering
                           (sourceTime == destinationTime && haveEqualBytes(source, destination)));
     }
 
-    void rewrite(mx::Input& input) const
+    void rewriteInputs(bool baked) const
     {
-        const auto file = _gathered.find(input.getValueString());
-        if (file != _gathered.end() && fs::exists(statusOf(file->second.destination)))
-            input.setValueString(base::genericUtf8FromPath(file->second.destination));
+        for (const auto& [input, path] : _inputs)
+        {
+            const auto file = _gathered.find(path);
+            if (file != _gathered.end() && file->second.baked == baked &&
+                fs::exists(statusOf(file->second.destination)))
+                input->setValueString(base::genericUtf8FromPath(file->second.destination));
+        }
     }
 
     textures::MaterialFiles& _files;
     const fs::path& _folder;
     const Log& _log;
-    std::vector<mx::InputPtr> _inputs;
+    /// With the paths that they named at first.
+    std::vector<std::pair<mx::InputPtr, std::string>> _inputs;
     /// Each path that is referred to, once, in the document's order.
     std::vector<std::string> _paths;
     base::UniqueNames _names;
