@@ -81,18 +81,10 @@ bool translate(const assets::IAssetInstance& asset, const std::string& name,
     const std::size_t firstChild = document->getChildren().size();
     if (!runTranslator(translation))
         return false;
-    try
-    {
-        if (options.copyTextures)
-            gatherTextures(translation, firstChild);
-    }
-    catch (...)
-    {
-        // The document names them.
-        textures::MaterialFiles::keep(std::move(files));
-        throw;
-    }
+    // From here on the document names them, even if gathering fails.
     textures::MaterialFiles::keep(std::move(files));
+    if (options.copyTextures)
+        gatherTextures(translation, firstChild);
     return true;
 }
 

@@ -97,8 +97,9 @@ void MaterialFiles::makeFolder()
     {
         // One place has one name here, however the output directory is spelt.
         const fs::path real = fs::canonical(_folder.parent_path(), error);
-        _claimedFolder = (error ? _folder.parent_path() : real) / _folder.filename();
-        claims().add(_claimedFolder);
+        fs::path folder = (error ? _folder.parent_path() : real) / _folder.filename();
+        claims().add(folder);
+        _claimedFolder = std::move(folder);
     }
     const fs::file_status status = fs::symlink_status(_folder, error);
     if (fs::is_directory(status))
@@ -130,6 +131,7 @@ fs::path MaterialFiles::claim(const std::string& name, const std::vector<std::st
         return !isOwn(place) && std::ranges::none_of(others, isPlace);
     };
     fs::path place = placeOf(base::firstFreeName(name, isFree));
+    _files.reserve(_files.size() + 1);
     claims().add(claimOf(place));
     _files.push_back(place);
     return place;
