@@ -166,34 +166,36 @@ void checkWritable(const std::filesystem::path& destination)
     const auto isExtension = [&](const char* known)
     { return base::equalsIgnoringCase(extension, known); };
     if (std::ranges::any_of(jpegExtensions, isExtension))
-        throw WriteError(destination, "baked images are not written as JPEG, whose loss would show "
-                                      "in the shading; write png, tif or exr");
+        throw BakeError(destination, "baked images are not written as JPEG, whose loss would show "
+                                     "in the shading; write png, tif or exr");
     if (std::ranges::none_of(extensions, isExtension))
-        throw WriteError(destination,
-                         "the extension is none of png, tif, tiff, exr, tga, bmp, hdr, "
-                         "webp, sgi and pfm");
+        throw BakeError(destination, "the extension is none of png, tif, tiff, exr, tga, bmp, hdr, "
+                                     "webp, sgi and pfm");
+}
+
+std::vector<unsigned char> encodeFor(const std::filesystem::path& destination,
+                                     const OIIO::ImageBuf& image, int threads)
+{
+    checkWritable(destination);
+    const std::string extension = base::utf8FromPath(destination.extension());
+    try
+    {
+        return base::equalsIgnoringCase(extension, ".png")
+                   ? encodeAsPng(image, threads)
+                   : encodeImage("image" + extension, image.spec(), image.spec().format,
+                                 image.localpixels(), threads);
+    }
+    catch (const std::runtime_error& error)
+    {
+        throw BakeError(destination, error.what());
+    }
 }
 
 void writeImage(const OIIO::ImageBuf& image, const std::filesystem::path& destination, int threads)
 {
-    checkWritable(destination);
-    const std::string extension = base::utf8FromPath(destination.extension());
-    std::vector<unsigned char> bytes;
-    try
-    {
-        bytes = base::equalsIgnoringCase(extension, ".png")
-                    ? encodeAsPng(image, threads)
-                    : encodeImage("image" + extension, image.spec(), image.spec().format,
-                                  image.localpixels(), threads);
-    }
-    catch (const std::runtime_error& error)
-    {
-        throw WriteError(destination, error.what());
-    }
-    const auto error =
-        base::writeFile(destination, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-    if (error)
-        throw WriteError(destination, "cannot be written: " + error.message());
+    const std::vector<unsigned char> bytes = encodeFor(destination, image, threads);
+    if (const auto error = base::writeFile(destination, base::textOf(bytes)))
+        throw BakeError(destination, "cannot be written: " + error.message());
 }
 
 } // namespace vyr::MaterialTranslation::baking

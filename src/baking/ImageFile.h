@@ -12,13 +12,6 @@
 namespace vyr::MaterialTranslation::baking
 {
 
-/// An image that was made but cannot be written.
-class WriteError : public BakeError
-{
-  public:
-    using BakeError::BakeError;
-};
-
 /// Packs pixels into a file of this format, in memory.
 ///
 /// OpenImageIO's writers do not report every failure to write, and one ends the process; in memory nothing fails.
@@ -41,15 +34,20 @@ std::vector<unsigned char> encodeImage(const std::string& name, OIIO::ImageSpec 
 /// @throws std::runtime_error with OpenImageIO's reason.
 std::vector<unsigned char> encodePng(const unsigned char* pixels, const OIIO::ImageSpec& spec);
 
-/// Writes a float image to the format that the extension names, at 32-bit float where the format has it, and
-/// as ImageBuf::write would: PNG with 8 bits a channel. Written whole or not at all.
+/// A float image as a file of the format that the extension names, at 32-bit float where the format has it,
+/// and as ImageBuf::write would: PNG with 8 bits a channel.
 ///
-/// @throws WriteError when the format is not one of ours, when it cannot hold the image, or when the file cannot
-///         be written.
+/// @throws BakeError when the format is not one of ours, or when it cannot hold the image.
+std::vector<unsigned char> encodeFor(const std::filesystem::path& destination,
+                                     const OIIO::ImageBuf& image, int threads = 0);
+
+/// Writes encodeFor's file, whole or not at all.
+///
+/// @throws BakeError also when the file cannot be written.
 void writeImage(const OIIO::ImageBuf& image, const std::filesystem::path& destination,
                 int threads = 0);
 
-/// @throws WriteError when writeImage would refuse the extension.
+/// @throws BakeError when writeImage would refuse the extension.
 void checkWritable(const std::filesystem::path& destination);
 
 /// A height image as read from a file.

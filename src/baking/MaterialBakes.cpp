@@ -3,7 +3,6 @@
 #include <cmath>
 #include <exception>
 #include <new>
-#include <utility>
 
 #include <fmt/format.h>
 
@@ -23,40 +22,26 @@ namespace fs = std::filesystem;
 namespace
 {
 
-/// Runs a bake, which adds to the warnings, and puts into words what went wrong. Large images can exhaust the
-/// memory.
-template <class Bake> BakeOutcome outcomeOf(const fs::path& file, const Bake& bake)
+/// Puts into words what went wrong with a bake. Large images can exhaust the memory.
+template <class Bake> std::string failureOf(const fs::path& file, const Bake& bake)
 {
-    BakeOutcome outcome;
     try
     {
-        bake(outcome.warnings);
-        outcome.status = BakeStatus::Done;
-    }
-    catch (const WriteError& error)
-    {
-        outcome.status = BakeStatus::NotWritten;
-        outcome.message = error.what();
+        bake();
+        return {};
     }
     catch (const BakeError& error)
     {
-        outcome.message = error.what();
+        return error.what();
     }
     catch (const std::bad_alloc&)
     {
-        outcome.message = BakeError(file, "not enough memory").what();
+        return BakeError(file, "not enough memory").what();
     }
     catch (const std::exception& error)
     {
-        outcome.message = BakeError(file, error.what()).what();
+        return BakeError(file, error.what()).what();
     }
-    return outcome;
-}
-
-BakeResult resultOf(BakeOutcome outcome)
-{
-    return {outcome.status == BakeStatus::Done, std::move(outcome.message),
-            std::move(outcome.warnings)};
 }
 
 /// Without a number for the strength, all pixels would be NaN.
@@ -92,33 +77,35 @@ OIIO::ImageBuf checkedNoise(const NoiseBakeOptions& options, const fs::path& des
 
 } // namespace
 
-BakeOutcome bakeBump(const BumpBake& bake, const fs::path& destination)
+BakeOutcome bakeBump(const BumpBake& bake, const fs::path& place)
 {
-    return outcomeOf(bake.image,
-                     [&](std::vector<std::string>&)
-                     {
-                         HeightImage height =
-                             readHeightImage(bake.image, bake.limits, bake.threads);
-                         height.source.attribute("texture_RealWorldScaleX", bake.realWorldScaleX);
-                         height.source.attribute("texture_RealWorldScaleY", bake.realWorldScaleY);
-                         writeImage(bakeNormalImage(height.heights, height.source, bake.threads),
-                                    destination, bake.threads);
-                     });
+    BakeOutcome outcome;
+    const auto run = [&]
+    {
+        HeightImage height = readHeightImage(bake.image, bake.limits, bake.threads);
+        height.source.attribute("texture_RealWorldScaleX", bake.realWorldScaleX);
+        height.source.attribute("texture_RealWorldScaleY", bake.realWorldScaleY);
+        const OIIO::ImageBuf normals = bakeNormalImage(height.heights, height.source, bake.threads);
+        outcome.file = encodeFor(place, normals, bake.threads);
+    };
+    outcome.message = failureOf(bake.image, run);
+    return outcome;
 }
 
-BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const fs::path& destination)
+BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const fs::path& place)
 {
-    return outcomeOf(destination,
-                     [&](std::vector<std::string>& warnings)
-                     {
-                         NormalBakeOptions options;
-                         options.bumpAmount = bake.bumpAmount;
-                         options.threads = bake.noise.threads;
-                         checkStrength(destination, options);
-                         const OIIO::ImageBuf noise =
-                             checkedNoise(bake.noise, destination, warnings);
-                         writeImage(bakeNormals(noise, options), destination, options.threads);
-                     });
+    BakeOutcome outcome;
+    const auto run = [&]
+    {
+        NormalBakeOptions options;
+        options.bumpAmount = bake.bumpAmount;
+        options.threads = bake.noise.threads;
+        checkStrength(place, options);
+        const OIIO::ImageBuf noise = checkedNoise(bake.noise, place, outcome.warnings);
+        outcome.file = encodeFor(place, bakeNormals(noise, options), options.threads);
+    };
+    outcome.message = failureOf(place, run);
+    return outcome;
 }
 
 } // namespace baking
@@ -128,29 +115,32 @@ BakeResult bakeNormalMapFile(const std::filesystem::path& source,
                              const NormalBakeOptions& options)
 {
     using namespace baking;
-    return resultOf(outcomeOf(
-        destination,
-        [&](std::vector<std::string>&)
-        {
-            checkWritable(destination);
-            checkStrength(destination, options);
-            if (base::isSameFile(source, destination))
-                throw BakeError(destination, "the normal map would overwrite its bump image");
-            const HeightImage height = readHeightImage(source, options.limits, options.threads);
-            writeImage(bakeNormals(height.heights, options), destination, options.threads);
-        }));
+    const auto run = [&]
+    {
+        checkWritable(destination);
+        checkStrength(destination, options);
+        if (base::isSameFile(source, destination))
+            throw BakeError(destination, "the normal map would overwrite its bump image");
+        const HeightImage height = readHeightImage(source, options.limits, options.threads);
+        writeImage(bakeNormals(height.heights, options), destination, options.threads);
+    };
+    const std::string message = failureOf(destination, run);
+    return {message.empty(), message, {}};
 }
 
 BakeResult bakeNoiseFile(const std::filesystem::path& destination, const NoiseBakeOptions& options)
 {
     using namespace baking;
-    return resultOf(outcomeOf(destination,
-                              [&](std::vector<std::string>& warnings)
-                              {
-                                  checkWritable(destination);
-                                  writeImage(checkedNoise(options, destination, warnings),
-                                             destination, options.threads);
-                              }));
+    BakeResult result;
+    const auto run = [&]
+    {
+        checkWritable(destination);
+        writeImage(checkedNoise(options, destination, result.warnings), destination,
+                   options.threads);
+    };
+    result.message = failureOf(destination, run);
+    result.success = result.message.empty();
+    return result;
 }
 
 } // namespace vyr::MaterialTranslation

@@ -11,20 +11,12 @@
 namespace vyr::MaterialTranslation::baking
 {
 
-enum class BakeStatus
-{
-    Done,
-    /// The image could not be made: its source is missing, unreadable or cannot be decoded, its
-    /// parameters give no numbers, or there is no memory.
-    NotBaked,
-    /// The image was made but could not be written.
-    NotWritten,
-};
-
 struct BakeOutcome
 {
-    BakeStatus status = BakeStatus::NotBaked;
-    /// Why there is no file, in one line with the file's name; empty when all is done.
+    /// The image's bytes as a file has them; empty when it could not be made: its source is missing, unreadable or
+    /// cannot be decoded, its parameters give no numbers, or there is no memory.
+    std::vector<unsigned char> file;
+    /// Why there is none, in one line with the file's name.
     std::string message;
     /// What was done differently from what was asked for, one line each.
     std::vector<std::string> warnings;
@@ -52,14 +44,14 @@ struct NoiseBumpBake
 };
 
 /// Bakes the first channel of a bump image with the image's own attributes as parameters, which as a rule have
-/// none that count: the strength is 1. Nothing is thrown, and after a failure nothing new is left.
+/// none that count: the strength is 1. Nothing is thrown.
 ///
-/// @param destination  In an existing folder; the extension names the format.
-BakeOutcome bakeBump(const BumpBake& bake, const std::filesystem::path& destination);
+/// @param place  Where the image will be; the extension names the format.
+BakeOutcome bakeBump(const BumpBake& bake, const std::filesystem::path& place);
 
-/// Bakes noise, and from it a normal map. Nothing is thrown, and after a failure nothing new is left.
+/// Bakes noise, and from it a normal map. Nothing is thrown.
 ///
-/// @param destination  In an existing folder; the extension names the format.
-BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const std::filesystem::path& destination);
+/// @param place  Where the image will be, for messages; the extension names the format.
+BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const std::filesystem::path& place);
 
 } // namespace vyr::MaterialTranslation::baking

@@ -122,6 +122,17 @@ bool isSameFile(const fs::path& a, const fs::path& b)
     return fs::equivalent(a, b, error) && !error;
 }
 
+bool isSamePlace(const fs::path& a, const fs::path& b)
+{
+    const auto placeOf = [](const fs::path& path)
+    {
+        std::error_code error;
+        const fs::path place = fs::weakly_canonical(path, error);
+        return error ? path.lexically_normal() : place;
+    };
+    return placeOf(a) == placeOf(b) || isSameFile(a, b);
+}
+
 std::string_view lastComponent(std::string_view path)
 {
     return path.substr(path.find_last_of("/\\") + 1);

@@ -33,6 +33,9 @@ bool isFile(const std::filesystem::path& path);
 /// Whether both paths lead to one file or folder that exists.
 bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
 
+/// Whether both paths lead to one place, where nothing has to be yet.
+bool isSamePlace(const std::filesystem::path& a, const std::filesystem::path& b);
+
 /// What follows the last "/" or "\" of a path.
 std::string_view lastComponent(std::string_view path);
 

@@ -31,6 +31,12 @@ constexpr bool isAsciiAlphanumeric(char c)
     return isAsciiDigit(c) || (toAsciiLower(c) >= 'a' && toAsciiLower(c) <= 'z');
 }
 
+/// The bytes as what functions that write files take.
+inline std::string_view textOf(std::span<const unsigned char> bytes)
+{
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 /// Comparison of ASCII texts without regard to case.
 bool equalsIgnoringCase(std::string_view a, std::string_view b);
 

@@ -1,6 +1,6 @@
 #include "base/WriteFile.h"
 
-#include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
@@ -68,6 +68,9 @@ bool isSpecial(const fs::path& file)
     return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }
 
+/// Device, number and time of last change of a file; zeros where the system tells none.
+using FileMark = std::array<std::uint64_t, 4>;
+
 #if defined(_WIN32)
 
 /// A file that is open in a way that lets nobody else open it.
@@ -102,6 +105,10 @@ class NewFile
         std::error_code ignored;
         fs::last_write_time(_path, fs::last_write_time(from, ignored), ignored);
     }
+
+    FileMark mark() const { return {}; }
+
+    static bool hasMark(const fs::path& path, const FileMark&) { return fs::exists(path); }
 
   private:
     bool close()
@@ -145,41 +152,16 @@ class NewFile
     NewFile() = default;
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
-    ~NewFile()
-    {
-        if (_descriptor >= 0)
-            ::close(_descriptor);
-    }
+    ~NewFile() { close(); }
 
-    /// Takes the name for this process: makes an empty file, or takes over and empties one that a dead
-    /// process left. Whatever else stands there belongs to somebody and counts as busy.
+    /// Takes the name for this process: makes an empty file, in place of one that a dead process left.
+    /// Whatever else stands there belongs to somebody and counts as busy.
     std::error_code open(const fs::path& path)
     {
-        constexpr int flags = O_WRONLY | O_NOFOLLOW | O_NONBLOCK;
-        _descriptor = openFile(path, flags | O_CREAT | O_EXCL);
-        const bool made = _descriptor >= 0;
-        if (!made && errno != EEXIST)
-            return lastError();
-        if (!made)
-            _descriptor = openFile(path, flags);
-        if (_descriptor < 0)
-            return busy();
-        const bool locked = ::flock(_descriptor, LOCK_EX | LOCK_NB) == 0;
-        // Without locks only a file that was made here is known to be nobody else's.
-        const bool mayLock = locked || (made && errno != EWOULDBLOCK);
-        if (!mayLock)
-            return busy();
-        // Between its making and its lock another process may have taken the file over and renamed it:
-        // what has the name now is not ours to remove.
-        struct stat opened = {};
-        if (::fstat(_descriptor, &opened) != 0)
-            return lastError();
-        // What another user's process left cannot be renamed out of every folder.
-        const bool isOurs = made || opened.st_uid == ::geteuid();
-        if (!isOurs || !isOnlyName(path, opened))
-            return busy();
-        // Some file systems write a file to the disk at once when it was emptied, even of nothing.
-        return made || ::ftruncate(_descriptor, 0) == 0 ? std::error_code() : lastError();
+        std::error_code error = create(path);
+        if (error == std::errc::file_exists && removeLeftover(path))
+            error = create(path);
+        return error == std::errc::file_exists ? busy() : error;
     }
 
     std::error_code write(std::string_view bytes)
@@ -256,15 +238,73 @@ class NewFile
     }
 #endif
 
-  private:
-    /// Whether the open file is an ordinary one that has this name and no other: its last owner may have
-    /// renamed it after it was opened here.
-    static bool isOnlyName(const fs::path& path, const struct stat& opened)
+    /// What tells the file from every other that ever has its name.
+    FileMark mark() const
+    {
+        struct stat opened = {};
+        return ::fstat(_descriptor, &opened) == 0 ? markOf(opened) : FileMark();
+    }
+
+    static bool hasMark(const fs::path& path, const FileMark& mark)
     {
         struct stat named = {};
-        return S_ISREG(opened.st_mode) && opened.st_nlink == 1 &&
-               ::lstat(path.c_str(), &named) == 0 && opened.st_ino == named.st_ino &&
-               opened.st_dev == named.st_dev;
+        return ::lstat(path.c_str(), &named) == 0 && markOf(named) == mark;
+    }
+
+  private:
+    static FileMark markOf(const struct stat& file)
+    {
+#if defined(__APPLE__)
+        const struct timespec changed = file.st_mtimespec;
+#else
+        const struct timespec changed = file.st_mtim;
+#endif
+        return {{static_cast<std::uint64_t>(file.st_dev), static_cast<std::uint64_t>(file.st_ino),
+                 static_cast<std::uint64_t>(changed.tv_sec),
+                 static_cast<std::uint64_t>(changed.tv_nsec)}};
+    }
+
+    std::error_code create(const fs::path& path)
+    {
+        close();
+        _descriptor = openFile(path, O_WRONLY | O_CREAT | O_EXCL);
+        if (_descriptor < 0)
+            return lastError();
+        // Between its making and its lock another process may have taken the file for a leftover. Where
+        // there are no locks nobody does.
+        const bool taken = ::flock(_descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        struct stat named = {};
+        const bool gone =
+            ::lstat(path.c_str(), &named) == 0 ? !isOpen(named, true) : errno == ENOENT;
+        return taken || gone ? busy() : std::error_code();
+    }
+
+    /// What another user's process left cannot be removed from every folder.
+    static bool removeLeftover(const fs::path& path)
+    {
+        NewFile leftover;
+        leftover._descriptor = openFile(path, O_WRONLY | O_NOFOLLOW | O_NONBLOCK);
+        struct stat named = {};
+        return leftover._descriptor >= 0 && ::flock(leftover._descriptor, LOCK_EX | LOCK_NB) == 0 &&
+               ::lstat(path.c_str(), &named) == 0 && S_ISREG(named.st_mode) &&
+               named.st_nlink == 1 && named.st_uid == ::geteuid() &&
+               leftover.isOpen(named, false) && ::unlink(path.c_str()) == 0;
+    }
+
+    /// Whether this is the file that is open here.
+    /// @param otherwise the answer when the system gives none.
+    bool isOpen(const struct stat& named, bool otherwise) const
+    {
+        struct stat opened = {};
+        if (::fstat(_descriptor, &opened) != 0)
+            return otherwise;
+        return opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
+    }
+
+    void close()
+    {
+        if (_descriptor >= 0)
+            ::close(std::exchange(_descriptor, -1));
     }
 
     int _descriptor = -1;
@@ -292,35 +332,6 @@ std::error_code copyInto(NewFile& target, const fs::path& from)
     return source.bad() ? std::make_error_code(std::errc::io_error) : std::error_code();
 }
 
-/// Replaces the file by what `fill` writes.
-template <class Fill> std::error_code replaceFile(const fs::path& file, Fill fill)
-{
-    constexpr int mostAttempts = 100;
-    if (isSpecial(file))
-        return std::make_error_code(std::errc::operation_not_permitted);
-    std::error_code error;
-    for (int attempt = 0; attempt < mostAttempts; ++attempt)
-    {
-        const fs::path temporary = temporaryBeside(file, attempt);
-        NewFile target;
-        error = target.open(temporary);
-        if (error == std::errc::device_or_resource_busy)
-            continue;
-        if (error)
-            return error;
-        error = fill(target);
-        if (const std::error_code finished = target.finish(); !error)
-            error = finished;
-        if (!error)
-            fs::rename(temporary, file, error);
-        std::error_code ignored;
-        if (error)
-            fs::remove(temporary, ignored);
-        return error;
-    }
-    return error;
-}
-
 /// Makes a file that is not there yet, which has no name before all of its content is in it.
 /// @return whether it was made. If not, nothing has changed, and replacing the file tells why.
 bool writeNewFile([[maybe_unused]] const fs::path& file, [[maybe_unused]] std::string_view bytes)
@@ -345,23 +356,134 @@ bool writeNewFile([[maybe_unused]] const fs::path& file, [[maybe_unused]] std::s
 
 } // namespace
 
+class PendingFile::State
+{
+  public:
+    State() = default;
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
+    ~State()
+    {
+        std::error_code ignored;
+        if (!_temporary.empty())
+            fs::remove(_temporary, ignored);
+    }
+
+    /// @param fill writes into a NewFile.
+    template <class Fill> std::error_code make(const fs::path& file, const Fill& fill)
+    {
+        constexpr int mostAttempts = 100;
+        if (isSpecial(file))
+            return std::make_error_code(std::errc::operation_not_permitted);
+        std::error_code error = busy();
+        for (int attempt = 0; attempt < mostAttempts && error == busy(); ++attempt)
+        {
+            const fs::path temporary = temporaryBeside(file, attempt);
+            error = _target.emplace().open(temporary);
+            if (!error)
+                _temporary = temporary;
+        }
+        if (error)
+            return error;
+        error = fill(*_target);
+        const std::error_code finished = _target->finish();
+        return error ? error : finished;
+    }
+
+    std::error_code rename(const fs::path& file)
+    {
+        std::error_code error;
+        fs::rename(_temporary, file, error);
+        if (!error)
+            _temporary.clear();
+        return error;
+    }
+
+    std::error_code publish(const fs::path& file)
+    {
+        std::error_code error;
+        // A second name is only given where there is none yet. Not every file system has such.
+        fs::create_hard_link(_temporary, file, error);
+        const bool isLinked = !error;
+        _isNew = isLinked || !fs::exists(fs::symlink_status(file, error));
+        if (isLinked)
+            fs::remove(std::exchange(_temporary, fs::path()), error);
+        else if (error = rename(file); error)
+            return error;
+        _published = file;
+        _mark = _target->mark();
+        _target.reset();
+        return {};
+    }
+
+    void withdraw() const
+    {
+        std::error_code ignored;
+        if (_isNew && NewFile::hasMark(_published, _mark))
+            fs::remove(_published, ignored);
+    }
+
+  private:
+    std::optional<NewFile> _target;
+    /// Empty while the file has none.
+    fs::path _temporary;
+    fs::path _published;
+    FileMark _mark{};
+    bool _isNew = false;
+};
+
+PendingFile::PendingFile() : _state(std::make_unique<State>()) {}
+PendingFile::PendingFile(PendingFile&&) noexcept = default;
+PendingFile& PendingFile::operator=(PendingFile&&) noexcept = default;
+PendingFile::~PendingFile() = default;
+
+std::error_code PendingFile::write(const fs::path& file, std::string_view bytes)
+{
+    return _state->make(file, [&](NewFile& target) { return target.write(bytes); });
+}
+
+std::error_code PendingFile::copy(const fs::path& from, const fs::path& to)
+{
+    return _state->make(to,
+                        [&](NewFile& target)
+                        {
+                            const std::error_code error = copyInto(target, from);
+                            if (!error)
+                                target.copyTime(from);
+                            return error;
+                        });
+}
+
+std::error_code PendingFile::publish(const fs::path& file)
+{
+    return _state->publish(file);
+}
+
+std::error_code PendingFile::replace(const fs::path& file)
+{
+    return _state->rename(file);
+}
+
+void PendingFile::withdraw() const
+{
+    _state->withdraw();
+}
+
 std::error_code writeFile(const fs::path& file, std::string_view bytes)
 {
     if (writeNewFile(file, bytes))
         return {};
-    return replaceFile(file, [&](NewFile& target) { return target.write(bytes); });
+    PendingFile pending;
+    const std::error_code error = pending.write(file, bytes);
+    return error ? error : pending.replace(file);
 }
 
 std::error_code copyFile(const fs::path& from, const fs::path& to)
 {
-    return replaceFile(to,
-                       [&](NewFile& target)
-                       {
-                           const std::error_code error = copyInto(target, from);
-                           if (!error)
-                               target.copyTime(from);
-                           return error;
-                       });
+    PendingFile pending;
+    const std::error_code error = pending.copy(from, to);
+    return error ? error : pending.replace(to);
 }
 
 } // namespace vyr::base

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string_view>
 #include <system_error>
 
@@ -17,6 +18,34 @@
 /// and no temporary one stays.
 namespace vyr::base
 {
+
+/// A file that is whole and has only its temporary name. It is gone with the object unless it was given a place.
+class PendingFile
+{
+  public:
+    PendingFile();
+    PendingFile(PendingFile&&) noexcept;
+    PendingFile& operator=(PendingFile&&) noexcept;
+    ~PendingFile();
+
+    /// Writes the bytes, or copies a file with its time of last change. Once for each object.
+    /// @param file its place; nothing changes there yet.
+    std::error_code write(const std::filesystem::path& file, std::string_view bytes);
+    std::error_code copy(const std::filesystem::path& from, const std::filesystem::path& to);
+
+    /// Moves it to a place in its folder, which may be another one. What is there is replaced.
+    std::error_code replace(const std::filesystem::path& file);
+
+    /// As replace, and remembers whether nothing was there.
+    std::error_code publish(const std::filesystem::path& file);
+
+    /// Removes the published file again, if nothing was there before and nobody has replaced it since.
+    void withdraw() const;
+
+  private:
+    class State;
+    std::unique_ptr<State> _state;
+};
 
 /// Makes `file` a file of these bytes.
 std::error_code writeFile(const std::filesystem::path& file, std::string_view bytes);

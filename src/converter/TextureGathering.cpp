@@ -81,14 +81,21 @@ class Gathering
         for (const auto& [input, path] : _inputs)
             if (std::ranges::find(_paths, path) == _paths.end())
                 _paths.push_back(path);
-        plan();
+        try
+        {
+            plan();
+        }
+        catch (const fs::filesystem_error&)
+        {
+            _files.publish();
+            throw;
+        }
         if (_gathered.empty())
             return;
         _files.makeFolder();
-        // Own files first: they make room for a user's file of the same name.
         for (const auto& [path, file] : _gathered)
             if (file.baked)
-                move(file);
+                _files.publish(base::pathFromUtf8(path), file.destination);
         // The document names them where they are now, even if a copy fails.
         rewriteInputs(true);
         for (const auto& [path, file] : _gathered)
@@ -121,6 +128,12 @@ class Gathering
     void planFile(const std::string& path, bool baked)
     {
         const fs::path source = base::pathFromUtf8(path);
+        if (baked)
+        {
+            const std::string name(base::lastComponent(path));
+            _gathered[path] = {path, place(name, path, true), true};
+            return;
+        }
         const fs::file_status status = statusOf(source);
         if (!fs::exists(status) || source.is_relative())
             return;
@@ -140,7 +153,7 @@ class Gathering
         if (const auto* same = findSame(source))
             _gathered[path] = *same;
         else
-            _gathered[path] = {path, place(std::string(name), path, baked), baked};
+            _gathered[path] = {path, place(std::string(name), path, false), false};
     }
 
     /// A file that was planned under another spelling of its path.
@@ -171,22 +184,14 @@ class Gathering
         std::error_code error;
         if (fs::is_directory(fs::symlink_status(destination, error)))
             return true;
-        if (base::isSameFile(destination, base::pathFromUtf8(path)))
-            return false;
-        return std::ranges::any_of(_paths,
-                                   [&](const std::string& other)
-                                   {
-                                       return (baked || !isBaked(other)) &&
-                                              base::isSameFile(destination,
-                                                               base::pathFromUtf8(other));
-                                   });
-    }
-
-    void move(const GatheredFile& file)
-    {
-        const fs::path source = base::pathFromUtf8(file.source);
-        if (source != file.destination)
-            _files.move(source, file.destination);
+        const auto isThere = [&](const std::string& other)
+        {
+            const fs::path file = base::pathFromUtf8(other);
+            return file == destination || base::isSameFile(file, destination);
+        };
+        return !isThere(path) &&
+               std::ranges::any_of(_paths, [&](const std::string& other)
+                                   { return (baked || !isBaked(other)) && isThere(other); });
     }
 
     static void copy(const GatheredFile& file)

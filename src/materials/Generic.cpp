@@ -170,6 +170,9 @@ StandardSurface readFrom(const assets::IPropertyConstTable& table, const std::st
     if (material.tint && !material.textures.contains("base_color"))
         translation.log.warning(DiagnosticCode::TintIgnored, "hardwood_tint_color",
                                 "only an image is tinted; the plain colour stays as it is");
+    // Gathering names them itself: a user's image may want the name.
+    if (!options.copyTextures)
+        textures::publishBakes(translation);
     return material;
 }
 

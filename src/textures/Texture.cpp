@@ -6,6 +6,7 @@
 #include "assets/Asset.h"
 #include "baking/MaterialBakes.h"
 #include "base/Paths.h"
+#include "base/Text.h"
 #include "graph/Nodes.h"
 #include "graph/Values.h"
 #include "textures/Kinds.h"
@@ -58,6 +59,14 @@ void rejectTexture(const std::string& schema, TextureRole role, const char* prop
     log.warning(DiagnosticCode::TextureNotTranslated, property,
                 "a texture of schema \"" + schema + "\" cannot be translated here; " +
                     substituteFor(role));
+}
+
+/// An image that was made for a property, or its folder, that cannot be written.
+assets::PropertyError notWritten(const std::filesystem::filesystem_error& error,
+                                 const std::string& property)
+{
+    return {"image not written", property, DiagnosticCode::ImageNotWritten,
+            base::utf8FromPath(error.path1()) + ": cannot be written: " + error.code().message()};
 }
 
 void addMeasuredInput(const mx::NodePtr& node, const char* name,
@@ -145,37 +154,28 @@ void TextureSet::bake()
 
 void TextureSet::bakeInto(Entry& entry, const std::vector<std::string>& images)
 {
-    const auto failToWrite = [&](const std::string& reason)
+    const Log log = _translation.log.into(entry.messages);
+    const std::filesystem::path place =
+        _translation.files.freePlace(entry.reading->bake->fileName, images);
+    const baking::BakeOutcome outcome = entry.reading->bake->run(place);
+    for (const std::string& warning : outcome.warnings)
+        log.warning(DiagnosticCode::ValueAdjusted, entry.property, warning);
+    if (outcome.file.empty())
     {
-        throw assets::PropertyError("image not written", entry.property,
-                                    DiagnosticCode::ImageNotWritten, reason);
-    };
+        log.warning(DiagnosticCode::BakeFailed, entry.property,
+                    "the surface stays without relief: " + outcome.message);
+        return entry.reading.reset();
+    }
     try
     {
         _translation.files.makeFolder();
+        _translation.files.add(place, base::textOf(outcome.file));
     }
     catch (const std::filesystem::filesystem_error& error)
     {
-        failToWrite(base::utf8FromPath(error.path1()) +
-                    ": the folder cannot be made: " + error.code().message());
+        throw notWritten(error, entry.property);
     }
-    const std::filesystem::path place =
-        _translation.files.claim(entry.reading->bake->fileName, images);
-    const baking::BakeOutcome outcome = entry.reading->bake->run(place);
-    const Log log = _translation.log.into(entry.messages);
-    for (const std::string& warning : outcome.warnings)
-        log.warning(DiagnosticCode::ValueAdjusted, entry.property, warning);
-    if (outcome.status == baking::BakeStatus::NotWritten)
-        failToWrite(outcome.message);
-    if (outcome.status == baking::BakeStatus::Done)
-    {
-        entry.reading->texture.file = base::genericUtf8FromPath(place);
-        return;
-    }
-    log.warning(DiagnosticCode::BakeFailed, entry.property,
-                "the surface stays without relief: " + outcome.message);
-    entry.reading.reset();
-    _translation.files.drop(place);
+    entry.reading->texture.file = base::genericUtf8FromPath(place);
 }
 
 const TextureSet::Entry* TextureSet::find(const assets::Property& property) const
@@ -209,6 +209,18 @@ void TextureSet::dropUnused()
     for (const Entry& entry : _entries)
         if (entry.reading && entry.reading->bake && !entry.taken)
             _translation.files.drop(base::pathFromUtf8(entry.reading->texture.file));
+}
+
+void publishBakes(const Translation& translation)
+{
+    try
+    {
+        translation.files.publish();
+    }
+    catch (const std::filesystem::filesystem_error& error)
+    {
+        throw notWritten(error, "");
+    }
 }
 
 std::vector<std::string> textureSchemas()

@@ -92,7 +92,7 @@ struct Bake
 {
     /// Name of the file in the material's folder.
     std::string fileName;
-    std::function<baking::BakeOutcome(const std::filesystem::path& destination)> run;
+    std::function<baking::BakeOutcome(const std::filesystem::path& place)> run;
 };
 
 /// What a texture asset says: a texture, and what it still needs.
@@ -172,6 +172,10 @@ class TextureSet
     const Translation& _translation;
     std::vector<Entry> _entries;
 };
+
+/// Gives the images that were baked for a material their names in its folder, once nothing else can fail.
+/// @throws assets::PropertyError with DiagnosticCode::ImageNotWritten
+void publishBakes(const Translation& translation);
 
 /// The schemas of the kinds of textures that are known in some role.
 std::vector<std::string> textureSchemas();

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <MaterialTranslation/Bakes.h>
@@ -10,12 +11,13 @@
 #include <MaterialXCore/Document.h>
 
 #include "assets/Asset.h"
+#include "base/WriteFile.h"
 
 namespace vyr::MaterialTranslation::textures
 {
 
-/// The files that one translation makes for its material: images in the folder output directory /
-/// material name. Unless they are kept, they are gone when the object goes.
+/// The images that one translation makes for its material, in the folder output directory / material name. They
+/// get their names when the translation has succeeded. Unless they are kept, they are gone with the object.
 class MaterialFiles
 {
   public:
@@ -32,24 +34,33 @@ class MaterialFiles
     ///         file or a symbolic link stands in its place: nothing may leave the output directory.
     void makeFolder();
 
-    /// Claims a place in the folder for a file that is about to be written: the name, or the first with a
-    /// number that is none of the files to be left alone, nor one that was claimed before.
+    /// The place of a file in the folder: the name, or the first with a number, that is none of the files to be
+    /// left alone, nor one that was added before.
     /// @param others texts of paths.
-    std::filesystem::path claim(const std::string& name, const std::vector<std::string>& others);
+    std::filesystem::path freePlace(const std::string& name,
+                                    const std::vector<std::string>& others) const;
 
-    /// Says that nothing came of a file, or that nothing needs it.
-    void drop(const std::filesystem::path& file);
+    /// Writes a file, which gets its place when it is published.
+    /// @throws std::filesystem::filesystem_error "write"
+    void add(const std::filesystem::path& place, std::string_view bytes);
 
-    /// Gives a file another place in the folder, and replaces what is there.
+    /// Says that nothing needs a file that was added.
+    void drop(const std::filesystem::path& place);
+
+    /// Gives a file its place, or another one in the folder, and replaces what is there.
     /// @throws std::filesystem::filesystem_error "rename"
-    void move(const std::filesystem::path& from, const std::filesystem::path& to);
+    void publish(const std::filesystem::path& place, const std::filesystem::path& destination);
 
-    /// Whether the file was claimed: only such files may be moved.
-    bool isOwn(const std::filesystem::path& file) const;
+    /// Gives all files their places that have none yet.
+    /// @throws std::filesystem::filesystem_error "rename"
+    void publish();
 
-    /// Lets go of all files. What is not kept is removed, if it was not there before and no other
-    /// translation under way makes or has made it too, and so is a new folder in which nothing is left.
-    void release(bool keep);
+    /// Whether the file was added here.
+    bool isOwn(const std::filesystem::path& place) const;
+
+    /// Removes the files that were not there before and that nobody has replaced since, and the folder if it
+    /// was made here and nothing is left in it.
+    void discard();
 
     /// Keeps the files of a translation that succeeded, until the next one of this thread, so that
     /// discardLastBakes can still remove them.
@@ -57,13 +68,17 @@ class MaterialFiles
     static void keep(std::unique_ptr<MaterialFiles> files);
 
   private:
-    std::filesystem::path claimOf(const std::filesystem::path& file) const;
+    struct File
+    {
+        std::filesystem::path place;
+        base::PendingFile content;
+        bool isPublished = false;
+    };
 
     std::filesystem::path _folder;
-    /// What the folder is called where translations are told apart; empty until it is needed.
-    std::filesystem::path _claimedFolder;
+    bool _madeFolder = false;
     bool _kept = false;
-    std::vector<std::filesystem::path> _files;
+    std::vector<File> _files;
 };
 
 } // namespace vyr::MaterialTranslation::textures

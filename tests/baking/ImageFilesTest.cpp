@@ -200,7 +200,7 @@ TEST(WriteImage, RefusesWhatItCannotWriteSafely)
 {
     const TemporaryFolder folder;
     for (const char* name : {"a.JPEG", "a.jfif", "a.null", "a.txt", "png", "a.hdr", "a.ppm"})
-        EXPECT_THROW(writeImage(picture(4, 3, 1), folder / name), WriteError) << name;
+        EXPECT_THROW(writeImage(picture(4, 3, 1), folder / name), BakeError) << name;
     EXPECT_TRUE(folder.entries().empty());
 }
 
@@ -232,9 +232,8 @@ TEST(MaterialBakes, OfBumpImagesTakeTheImagesOwnAttributes)
     bump.image = folder / "bröck.v2.exr";
     writeImage(height, bump.image);
     const BakeOutcome outcome = bakeBump(bump, folder / "baked.png");
-    ASSERT_EQ(outcome.status, BakeStatus::Done) << outcome.message;
-    writeImage(bakeNormalImage(height, height.spec()), folder / "expected.png");
-    EXPECT_EQ(readFile(folder / "baked.png"), readFile(folder / "expected.png"));
+    EXPECT_EQ(outcome.message, "");
+    EXPECT_EQ(outcome.file, encodeFor("a.png", bakeNormalImage(height, height.spec())));
 
     NormalBakeOptions options;
     options.bumpAmount = 0.25f;
@@ -249,19 +248,17 @@ TEST(MaterialBakes, OfNoiseAreItsNormals)
     const TemporaryFolder folder;
     const NoiseBumpBake bump{noiseOptions(64), 0.25f};
     const BakeOutcome outcome = bakeNoiseBump(bump, folder / "baked.png");
-    ASSERT_EQ(outcome.status, BakeStatus::Done) << outcome.message;
-    ASSERT_EQ(outcome.warnings.size(), 1U);
+    ASSERT_EQ(outcome.warnings.size(), 1U) << outcome.message;
     EXPECT_NE(outcome.warnings[0].find("baked.png: 40 noise levels"), std::string::npos);
     ASSERT_TRUE(bakeNoiseFile(folder / "noise.exr", bump.noise).success);
     const OIIO::ImageBuf noise = read(folder / "noise.exr");
     EXPECT_TRUE(sameBits(noise, bakeNoise(bump.noise)));
     NormalBakeOptions options;
     options.bumpAmount = 0.25f;
-    writeImage(bakeNormals(noise, options), folder / "expected.png");
-    EXPECT_EQ(readFile(folder / "baked.png"), readFile(folder / "expected.png"));
+    EXPECT_EQ(outcome.file, encodeFor("a.png", bakeNormals(noise, options)));
 }
 
-TEST(MaterialBakes, ThatFailSayWhetherTheImageCouldNotBeMadeOrNotWritten)
+TEST(MaterialBakes, ThatFailSayWhy)
 {
     const TemporaryFolder folder;
     writeImage(picture(32, 32, 1), folder / "height.png");
@@ -274,29 +271,28 @@ TEST(MaterialBakes, ThatFailSayWhetherTheImageCouldNotBeMadeOrNotWritten)
     noScale.realWorldScale = {1.0f, 0.0f};
     const auto before = folder.entries();
 
-    using enum BakeStatus;
     const auto file = folder / "a.png";
-    const auto expect = [](BakeStatus status, const char* reason, const BakeOutcome& outcome)
+    const auto expect = [](const char* reason, const BakeOutcome& outcome)
     {
-        EXPECT_EQ(outcome.status, status) << reason;
+        EXPECT_TRUE(outcome.file.empty()) << reason;
         EXPECT_NE(outcome.message.find(reason), std::string::npos) << outcome.message;
     };
-    expect(NotBaked, "nothing.png: no such image", bakeBump({folder / "nothing.png"}, file));
-    expect(NotBaked, "height.png: 32 x 32 pixels are more", bakeBump(large, file));
-    expect(NotBaked, "a.png: 0 x 0 is no image", bakeNoiseBump({}, file));
-    expect(NotBaked, "a.png: the bump amount", bakeNoiseBump({noise.noise, infinity}, file));
-    expect(NotWritten, "a.png: cannot be written: ", bakeNoiseBump(noise, bump.image / "a.png"));
+    expect("nothing.png: no such image", bakeBump({folder / "nothing.png"}, file));
+    expect("height.png: 32 x 32 pixels are more", bakeBump(large, file));
+    expect("a.png: 0 x 0 is no image", bakeNoiseBump({}, file));
+    expect("a.png: the bump amount", bakeNoiseBump({noise.noise, infinity}, file));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     // Sanitizers end the program instead.
     noise.noise = noiseOptions(1 << 23);
     noise.noise.limits.pixels = std::uint64_t{1} << 62;
-    expect(NotBaked, "a.png: not enough memory", bakeNoiseBump(noise, file));
+    expect("a.png: not enough memory", bakeNoiseBump(noise, file));
 #endif
     const std::pair<BakeResult, const char*> results[] = {
         {bakeNormalMapFile(bump.image, bump.image), "height.png: the normal map would overwrite"},
         {bakeNormalMapFile(bump.image, folder / "a.jpg"), "a.jpg: baked images are not"},
         {bakeNormalMapFile(bump.image, file, noScale), "a.png: the bump amount"},
         {bakeNoiseFile(folder / "a.txt", noise.noise), "a.txt: the extension is none of"},
+        {bakeNormalMapFile(bump.image, bump.image / "a.png"), "a.png: cannot be written: "},
     };
     for (const auto& [result, reason] : results)
         EXPECT_NE(result.message.find(reason), std::string::npos) << result.message;

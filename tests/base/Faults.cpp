@@ -8,10 +8,11 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
-// "flock" is a struct too.
+// "flock" and "stat" are structs too.
 #pragma GCC diagnostic ignored "-Wshadow"
 
 namespace
@@ -69,6 +70,8 @@ extern "C"
               SYS_linkat, from, a, to, b, flags)
     VYR_FAULT(int, rename, (const char* from, const char* to) noexcept, SYS_renameat2, AT_FDCWD,
               from, AT_FDCWD, to, 0)
+    VYR_FAULT(int, fstat, (int file, struct stat* found) noexcept, SYS_fstat, file, found)
+    VYR_FAULT(int, lstat, (const char* path, struct stat* found) noexcept, SYS_lstat, path, found)
     VYR_FAULT(int, dup, (int file) noexcept, SYS_dup, file)
     VYR_FAULT(ssize_t, copy_file_range,
               (int from, off64_t* a, int to, off64_t* b, std::size_t size, unsigned flags),

@@ -65,7 +65,7 @@ class WriteFile(unittest.TestCase):
         unnamed = f"tmpfile={errno.EOPNOTSUPP}"
         self.check_faults([
             ("none", 0), (unnamed, 0), ("short", 0), (f"short {unnamed}", 0), (f"linkat={errno.EPERM}", 0),
-            (f"{unnamed} flock={errno.ENOLCK}", 0),
+            (f"{unnamed} flock={errno.ENOLCK}", 0), (f"{unnamed} fstat={errno.EIO} lstat={errno.EIO}", 0),
             (f"{unnamed} rename={errno.EIO}", errno.EIO),
             (f"write={errno.ENOSPC}", errno.ENOSPC), (f"{unnamed} write={errno.EIO}", errno.EIO),
             (f"dup={errno.EIO}", errno.EIO),
@@ -135,16 +135,17 @@ class WriteFile(unittest.TestCase):
     def test_what_stands_at_temporary_names(self):
         precious = self.folder / "precious"
         precious.write_text("mine")
-        names = [self.folder / temporary_name("file.txt", attempt) for attempt in range(4)]
+        *names, leftover = [self.folder / temporary_name("file.txt", attempt) for attempt in range(5)]
         names[0].mkdir()
         names[1].symlink_to(precious)
         os.link(precious, names[2])
         os.mkfifo(names[3])
         self.file.write_text("old")
         before = self.entries()
+        leftover.touch(0o600)
         self.assertEqual(self.run_program("write", self.file, "new", 3), 0)
         self.assertEqual((self.file.read_text(), precious.read_text()), ("new", "mine"))
-        self.assertEqual(self.entries(), before)
+        self.assertEqual((self.entries(), self.file.stat().st_mode & 0o077), (before, 0o044))
 
     def test_closed_descriptors(self):
         """What the process prints does not get into the file."""

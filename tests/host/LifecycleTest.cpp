@@ -1,5 +1,6 @@
 #include <functional>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <regex>
 #include <set>
@@ -13,6 +14,7 @@
 #include <sys/resource.h>
 #endif
 
+#include <MaterialTranslation/Bakes.h>
 #include <MaterialTranslation/DecalInfo.h>
 #include <MaterialTranslation/ThreadInfo.h>
 
@@ -342,34 +344,81 @@ TEST_F(Output, ThatCannotBeWrittenIsAnException)
     EXPECT_EQ(registeredAssetCount(), 0u);
 }
 
-/// A file stands where the folder of the baked image has to be; then no file may have a byte.
-TEST_F(HostTest, ABakedImageThatCannotBeWrittenFailsTheMaterial)
+class BakedImages : public HostTest
 {
-    _folder.write("relief.png", readFile(VYR_SOURCE_DIR "/tests/cases/images/relief.png"));
-    const AssetPtr relief =
-        generic(textured("generic_bump_map", "relief.png") + R"(, "generic_bump_amount": 1)", {},
-                _folder.path());
-    const auto expectNothingMade = [&]
+  protected:
+    /// @param image of the test cases, which is the relief.
+    AssetPtr relief(const char* image, const std::string& properties = {})
     {
-        const Names before = _folder.entries();
-        const Translation translation = translate(relief);
+        _folder.write("relief.png",
+                      readFile(fs::path(VYR_SOURCE_DIR "/tests/cases/images") / image));
+        const std::string bump = textured("generic_bump_map", "relief.png");
+        return generic(bump + R"(, "generic_bump_amount": 1)" + properties, {}, _folder.path());
+    }
+
+    std::map<std::string, std::string> content() const
+    {
+        std::map<std::string, std::string> files;
+        for (const std::string& name : _folder.entries())
+            files[name] = fs::is_directory(_folder / name) ? "" : readFile(_folder / name);
+        return files;
+    }
+
+    void expectUnchanged(const AssetPtr& asset, DiagnosticCode code)
+    {
+        const auto before = content();
+        const Translation translation = translate(asset);
         EXPECT_FALSE(translation.succeeded);
         EXPECT_TRUE(translation.document->getChildren().empty());
-        ASSERT_EQ(lastCodes(), Codes{DiagnosticCode::ImageNotWritten}) << translation.report();
-        EXPECT_EQ(_folder.entries(), before);
-    };
+        EXPECT_EQ(lastCodes(), Codes{code}) << translation.report();
+        EXPECT_EQ(content(), before);
+    }
+};
+
+/// A file stands where the folder of the baked image has to be; then no file may have a byte.
+TEST_F(BakedImages, ThatCannotBeWrittenFailTheMaterial)
+{
+    const AssetPtr asset = relief("relief.png");
     _folder.write("M", "");
-    expectNothingMade();
-#if defined(__linux__)
+    expectUnchanged(asset, DiagnosticCode::ImageNotWritten);
     fs::remove(_folder / "M");
+    fs::create_directories(_folder / "M/relief_normalmap.png/inside");
+    expectUnchanged(asset, DiagnosticCode::ImageNotWritten);
+#if defined(__linux__)
+    fs::remove_all(_folder / "M");
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit former = {};
     ::getrlimit(RLIMIT_FSIZE, &former);
     const rlimit nothing = {0, former.rlim_max};
     ::setrlimit(RLIMIT_FSIZE, &nothing);
-    expectNothingMade();
+    expectUnchanged(asset, DiagnosticCode::ImageNotWritten);
     ::setrlimit(RLIMIT_FSIZE, &former);
 #endif
+}
+
+TEST_F(BakedImages, OfAnEarlierResultOutliveAMaterialThatFails)
+{
+    const char* const broken = R"(, "generic_glossiness": [1, 0, 0])";
+    expectUnchanged(relief("relief.png", broken), DiagnosticCode::PropertyType);
+    ASSERT_TRUE(translate(relief("relief.png")).succeeded);
+    expectUnchanged(relief("wood.png", broken), DiagnosticCode::PropertyType);
+}
+
+/// Two threads make the same image; then only one does.
+TEST_F(BakedImages, AreDiscardedUnlessSomebodyElseHasThem)
+{
+    const AssetPtr asset = relief("relief.png");
+    const auto before = content();
+    ASSERT_TRUE(translate(asset).succeeded);
+    const auto after = content();
+    EXPECT_GT(after.size(), before.size());
+    std::thread([&] { EXPECT_TRUE(translate(asset).succeeded); }).join();
+    discardLastBakes();
+    EXPECT_EQ(content(), after);
+    fs::remove_all(_folder / "M");
+    ASSERT_TRUE(translate(asset).succeeded);
+    discardLastBakes();
+    EXPECT_EQ(content(), before);
 }
 
 } // namespace
