@@ -156,6 +156,18 @@ void defineDocumentOptions(CLI::App& app, ConvertCommand& command)
                  "keep absolute image paths in the documents");
 }
 
+void addImageLimit(CLI::App& app, MaterialTranslation::ImageLimits& limits)
+{
+    constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20;
+    const auto set = [&limits](const std::uint64_t& size)
+    { limits.decodedBytes = size * mebibyte; };
+    app.add_option_function<std::uint64_t>(
+           "--image-limit", set,
+           "largest height image that is decoded, unpacked, in MiB (default 4096)")
+        ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1} << 30))
+        ->type_name("MIB");
+}
+
 CLI::App& defineConvert(CLI::App& root, ConvertCommand& command)
 {
     CLI::App& app = *root.add_subcommand("convert", "convert materials to MaterialX documents");
@@ -170,6 +182,7 @@ CLI::App& defineConvert(CLI::App& root, ConvertCommand& command)
         ->type_name("DIR");
     defineConversionOptions(app, command.options);
     defineDocumentOptions(app, command);
+    addImageLimit(app, command.limits);
     addNumber(app, "--jobs,-j", command.jobs,
               "materials translated side by side (default: the number of cores)", {1, mostJobs});
     addPath(app, "--report", command.report, "write a JSON report")->type_name("FILE");
@@ -220,6 +233,7 @@ CLI::App& defineBakeNormal(CLI::App& bake, BakeNormalCommand& command)
                "size of the image in the world (default 1 1)");
     addNumbers(app, "--bump-scale", command.options.bumpScale.data(), 2,
                "further factors along x and y (default 1 1)");
+    addImageLimit(app, command.options.limits);
     return app;
 }
 

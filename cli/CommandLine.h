@@ -43,6 +43,8 @@ struct ConvertCommand
     /// How the documents use the kvor nodes.
     MaterialTranslation::NodeForm nodes = MaterialTranslation::NodeForm::Reference;
     bool validate = false;
+    /// Of the images that are baked.
+    MaterialTranslation::ImageLimits limits;
     /// Materials translated side by side; 0: as many as there are cores.
     unsigned jobs = 0;
     /// JSON report; empty: none.

@@ -14,6 +14,7 @@
 #include <io.h>
 #include <windows.h>
 #else
+#include <fcntl.h>
 #include <unistd.h>
 #endif
 
@@ -69,8 +70,18 @@ extern "C" void onSignal(int signal)
 
 } // namespace
 
-void prepareStandardStreams()
+void prepareProcess()
 {
+#if !defined(_WIN32)
+    // A file that is opened later would get the number of a stream that is closed, and messages with it.
+    int opened = 0;
+    while (opened >= 0 && opened <= STDERR_FILENO)
+        opened = ::open("/dev/null", O_RDWR);
+    if (opened > STDERR_FILENO)
+        ::close(opened);
+    // No colour is converted, and a configuration that somebody names for other programs may be huge or a pipe.
+    ::unsetenv("OCIO");
+#endif
 #if defined(SIGPIPE)
     std::signal(SIGPIPE, SIG_IGN);
 #endif

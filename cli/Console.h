@@ -8,8 +8,8 @@ namespace vyr::cli
 {
 
 /// To be called first. A reader of the program's output that goes away must not end the program in
-/// the middle of a file.
-void prepareStandardStreams();
+/// the middle of a file; messages must not get into one; and the image library reads nothing but images.
+void prepareProcess();
 
 /// Writes one line to standard error, control characters escaped.
 void complain(std::string_view line);

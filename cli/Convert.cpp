@@ -259,7 +259,8 @@ ExitStatus convertAll(const ConvertCommand& command, const std::vector<Task>& ta
     const std::size_t workers = workersFor(command, tasks.size());
     const Converters converters = makeConverters(command, folder, workers);
     // Side by side with other materials a bake is not to take all cores.
-    const MaterialTranslation::BakeSettings bakes{.limits = {}, .threads = workers > 1 ? 1 : 0};
+    const MaterialTranslation::BakeSettings bakes{.limits = command.limits,
+                                                  .threads = workers > 1 ? 1 : 0};
     const auto work = [&](std::size_t worker, std::size_t step)
     {
         MaterialTranslation::setBakeSettings(bakes);

@@ -22,7 +22,7 @@ int main(int argc, char** argv)
     ExitStatus status = ExitStatus::SomeFailed;
     try
     {
-        prepareStandardStreams();
+        prepareProcess();
         catchStopRequests();
         const Request request = parseCommandLine(argc, argv);
         status = std::visit([](const auto& command) { return run(command); }, request);

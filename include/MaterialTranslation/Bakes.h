@@ -30,6 +30,8 @@ struct ImageLimits
     std::uint64_t pixels = std::uint64_t{1} << 28;
     /// Only the first channel of a height image is used, but all have to be decoded.
     int channels = 64;
+    /// Of all channels as the file stores them, unpacked: width times height times bytes a pixel.
+    std::uint64_t decodedBytes = std::uint64_t{1} << 32;
 };
 
 /// What became of a bake.

@@ -32,7 +32,10 @@ namespace vyr::MaterialTranslation
     X(UnitMisfit, "unit-misfit")                                                \
     X(FileMissing, "file-missing")                                              \
     X(MaterialMissing, "material-missing")                                      \
-    X(GraphEmpty, "graph-empty")
+    X(GraphEmpty, "graph-empty")                                                \
+    X(Inheritance, "inheritance")                                               \
+    X(ConnectionLoop, "connection-loop")                                        \
+    X(NameTwice, "name-twice")
 // clang-format on
 
 /// What is wrong in a document.

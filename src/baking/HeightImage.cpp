@@ -63,13 +63,15 @@ std::string startOf(const std::filesystem::path& path)
 {
     if (!base::isFile(path))
         throw BakeError(path, "no such image file");
+    // Files that the system makes up are empty by their size, and some of them wait for ever.
+    std::error_code error;
+    if (std::filesystem::file_size(path, error) == 0)
+        throw BakeError(path, "the image file is empty");
     std::ifstream file(path, std::ios::binary);
     std::array<char, 16> bytes{};
     file.read(bytes.data(), bytes.size());
-    if (file.bad() || !file.is_open())
+    if (file.bad() || !file.is_open() || file.gcount() == 0)
         throw BakeError(path, "the image file cannot be read");
-    if (file.gcount() == 0)
-        throw BakeError(path, "the image file is empty");
     return {bytes.data(), static_cast<std::size_t>(file.gcount())};
 }
 
@@ -107,11 +109,12 @@ void checkJpegEnd(const std::filesystem::path& path)
         throw BakeError(path, "the image file is truncated");
 }
 
-/// OpenImageIO's words on one line.
+/// OpenImageIO's words on one line. They may quote the file.
 std::string reason(const std::string& error)
 {
     std::string line(OIIO::Strutil::strip(error));
     std::ranges::replace(line, '\n', ' ');
+    line = base::printable(line);
     return line.empty() ? "the image file is damaged" : line;
 }
 
@@ -138,6 +141,9 @@ void checkShape(const std::filesystem::path& path, const OIIO::ImageSpec& spec,
     if (spec.nchannels < 1 || spec.nchannels > limits.channels)
         throw BakeError(path, fmt::format("{} channels, but an image may have 1 to {}",
                                           spec.nchannels, limits.channels));
+    if (spec.image_bytes(true) > limits.decodedBytes)
+        throw BakeError(path, fmt::format("{} bytes when unpacked are more than the limit of {}",
+                                          spec.image_bytes(true), limits.decodedBytes));
 }
 
 } // namespace

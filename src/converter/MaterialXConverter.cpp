@@ -127,6 +127,12 @@ template <class Operation> bool reporting(Operation operation)
             LogSession::log().error(DiagnosticCode::Exception, "", error.what());
         throw;
     }
+    catch (...)
+    {
+        if (LogSession::isOutermost())
+            LogSession::log().error(DiagnosticCode::Exception, "", "an exception of unknown type");
+        throw;
+    }
 }
 
 /// Registers a clone of the asset unless its name is registered already.

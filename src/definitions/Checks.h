@@ -29,6 +29,10 @@ struct Checks
     }
 };
 
+/// Loops of inheritance and of connections, on which MaterialX's functions do not end or throw.
+/// @return whether MaterialX can look elements up along inheritance; connections never keep it from that.
+bool checkStructure(const MaterialX::DocumentPtr& document, Checks& checks);
+
 /// What MaterialX's own validation says about an element, without what it says about its children.
 void checkRules(const MaterialX::ElementPtr& element, Checks& checks);
 
@@ -45,8 +49,10 @@ class UnreadableDocument : public std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/// Reads a ".mtlx" file and what it includes, and brings it up to MaterialX's current version.
+/// Reads a ".mtlx" file and what it includes, at most 1,000 files, and brings it up to MaterialX's current version.
+/// @param messages gets what MaterialX leaves out.
 /// @throws UnreadableDocument
-MaterialX::DocumentPtr readDocument(const std::filesystem::path& file);
+MaterialX::DocumentPtr readDocument(const std::filesystem::path& file,
+                                    std::vector<ValidationMessage>& messages);
 
 } // namespace vyr::MaterialTranslation::definitions

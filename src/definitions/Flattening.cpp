@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <unordered_map>
 
 #include "graph/Nodes.h"
 
@@ -20,6 +21,37 @@ bool isKvor(const mx::NodePtr& node)
 {
     return mx::stringStartsWith(node->getCategory(), kvorPrefix);
 }
+
+/// How many nodes come in the place of one, all the way down.
+class Expansion
+{
+  public:
+    /// More than any definition needs; what implements itself has no end at all.
+    static constexpr std::size_t most = 100000;
+
+    /// @param depth of the definitions around it.
+    /// @return at most `most` + 1.
+    std::size_t of(const mx::NodePtr& node, int depth = 0)
+    {
+        constexpr int mostDeep = 100;
+        const mx::NodeDefPtr definition = node->getNodeDef();
+        const auto graph =
+            definition ? std::dynamic_pointer_cast<mx::NodeGraph>(definition->getImplementation())
+                       : nullptr;
+        if (!graph)
+            return 1;
+        const auto [known, isNew] = _sizes.try_emplace(graph.get(), most + 1);
+        if (!isNew || depth > mostDeep)
+            return known->second;
+        std::size_t size = 1;
+        for (const mx::NodePtr& inner : graph->getNodes())
+            size += isKvor(inner) ? of(inner, depth + 1) : 1;
+        return _sizes[graph.get()] = std::min(size, most + 1);
+    }
+
+  private:
+    std::unordered_map<const mx::Element*, std::size_t> _sizes;
+};
 
 /// Whether an input may differ from what it is by default.
 bool isAltered(const mx::NodePtr& node, const char* name, const std::string& unaltered)
@@ -100,6 +132,7 @@ void flattenGraph(const mx::GraphElementPtr& graph, const Definitions& definitio
 {
     std::vector<mx::NodePtr> nodes;
     std::set<std::string> names;
+    Expansion expansion;
     for (const mx::NodePtr& node : graph->getNodes())
     {
         if (!isKvor(node))
@@ -108,11 +141,14 @@ void flattenGraph(const mx::GraphElementPtr& graph, const Definitions& definitio
         if (mx::stringStartsWith(node->getName(), geometryPrefix))
             node->setNameGlobal(graph::freeName(graph, "kvor_" + node->getName()));
         names.insert(node->getName());
-        if (node->getNodeDef())
+        const bool isDefined = node->getNodeDef() != nullptr;
+        if (isDefined && expansion.of(node) <= Expansion::most)
             nodes.push_back(node);
         else
             messages.push_back({node->getNamePath(), ValidationCode::NodeUndefined,
-                                "no definition of \"" + node->getCategory() + "\" fits"});
+                                isDefined
+                                    ? "its definition has no end, or too many nodes"
+                                    : "no definition of \"" + node->getCategory() + "\" fits"});
     }
     for (const mx::NodePtr& node : nodes)
     {

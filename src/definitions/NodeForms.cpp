@@ -43,14 +43,24 @@ void collectNeeded(const mx::ElementPtr& root, std::set<std::string>& needed)
 
 /// Copies the definitions and graphs of the kvor nodes that a document uses into it, with those that they
 /// use in turn, behind everything else and in the library's order.
-void embedDefinitions(const mx::DocumentPtr& document, const Definitions& definitions)
+void embedDefinitions(const mx::DocumentPtr& document, const Definitions& definitions,
+                      std::vector<ValidationMessage>& messages)
 {
     std::set<std::string> needed;
     collectNeeded(document, needed);
     for (const mx::ElementPtr& child : definitions.kvor->getChildren())
-        if (needed.count(child->getName()) != 0)
-            document->addChildOfCategory(child->getCategory(), child->getName())
-                ->copyContentFrom(child);
+    {
+        const std::string& name = child->getName();
+        if (needed.count(name) == 0)
+            continue;
+        // The document finds those of its data library too.
+        const mx::ElementPtr own = document->getChild(name);
+        if (own && own->getParent() == document)
+            messages.push_back({name, ValidationCode::NameTwice,
+                                "the document has an element of a definition's name"});
+        else
+            document->addChildOfCategory(child->getCategory(), name)->copyContentFrom(child);
+    }
 }
 
 void removeEmbedded(const mx::DocumentPtr& document)
@@ -178,7 +188,7 @@ std::vector<ValidationMessage> applyNodeForm(const mx::DocumentPtr& document, No
     std::vector<ValidationMessage> messages;
     removeEmbedded(document);
     if (form == NodeForm::Embed)
-        embedDefinitions(document, *definitions);
+        embedDefinitions(document, *definitions, messages);
     if (form == NodeForm::Standard)
         flattenNodes(document, *definitions, messages);
     if (form != NodeForm::Reference)

@@ -1,8 +1,10 @@
 #include "definitions/Checks.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <string_view>
+#include <unordered_set>
 
 #include <MaterialXFormat/XmlIo.h>
 #include <fmt/format.h>
@@ -25,8 +27,9 @@ std::string contentOf(const fs::path& file)
     const fs::file_status status = fs::status(file, error);
     if (!fs::exists(status))
         throw UnreadableDocument("there is no such file");
-    if (fs::is_directory(status))
-        throw UnreadableDocument("it is a folder");
+    if (!fs::is_regular_file(status))
+        throw UnreadableDocument(fs::is_directory(status) ? "it is a folder"
+                                                          : "it is no ordinary file");
     std::ifstream stream(file, std::ios::binary);
     std::string content{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
     if (!stream)
@@ -55,26 +58,157 @@ std::string parseFailure(std::string_view text, std::string_view content)
                        text.substr(opening.size(), at - opening.size()));
 }
 
+/// The start and end tags of a text that is known to be XML.
+class Tags
+{
+  public:
+    explicit Tags(std::string_view text) : _text(text) {}
+
+    /// Goes to the next tag.
+    bool next()
+    {
+        static constexpr std::pair<std::string_view, std::string_view> others[] = {
+            {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}, {"<!", ">"}};
+        _begin = _text.find('<', _end);
+        while (_begin != _text.npos)
+        {
+            const auto* other = std::ranges::find_if(
+                others, [&](const auto& o) { return _text.substr(_begin).starts_with(o.first); });
+            if (other == std::end(others))
+                break;
+            _begin = _text.find('<', _text.find(other->second, _begin + other->first.size()));
+        }
+        if (_begin == _text.npos)
+            return false;
+        char quote = 0;
+        for (_end = _begin; _end < _text.size() && (quote != 0 || _text[_end] != '>'); ++_end)
+            if (const char c = _text[_end]; quote == c)
+                quote = 0;
+            else if (quote == 0 && (c == '"' || c == '\''))
+                quote = c;
+        return true;
+    }
+
+    std::size_t offset() const { return _begin; }
+    bool closes() const { return _text[_begin + 1] == '/'; }
+    bool closesItself() const { return _text[_end - 1] == '/'; }
+
+    /// The value of the attribute "name"; empty without one.
+    std::string_view name() const
+    {
+        std::size_t at = _begin;
+        while ((at = _text.find_first_of("\"'", at)) < _end)
+        {
+            const std::size_t close = _text.find(_text[at], at + 1);
+            std::string_view before = _text.substr(_begin, at - _begin);
+            const auto trim = [&](std::string_view what)
+            { before = before.substr(0, before.find_last_not_of(what) + 1); };
+            trim(" \t\r\n");
+            trim("=");
+            trim(" \t\r\n");
+            if (before.ends_with("name") && before.find_last_of(" \t\r\n") + 5 == before.size())
+                return _text.substr(at + 1, close - at - 1);
+            at = close + 1;
+        }
+        return {};
+    }
+
+  private:
+    std::string_view _text;
+    std::size_t _begin = 0;
+    std::size_t _end = 0;
+};
+
+/// MaterialX leaves a second element of one name out.
+void findSecondNames(std::string_view content, const std::string& file,
+                     std::vector<ValidationMessage>& messages)
+{
+    std::vector<std::unordered_set<std::string_view>> open(1);
+    for (Tags tags(content); tags.next();)
+    {
+        if (tags.closes())
+        {
+            open.pop_back();
+            continue;
+        }
+        const std::string_view name = tags.name();
+        if (!name.empty() && !open.back().insert(name).second)
+            messages.push_back({"", ValidationCode::NameTwice,
+                                fmt::format("{}{}: a second element \"{}\"", file,
+                                            lineAndColumn(content, tags.offset()), name)});
+        if (!tags.closesItself())
+            open.emplace_back();
+    }
+}
+
+/// Reads a file and what it includes.
+class Reader
+{
+  public:
+    explicit Reader(std::vector<ValidationMessage>& messages) : _messages(messages)
+    {
+        _options.readXIncludeFunction =
+            [this](const mx::DocumentPtr& document, const mx::FilePath& file,
+                   const mx::FileSearchPath& path, const mx::XmlReadOptions* options)
+        {
+            // Files that include others twice are read twice as often with each level.
+            constexpr int mostIncludes = 1000;
+            const std::string found = path.find(file).asString();
+            if (++_includes > mostIncludes)
+                throw UnreadableDocument(
+                    fmt::format("more than {} files are included", mostIncludes));
+            try
+            {
+                read(document, found, found + ": ", *options);
+            }
+            catch (const UnreadableDocument& error)
+            {
+                throw UnreadableDocument(found + ": " + error.what());
+            }
+        };
+    }
+
+    void read(const mx::DocumentPtr& document, const std::string& name)
+    {
+        read(document, name, "", _options);
+    }
+
+  private:
+    void read(const mx::DocumentPtr& document, const std::string& name, const std::string& prefix,
+              const mx::XmlReadOptions& options)
+    {
+        const std::string content = contentOf(base::pathFromUtf8(name));
+        // MaterialX takes the content as a C string.
+        if (const std::size_t zero = content.find('\0'); zero != std::string::npos)
+            throw UnreadableDocument(lineAndColumn(content, zero) + ": a zero byte");
+        document->setSourceUri(name);
+        const mx::FileSearchPath folder(mx::FilePath(name).getParentPath().asString());
+        try
+        {
+            mx::readFromXmlString(document, content, folder, &options);
+        }
+        catch (const UnreadableDocument&)
+        {
+            throw;
+        }
+        catch (const std::exception& error)
+        {
+            throw UnreadableDocument(parseFailure(error.what(), content));
+        }
+        findSecondNames(content, prefix, _messages);
+    }
+
+    std::vector<ValidationMessage>& _messages;
+    mx::XmlReadOptions _options;
+    int _includes = 0;
+};
+
 } // namespace
 
-mx::DocumentPtr readDocument(const fs::path& file)
+mx::DocumentPtr readDocument(const fs::path& file, std::vector<ValidationMessage>& messages)
 {
-    const std::string content = contentOf(file);
-    // MaterialX takes the content as a C string.
-    if (const std::size_t zero = content.find('\0'); zero != std::string::npos)
-        throw UnreadableDocument(lineAndColumn(content, zero) + ": a zero byte");
-    const std::string name = base::utf8FromPath(file);
     mx::DocumentPtr document = mx::createDocument();
-    document->setSourceUri(name);
-    try
-    {
-        mx::readFromXmlString(document, content,
-                              mx::FileSearchPath(mx::FilePath(name).getParentPath().asString()));
-    }
-    catch (const std::exception& error)
-    {
-        throw UnreadableDocument(parseFailure(error.what(), content));
-    }
+    Reader(messages).read(document, base::utf8FromPath(file));
     return document;
 }
 

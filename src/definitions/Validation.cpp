@@ -124,23 +124,27 @@ std::vector<ValidationMessage> validateDocument(const mx::DocumentPtr& document,
     const definitions::DataLibraryScope scope(document, definitions->library);
     std::vector<ValidationMessage> messages;
     Checks checks{*definitions, searchPathOf(*document, options.searchFolders), messages};
-    checkTree(document, {!document->validate()}, checks);
+    if (checkStructure(document, checks))
+        checkTree(document, {!document->validate()}, checks);
     return messages;
 }
 
 std::vector<ValidationMessage> validateFile(const std::filesystem::path& file,
                                             const ValidationOptions& options)
 {
+    std::vector<ValidationMessage> messages;
     mx::DocumentPtr document;
     try
     {
-        document = definitions::readDocument(file);
+        document = definitions::readDocument(file, messages);
     }
     catch (const definitions::UnreadableDocument& error)
     {
         return {{"", ValidationCode::Unreadable, error.what()}};
     }
-    return validateDocument(document, options);
+    const std::vector<ValidationMessage> found = validateDocument(document, options);
+    messages.insert(messages.end(), found.begin(), found.end());
+    return messages;
 }
 
 } // namespace vyr::MaterialTranslation

@@ -265,6 +265,8 @@ TEST(MaterialBakes, ThatFailSayWhy)
     BumpBake bump{folder / "height.png"};
     BumpBake large = bump;
     large.limits.pixels = 32 * 32 - 1;
+    BumpBake packed = bump;
+    packed.limits.decodedBytes = 32 * 32 - 1;
     NoiseBumpBake noise{noiseOptions(8)};
     NormalBakeOptions noScale;
     noScale.bumpAmount = 1.0f;
@@ -279,6 +281,7 @@ TEST(MaterialBakes, ThatFailSayWhy)
     };
     expect("nothing.png: no such image", bakeBump({folder / "nothing.png"}, file));
     expect("height.png: 32 x 32 pixels are more", bakeBump(large, file));
+    expect("height.png: 1024 bytes when unpacked are more", bakeBump(packed, file));
     expect("a.png: 0 x 0 is no image", bakeNoiseBump({}, file));
     expect("a.png: the bump amount", bakeNoiseBump({noise.noise, infinity}, file));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)

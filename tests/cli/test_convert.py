@@ -6,6 +6,7 @@ import struct
 import sys
 import unittest
 import zlib
+from unittest import mock
 
 from support import BROKEN, GREY, MISSPELT, ToolTest, material, textured
 
@@ -160,6 +161,12 @@ class ListAndOverlay(ToolTest):
 
 
 class Bake(ToolTest):
+    def setUp(self):
+        super().setUp()
+        # A colour configuration that nobody ever writes into.
+        os.mkfifo(self.folder / "pipe")
+        self.enterContext(mock.patch.dict(os.environ, OCIO=str(self.folder / "pipe")))
+
     def size(self, file):
         """Width, height and number of channels of a PNG image."""
         width, height, _, kind = struct.unpack(">IIBB", (self.folder / file).read_bytes()[16:26])

@@ -243,6 +243,8 @@ TEST(NodeForms, AreWhatIsExpected)
         {"conversions.mtlx", NodeForm::Embed, "conversions-embed.xml"},
         {"conversions.mtlx", NodeForm::Standard, "conversions-standard.xml"},
         {"names.mtlx", NodeForm::Standard, "names-standard.xml"},
+        {"endless.mtlx", NodeForm::Embed, "endless-embed.xml"},
+        {"endless.mtlx", NodeForm::Standard, "endless-standard.xml"},
     };
     for (const auto& [source, form, expected] : forms)
     {
