@@ -142,15 +142,16 @@ class GenericRules
 
     void readTextures()
     {
-        const float bumpAmount = at(row("generic_bump_amount")).numberIfAny().value_or(0.0f);
         const auto shows = [&](const GenericProperty& p)
         {
-            return p.input && (!p.fade || _asset[p.fade].numberIfAny().value_or(1.0f) > 0.0f) &&
+            return p.input && at(p).isConnected() &&
+                   (!p.fade || _asset[p.fade].numberIfAny().value_or(1.0f) > 0.0f) &&
                    (!p.needs || _asset[p.needs].hasValue()) && (!p.mayShow || p.mayShow(_asset));
         };
         for (const GenericProperty& property : properties)
             if (shows(property))
-                _textures.read(property.name, property.role, "", bumpAmount);
+                _textures.read(property.name, property.role, "",
+                               at(row("generic_bump_amount")).numberIfAny().value_or(0.0f));
     }
 
     /// Enters the texture connected to a property for its shader input. Of a fade documents know all or

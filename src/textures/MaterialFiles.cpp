@@ -30,8 +30,16 @@ BakeSettings& threadSettings()
 } // namespace
 
 MaterialFiles::MaterialFiles(const std::string& outputDirectory, const std::string& material)
-    : _folder(fs::absolute(base::pathFromUtf8(outputDirectory)) / base::pathFromUtf8(material))
+    : _outputDirectory(outputDirectory), _material(material)
 {
+}
+
+const fs::path& MaterialFiles::folder() const
+{
+    if (_folder.empty())
+        _folder =
+            fs::absolute(base::pathFromUtf8(_outputDirectory)) / base::pathFromUtf8(_material);
+    return _folder;
 }
 
 MaterialFiles::~MaterialFiles()
@@ -43,24 +51,24 @@ MaterialFiles::~MaterialFiles()
 void MaterialFiles::makeFolder()
 {
     std::error_code error;
-    const fs::file_status status = fs::symlink_status(_folder, error);
+    const fs::file_status status = fs::symlink_status(folder(), error);
     if (fs::is_directory(status))
         return;
     if (fs::exists(status))
         error = std::make_error_code(std::errc::not_a_directory);
-    else if (fs::create_directory(_folder, error); !error)
+    else if (fs::create_directory(folder(), error); !error)
     {
         _madeFolder = true;
         return;
     }
-    throw fs::filesystem_error("create_directory", _folder, error);
+    throw fs::filesystem_error("create_directory", folder(), error);
 }
 
 fs::path MaterialFiles::freePlace(const std::string& name,
                                   const std::vector<std::string>& others) const
 {
     const auto placeOf = [&](const std::string& text)
-    { return _folder / base::pathFromUtf8(text); };
+    { return folder() / base::pathFromUtf8(text); };
     const auto isFree = [&](const std::string& candidate)
     {
         const fs::path place = placeOf(candidate);
@@ -115,7 +123,7 @@ void MaterialFiles::discard()
     _files.clear();
     std::error_code ignored;
     if (std::exchange(_madeFolder, false))
-        fs::remove(_folder, ignored); // refuses when something is in it
+        fs::remove(folder(), ignored); // refuses when something is in it
 }
 
 void MaterialFiles::keep(std::unique_ptr<MaterialFiles> files)

@@ -27,7 +27,7 @@ class MaterialFiles
     MaterialFiles& operator=(const MaterialFiles&) = delete;
 
     /// Absolute.
-    const std::filesystem::path& folder() const { return _folder; }
+    const std::filesystem::path& folder() const;
 
     /// Makes the folder when it is missing.
     /// @throws std::filesystem::filesystem_error "create_directory" when it cannot be made, and when a
@@ -75,7 +75,10 @@ class MaterialFiles
         bool isPublished = false;
     };
 
-    std::filesystem::path _folder;
+    std::string _outputDirectory;
+    std::string _material;
+    /// Empty until it is asked for: most materials have no files.
+    mutable std::filesystem::path _folder;
     bool _madeFolder = false;
     bool _kept = false;
     std::vector<File> _files;
