@@ -15,6 +15,11 @@
 # Never link modules and vyr::mtlx_converter together: everything would be there twice.
 function(vyr_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;MODULES;LIBRARIES")
+    file(GLOB tests CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" *Test.cpp)
+    list(REMOVE_ITEM tests ${arg_SOURCES})
+    if(tests)
+        message(FATAL_ERROR "no program has the tests ${tests} of ${CMAKE_CURRENT_SOURCE_DIR}")
+    endif()
     vyr_add_program(test_${name} "${arg_SOURCES}" "${arg_MODULES}")
     target_link_libraries(test_${name} PRIVATE ${arg_LIBRARIES} GTest::gtest_main)
     if(NOT MSVC)

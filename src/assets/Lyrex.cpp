@@ -120,6 +120,15 @@ constexpr LyrexFamily families[] = {
     {"LyrexGlazingSchema", "kvor:glazing", glazing},
 };
 
+constexpr bool isInAFamily(const LyrexProperty& property)
+{
+    const auto has = [&](const LyrexFamily& family)
+    { return std::ranges::find(family.properties, &property) != family.properties.end(); };
+    return std::ranges::any_of(families, has);
+}
+
+static_assert(std::ranges::all_of(properties, isInAFamily), "a property that no family has");
+
 constexpr std::string_view namePrefix = "Lyrex-";
 
 struct PresetRange

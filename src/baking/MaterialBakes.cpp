@@ -77,31 +77,36 @@ OIIO::ImageBuf checkedNoise(const NoiseBakeOptions& options, const fs::path& des
 
 } // namespace
 
-BakeOutcome bakeBump(const BumpBake& bake, const fs::path& place)
+BakeOutcome bakeBump(const BumpBake& bake, const BakeSettings& settings, const fs::path& place)
 {
     BakeOutcome outcome;
     const auto run = [&]
     {
-        HeightImage height = readHeightImage(bake.image, bake.limits, bake.threads);
+        HeightImage height = readHeightImage(bake.image, settings.limits, settings.threads);
         height.source.attribute("texture_RealWorldScaleX", bake.realWorldScaleX);
         height.source.attribute("texture_RealWorldScaleY", bake.realWorldScaleY);
-        const OIIO::ImageBuf normals = bakeNormalImage(height.heights, height.source, bake.threads);
-        outcome.file = encodeFor(place, normals, bake.threads);
+        const OIIO::ImageBuf normals =
+            bakeNormalImage(height.heights, height.source, settings.threads);
+        outcome.file = encodeFor(place, normals, settings.threads);
     };
     outcome.message = failureOf(bake.image, run);
     return outcome;
 }
 
-BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const fs::path& place)
+BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const BakeSettings& settings,
+                          const fs::path& place)
 {
     BakeOutcome outcome;
     const auto run = [&]
     {
         NormalBakeOptions options;
         options.bumpAmount = bake.bumpAmount;
-        options.threads = bake.noise.threads;
+        options.threads = settings.threads;
+        NoiseBakeOptions noiseOptions = bake.noise;
+        noiseOptions.limits = settings.limits;
+        noiseOptions.threads = settings.threads;
         checkStrength(place, options);
-        const OIIO::ImageBuf noise = checkedNoise(bake.noise, place, outcome.warnings);
+        const OIIO::ImageBuf noise = checkedNoise(noiseOptions, place, outcome.warnings);
         outcome.file = encodeFor(place, bakeNormals(noise, options), options.threads);
     };
     outcome.message = failureOf(place, run);

@@ -29,15 +29,12 @@ struct BumpBake
     /// Set as "texture_RealWorldScaleX" and "texture_RealWorldScaleY" of the bake, which does not use them.
     float realWorldScaleX = 0.0f;
     float realWorldScaleY = 0.0f;
-    ImageLimits limits{};
-    /// 0: as many threads as OpenImageIO uses by default; 1: only the calling thread.
-    int threads = 0;
 };
 
 /// A noise texture that a material uses as bump.
 struct NoiseBumpBake
 {
-    /// Width and height are those of the normal map.
+    /// Width and height are those of the normal map; its own limits and threads do not count.
     NoiseBakeOptions noise{};
     /// Strength of the relief; 0 leaves the slopes as they are.
     float bumpAmount = 0.0f;
@@ -47,11 +44,13 @@ struct NoiseBumpBake
 /// none that count: the strength is 1. Nothing is thrown.
 ///
 /// @param place  Where the image will be; the extension names the format.
-BakeOutcome bakeBump(const BumpBake& bake, const std::filesystem::path& place);
+BakeOutcome bakeBump(const BumpBake& bake, const BakeSettings& settings,
+                     const std::filesystem::path& place);
 
 /// Bakes noise, and from it a normal map. Nothing is thrown.
 ///
 /// @param place  Where the image will be, for messages; the extension names the format.
-BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const std::filesystem::path& place);
+BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const BakeSettings& settings,
+                          const std::filesystem::path& place);
 
 } // namespace vyr::MaterialTranslation::baking

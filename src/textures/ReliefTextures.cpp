@@ -56,11 +56,9 @@ Reading readBump(const TextureRequest& request)
     bump.image = base::pathFromUtf8(image);
     bump.realWorldScaleX = placement.realWorldOffset.value[0];
     bump.realWorldScaleY = placement.realWorldOffset.value[1];
-    bump.limits = request.translation.bakes.limits;
-    bump.threads = request.translation.bakes.threads;
     reading.bake = {base::safeName(base::utf8FromPath(bump.image.stem()) + "_normalmap.png"),
-                    [bump](const std::filesystem::path& destination)
-                    { return baking::bakeBump(bump, destination); }};
+                    [bump](const std::filesystem::path& place, const BakeSettings& settings)
+                    { return baking::bakeBump(bump, settings, place); }};
     return reading;
 }
 
@@ -83,15 +81,13 @@ Reading readNoise(const TextureRequest& request)
     noise.phase = asset["noise_Phase"].number(0.0f);
     noise.width = static_cast<int>(std::min(request.translation.options.imageSize, largest));
     noise.height = noise.width;
-    noise.limits = request.translation.bakes.limits;
-    noise.threads = request.translation.bakes.threads;
     reading.texture.realWorldScale = asset["texture_RealWorldScaleX"].hasValue()
                                          ? readRealWorldScale(request)
                                          : Measured<assets::Vector2>{{1.0f, 1.0f}, {}};
     reading.bake = {std::string(request.property) + "_" + std::to_string(noise.width) +
                         "normal_map.png",
-                    [bake](const std::filesystem::path& destination)
-                    { return baking::bakeNoiseBump(bake, destination); }};
+                    [bake](const std::filesystem::path& place, const BakeSettings& settings)
+                    { return baking::bakeNoiseBump(bake, settings, place); }};
     return reading;
 }
 

@@ -157,7 +157,7 @@ void TextureSet::bakeInto(Entry& entry, const std::vector<std::string>& images)
     const Log log = _translation.log.into(entry.messages);
     const std::filesystem::path place =
         _translation.files.freePlace(entry.reading->bake->fileName, images);
-    const baking::BakeOutcome outcome = entry.reading->bake->run(place);
+    const baking::BakeOutcome outcome = entry.reading->bake->run(place, _translation.bakes);
     for (const std::string& warning : outcome.warnings)
         log.warning(DiagnosticCode::ValueAdjusted, entry.property, warning);
     if (outcome.file.empty())

@@ -17,6 +17,7 @@
 /// properties are textured. After the second stage a texture is a record with a file, or there is none.
 namespace vyr::MaterialTranslation
 {
+struct BakeSettings;
 struct Translation;
 namespace baking
 {
@@ -92,7 +93,9 @@ struct Bake
 {
     /// Name of the file in the material's folder.
     std::string fileName;
-    std::function<baking::BakeOutcome(const std::filesystem::path& place)> run;
+    std::function<baking::BakeOutcome(const std::filesystem::path& place,
+                                      const BakeSettings& settings)>
+        run;
 };
 
 /// What a texture asset says: a texture, and what it still needs.

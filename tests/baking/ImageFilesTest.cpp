@@ -231,7 +231,7 @@ TEST(MaterialBakes, OfBumpImagesTakeTheImagesOwnAttributes)
     BumpBake bump;
     bump.image = folder / "bröck.v2.exr";
     writeImage(height, bump.image);
-    const BakeOutcome outcome = bakeBump(bump, folder / "baked.png");
+    const BakeOutcome outcome = bakeBump(bump, {}, folder / "baked.png");
     EXPECT_EQ(outcome.message, "");
     EXPECT_EQ(outcome.file, encodeFor("a.png", bakeNormalImage(height, height.spec())));
 
@@ -247,7 +247,7 @@ TEST(MaterialBakes, OfNoiseAreItsNormals)
 {
     const TemporaryFolder folder;
     const NoiseBumpBake bump{noiseOptions(64), 0.25f};
-    const BakeOutcome outcome = bakeNoiseBump(bump, folder / "baked.png");
+    const BakeOutcome outcome = bakeNoiseBump(bump, {}, folder / "baked.png");
     ASSERT_EQ(outcome.warnings.size(), 1U) << outcome.message;
     EXPECT_NE(outcome.warnings[0].find("baked.png: 40 noise levels"), std::string::npos);
     ASSERT_TRUE(bakeNoiseFile(folder / "noise.exr", bump.noise).success);
@@ -263,10 +263,10 @@ TEST(MaterialBakes, ThatFailSayWhy)
     const TemporaryFolder folder;
     writeImage(picture(32, 32, 1), folder / "height.png");
     BumpBake bump{folder / "height.png"};
-    BumpBake large = bump;
-    large.limits.pixels = 32 * 32 - 1;
-    BumpBake packed = bump;
+    BakeSettings few, packed, many;
+    few.limits.pixels = 32 * 32 - 1;
     packed.limits.decodedBytes = 32 * 32 - 1;
+    many.limits.pixels = std::uint64_t{1} << 62;
     NoiseBumpBake noise{noiseOptions(8)};
     NormalBakeOptions noScale;
     noScale.bumpAmount = 1.0f;
@@ -279,16 +279,16 @@ TEST(MaterialBakes, ThatFailSayWhy)
         EXPECT_TRUE(outcome.file.empty()) << reason;
         EXPECT_NE(outcome.message.find(reason), std::string::npos) << outcome.message;
     };
-    expect("nothing.png: no such image", bakeBump({folder / "nothing.png"}, file));
-    expect("height.png: 32 x 32 pixels are more", bakeBump(large, file));
-    expect("height.png: 1024 bytes when unpacked are more", bakeBump(packed, file));
-    expect("a.png: 0 x 0 is no image", bakeNoiseBump({}, file));
-    expect("a.png: the bump amount", bakeNoiseBump({noise.noise, infinity}, file));
+    expect("nothing.png: no such image", bakeBump({folder / "nothing.png"}, {}, file));
+    expect("height.png: 32 x 32 pixels are more", bakeBump(bump, few, file));
+    expect("height.png: 1024 bytes when unpacked are more", bakeBump(bump, packed, file));
+    expect("a.png: 64 x 64 pixels are more", bakeNoiseBump({noiseOptions(64)}, few, file));
+    expect("a.png: 0 x 0 is no image", bakeNoiseBump({}, {}, file));
+    expect("a.png: the bump amount", bakeNoiseBump({noise.noise, infinity}, {}, file));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     // Sanitizers end the program instead.
     noise.noise = noiseOptions(1 << 23);
-    noise.noise.limits.pixels = std::uint64_t{1} << 62;
-    expect("a.png: not enough memory", bakeNoiseBump(noise, file));
+    expect("a.png: not enough memory", bakeNoiseBump(noise, many, file));
 #endif
     const std::pair<BakeResult, const char*> results[] = {
         {bakeNormalMapFile(bump.image, bump.image), "height.png: the normal map would overwrite"},

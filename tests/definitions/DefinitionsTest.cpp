@@ -141,6 +141,14 @@ TEST(Registry, HasEveryRowInAGoldenCase)
         if (entry.path().filename() == "assets.json")
             all += support::readFile(entry.path());
     std::vector<std::string> rows = materials::genericPropertyNames();
+    const std::string root = VYR_SOURCE_DIR;
+    const std::string used =
+        support::readFile(root + "/tests/cases/description/expected/verbose/messages");
+    for (const std::string& row : rows)
+        EXPECT_NE(used.find(row), std::string::npos) << row << " is read by no rule";
+    const std::string page = support::readFile(root + "/docs/textures.md");
+    for (const std::string& schema : textures::textureSchemas())
+        EXPECT_NE(page.find(schema), std::string::npos) << schema << " is not in textures.md";
     for (const std::string& schema : textures::textureSchemas())
         rows.push_back(schema);
     for (const auto& family : assets::lyrexFamilies())

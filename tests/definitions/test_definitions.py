@@ -1,11 +1,14 @@
 """The kvor definitions: complete, valid, and able to generate shaders for every target."""
 
+import pathlib
 import unittest
 
 import kvor_library as kv
+import MaterialX as mx
 import MaterialX.PyMaterialXGenShader as mx_gen
 from gl_picture import compiled
 
+ROOT = pathlib.Path(__file__).resolve().parents[2]
 UNITS = {"distance": "inch", "angle": "radians", "luminance": "footlambert"}
 VALUES = {
     "filename": "image.png", "vector2": "0.5, 2", "vector3": "0, 0, 1", "color3": "0.2, 0.4, 0.6", "float": "0.5",
@@ -48,6 +51,17 @@ class Definitions(unittest.TestCase):
                     self.assertTrue(value.hasValueString() or value.hasDefaultGeomPropString())
                     if value.getUnitType() in ("angle", "luminance"):
                         self.assertTrue(value.getUnit(), "MaterialX converts to the unit of the scene's lengths without one")
+
+
+    def test_every_input_has_an_effect_and_every_node_a_picture(self):
+        shown = (ROOT / "tools/gallery/src/examples.js").read_text()
+        for definition in nodes():
+            node = definition.getNodeString()
+            self.assertIn(f'"{node}"', shown)
+            self.assertTrue((ROOT / f"docs/pictures/node-{node}.webp").exists(), node)
+            used = {e.getInterfaceName() for e in definition.getImplementation().traverseTree() if e.isA(mx.Input)}
+            for value in definition.getInputs():
+                self.assertIn(value.getName(), used, node)
 
 
 class Shaders(unittest.TestCase):
