@@ -118,9 +118,6 @@ void addOutputFolder(CLI::App& app, std::string& output)
 
 void defineConversionOptions(CLI::App& app, MaterialTranslation::ConverterOptions& options)
 {
-    app.add_flag("--look", options.addLook, "add the look \"default\" for all geometry");
-    app.add_flag("--copy-textures", options.copyTextures,
-                 "gather image files in DIR/<material name>");
     app.add_flag("--id-names", options.useAssetIdInName, "put the identifier into material names");
     addNumber(app, "--color-mode", options.colorMode,
               "what plain colours are taken for: 1 power 2.2, 2 Rec.709 display (default), "
@@ -137,9 +134,19 @@ void defineConversionOptions(CLI::App& app, MaterialTranslation::ConverterOption
                  "print every property read to standard output; implies --jobs 1");
 }
 
-void defineDocumentOptions(CLI::App& app, ConvertCommand& command)
+/// @param thing that the command makes documents of, such as "material".
+void defineDocumentOptions(CLI::App& app, DocumentsCommand& command, const std::string& thing)
 {
     using MaterialTranslation::NodeForm;
+    addFiles(app, command.files);
+    addOutputFolder(app, command.output);
+    addRepeatable(app, "--texture-path", command.texturePaths,
+                  "a further folder to look image references up in; repeatable")
+        ->check(pathProblem)
+        ->type_name("DIR");
+    app.add_flag("--look", command.options.addLook, "add the look \"default\" for all geometry");
+    app.add_flag("--copy-textures", command.options.copyTextures,
+                 "gather image files in DIR/<" + thing + " name>");
     static const std::map<std::string, NodeForm> forms = {{"reference", NodeForm::Reference},
                                                           {"embed", NodeForm::Embed},
                                                           {"standard", NodeForm::Standard}};
@@ -154,6 +161,11 @@ void defineDocumentOptions(CLI::App& app, ConvertCommand& command)
                  "check every document before it is written; an invalid one counts as failed");
     app.add_flag("--absolute-paths", command.absolutePaths,
                  "keep absolute image paths in the documents");
+    addNumber(app, "--jobs,-j", command.jobs,
+              thing + "s converted side by side (default: the number of cores)", {1, mostJobs});
+    addPath(app, "--report", command.report, "write a JSON report")->type_name("FILE");
+    app.add_flag("--strict", command.strict, thing + "s with a warning count as failed");
+    app.add_flag("--quiet,-q", command.quiet, "no progress, no summary");
 }
 
 void addImageLimit(CLI::App& app, MaterialTranslation::ImageLimits& limits)
@@ -171,31 +183,19 @@ void addImageLimit(CLI::App& app, MaterialTranslation::ImageLimits& limits)
 CLI::App& defineConvert(CLI::App& root, ConvertCommand& command)
 {
     CLI::App& app = *root.add_subcommand("convert", "convert materials to MaterialX documents");
-    addFiles(app, command.files);
-    addOutputFolder(app, command.output);
+    defineDocumentOptions(app, command, "material");
     addRepeatable(app, "--asset", command.assets,
                   "convert only the material of this identifier; repeatable")
         ->type_name("ID");
-    addRepeatable(app, "--texture-path", command.texturePaths,
-                  "a further folder to look image references up in; repeatable")
-        ->check(pathProblem)
-        ->type_name("DIR");
     defineConversionOptions(app, command.options);
-    defineDocumentOptions(app, command);
     addImageLimit(app, command.limits);
-    addNumber(app, "--jobs,-j", command.jobs,
-              "materials translated side by side (default: the number of cores)", {1, mostJobs});
-    addPath(app, "--report", command.report, "write a JSON report")->type_name("FILE");
-    app.add_flag("--strict", command.strict, "a material with a warning counts as failed");
-    app.add_flag("--quiet,-q", command.quiet, "no progress, no summary");
     return app;
 }
 
 CLI::App& defineOverlay(CLI::App& root, OverlayCommand& command)
 {
     CLI::App& app = *root.add_subcommand("overlay", "convert decals and threads");
-    addFiles(app, command.files);
-    addOutputFolder(app, command.output);
+    defineDocumentOptions(app, command, "overlay");
     return app;
 }
 

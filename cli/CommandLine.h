@@ -28,13 +28,11 @@ enum class ExitStatus : int
     Interrupted = 130,
 };
 
-/// `vyr-mtlx convert`.
-struct ConvertCommand
+/// What commands have in common that make documents of asset files.
+struct DocumentsCommand
 {
     std::vector<std::string> files;
     std::string output;
-    /// Identifiers of the only materials to convert; empty: all.
-    std::vector<std::string> assets;
     /// Further folders to look image references up in.
     std::vector<std::string> texturePaths;
     /// `outputDirectory` is filled when the folder is known to exist.
@@ -43,9 +41,7 @@ struct ConvertCommand
     /// How the documents use the kvor nodes.
     MaterialTranslation::NodeForm nodes = MaterialTranslation::NodeForm::Reference;
     bool validate = false;
-    /// Of the images that are baked.
-    MaterialTranslation::ImageLimits limits;
-    /// Materials translated side by side; 0: as many as there are cores.
+    /// Documents made side by side; 0: as many as there are cores.
     unsigned jobs = 0;
     /// JSON report; empty: none.
     std::string report;
@@ -53,11 +49,18 @@ struct ConvertCommand
     bool quiet = false;
 };
 
-/// `vyr-mtlx overlay`.
-struct OverlayCommand
+/// `vyr-mtlx convert`.
+struct ConvertCommand : DocumentsCommand
 {
-    std::vector<std::string> files;
-    std::string output;
+    /// Of the images that are baked.
+    MaterialTranslation::ImageLimits limits;
+    /// Identifiers of the only materials to convert; empty: all.
+    std::vector<std::string> assets;
+};
+
+/// `vyr-mtlx overlay`.
+struct OverlayCommand : DocumentsCommand
+{
 };
 
 /// `vyr-mtlx list`.

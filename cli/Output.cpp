@@ -105,13 +105,6 @@ fs::path documentFile(const std::string& name)
     return base::pathFromUtf8(name + ".mtlx");
 }
 
-std::string documentName(const std::string& text)
-{
-    std::string name;
-    std::ranges::copy_if(text, std::back_inserter(name), base::isAsciiAlphanumeric);
-    return !name.empty() && base::isAsciiDigit(name.front()) ? "M" + name : name;
-}
-
 void addDiagnostics(Outcome& outcome, const std::string& reason)
 {
     namespace mt = MaterialTranslation;

@@ -60,10 +60,6 @@ class DocumentNames
 /// The file name of a document.
 std::filesystem::path documentFile(const std::string& name);
 
-/// A name for a document from any text, by the rule of material names: the ASCII letters and digits
-/// of the text, with "M" before a leading digit; empty when it has none.
-std::string documentName(const std::string& text);
-
 /// Something that was lost or changed on the way.
 struct Warning
 {

@@ -3,19 +3,16 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <variant>
 #include <vector>
 
 #include <MaterialTranslation/DecalInfo.h>
-#include <MaterialTranslation/MaterialXConverter.h>
+#include <MaterialTranslation/Overlays.h>
 #include <MaterialTranslation/ThreadInfo.h>
-#include <kelvor/platform/core/string/IString.h>
 
-#include "CommandLine.h"
 #include "Console.h"
-#include "Output.h"
-#include "Source.h"
+#include "Documents.h"
+#include "base/Paths.h"
 
 namespace vyr::cli
 {
@@ -72,108 +69,64 @@ mt::ThreadInfo toInfo(const assetlib::Thread& thread)
     return info;
 }
 
-class Text final : public kelvor::platform::core::string::IString
-{
-  public:
-    void Assign(const kelvor::platform::core::string::UTF8String& text) override
-    {
-        _text = text.str();
-    }
-    const std::string& text() const { return _text; }
-
-  private:
-    std::string _text;
-};
-
 template <class Payload>
-bool convert(mt::MaterialXConverter& converter, const std::string& name, mt::ConversionType type,
-             Payload payload, Text& document)
+MaterialX::DocumentPtr build(const std::string& name, mt::ConversionType type, Payload payload,
+                             const mt::ConverterOptions& options)
 {
     mt::MaterialInfo info;
     info.name = name;
     info.type = type;
     info.payload = &payload;
-    return converter.Convert(info, document);
+    return mt::buildOverlay(info, options);
 }
 
-bool convert(mt::MaterialXConverter& converter, const assetlib::Overlay& overlay,
-             const std::string& name, Text& document)
+MaterialX::DocumentPtr build(const Task& task, const mt::ConverterOptions& options)
 {
-    if (const auto* decal = std::get_if<assetlib::Decal>(&overlay.content))
-        return convert(converter, name, mt::ConversionType::Decal, toInfo(*decal), document);
-    return convert(converter, name, mt::ConversionType::Thread,
-                   toInfo(std::get<assetlib::Thread>(overlay.content)), document);
+    const auto& content = std::get<const assetlib::Overlay*>(task.item)->content;
+    if (const auto* decal = std::get_if<assetlib::Decal>(&content))
+        return build(task.name, mt::ConversionType::Decal, toInfo(*decal), options);
+    return build(task.name, mt::ConversionType::Thread, toInfo(std::get<assetlib::Thread>(content)),
+                 options);
 }
 
-/// Why an overlay cannot have the document of that name; empty when it can.
-std::string refusalOf(const assetlib::Overlay& overlay, const std::string& name,
-                      DocumentNames& names)
+/// An overlay's document; null when there is none, and when it would be empty.
+MaterialX::DocumentPtr translate(const Task& task, const mt::ConverterOptions& options,
+                                 Outcome& outcome)
 {
-    return name.empty() ? "the name has no ASCII letter or digit"
-                        : names.claim(name, subjectOf(overlay) + " of " + overlay.file);
-}
-
-/// Adds what loading found about the overlay.
-void addWarnings(const assetlib::Overlay& overlay, const Source& source, Outcome& outcome)
-{
-    for (const assetlib::LoadWarning& warning : source.warnings)
-        if (warning.file == overlay.file && warning.pointer.starts_with(overlay.pointer + "/"))
-            outcome.warnings.push_back({{}, warning.property, warning.message});
-}
-
-Outcome convert(mt::MaterialXConverter& converter, const assetlib::Overlay& overlay,
-                const std::string& name, const OutputFolder& folder)
-{
-    Outcome outcome;
-    Text document;
-    std::string reason = "the library cannot build it";
+    MaterialX::DocumentPtr document;
+    std::string reason = "there is nothing to build";
     try
     {
-        outcome.converted = convert(converter, overlay, name, document);
+        document = build(task, options);
     }
     catch (const std::exception& error)
     {
         reason = error.what();
     }
-    addDiagnostics(outcome, outcome.converted ? "" : reason);
-    if (outcome.converted)
-        writeDocument(folder.shown / documentFile(name), document.text(), outcome);
-    return outcome;
+    addDiagnostics(outcome, document ? "" : reason);
+    return document;
 }
 
 } // namespace
 
 ExitStatus run(const OverlayCommand& command)
 {
-    const std::optional<Source> source = loadFiles(command.files);
+    const std::optional<Source> source = loadFiles(command.files, command.texturePaths);
     if (!source)
         return ExitStatus::WrongUse;
+    const std::vector<Task> tasks = makeTasks(command, *source);
+    if (!canConvert(command, tasks))
+        return ExitStatus::WrongUse;
+
     finishBeforeStopping();
     const std::optional<OutputFolder> folder = makeOutputFolder(command.output);
     if (!folder)
         return ExitStatus::WrongUse;
-
-    mt::ConverterOptions options;
-    mt::MaterialXConverter converter(options);
-    DocumentNames names;
-    Results results;
-    bool allConverted = true;
-    for (const assetlib::Overlay& overlay : source->library.overlays())
-    {
-        if (stopRequested())
-            return ExitStatus::Interrupted;
-        Outcome outcome;
-        const std::string name = documentName(overlay.name);
-        outcome.message = refusalOf(overlay, name, names);
-        if (outcome.message.empty())
-            outcome = convert(converter, overlay, name, *folder);
-        addWarnings(overlay, *source, outcome);
-        complainAsIs(messageLines(overlay.file, subjectOf(overlay), outcome));
-        if (outcome.converted)
-            results.write(outcome.document + '\n');
-        allConverted = allConverted && outcome.converted;
-    }
-    return allConverted && results.delivered() ? ExitStatus::Done : ExitStatus::SomeFailed;
+    mt::ConverterOptions options = command.options;
+    options.outputDirectory = base::utf8FromPath(folder->absolute);
+    const auto work = [&](std::size_t /*worker*/, const Task& task, Outcome& outcome)
+    { return translate(task, options, outcome); };
+    return convertAll(command, tasks, "overlays", *folder, workersFor(command, tasks.size()), work);
 }
 
 } // namespace vyr::cli

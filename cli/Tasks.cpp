@@ -12,6 +12,7 @@
 
 #include "Console.h"
 #include "base/Paths.h"
+#include "base/Text.h"
 
 namespace vyr::cli
 {
@@ -19,6 +20,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
+using kelvor::platform::assets::IAssetInstance;
 using MaterialTranslation::ConverterOptions;
 using MaterialTranslation::MaterialXConverter;
 
@@ -37,7 +39,20 @@ bool allExist(const std::vector<std::string>& ids, const assetlib::Library& libr
 
 std::string claim(DocumentNames& names, const std::string& name, const Task& task)
 {
-    return names.claim(name, subjectOf(*task.material) + " of " + task.material->file);
+    return names.claim(name, subjectOf(task) + " of " + fileOf(task));
+}
+
+const IAssetInstance& assetOf(const Task& task)
+{
+    return *std::get<const assetlib::Material*>(task.item)->asset;
+}
+
+/// The images that a material or overlay refers to.
+std::vector<std::string> referencesOf(const Task& task)
+{
+    if (const auto* overlay = std::get_if<const assetlib::Overlay*>(&task.item))
+        return imagesOf(**overlay);
+    return reachOf(assetOf(task)).images;
 }
 
 /// Tells the materials that are refused whether names with identifiers are of use: different identifiers
@@ -50,7 +65,7 @@ void adviseIdNames(std::vector<Task>& tasks, ConverterOptions options)
     for (Task& task : tasks)
     {
         const bool helps =
-            claim(names, converter.getMaterialName(*task.material->asset).str(), task).empty();
+            claim(names, converter.getMaterialName(assetOf(task)).str(), task).empty();
         if (!task.refusal.empty() && (idNames || helps))
             task.refusal += idNames ? " even with --id-names" : "; --id-names keeps such apart";
     }
@@ -64,7 +79,7 @@ void nameTasks(std::vector<Task>& tasks, ConverterOptions options)
     bool allNamed = true;
     for (Task& task : tasks)
     {
-        task.name = converter.getMaterialName(*task.material->asset).str();
+        task.name = converter.getMaterialName(assetOf(task)).str();
         task.refusal = claim(names, task.name, task);
         allNamed = allNamed && task.refusal.empty();
     }
@@ -72,19 +87,24 @@ void nameTasks(std::vector<Task>& tasks, ConverterOptions options)
         adviseIdNames(tasks, options);
 }
 
+/// The code of what loading warns of.
+std::string caseDiffers()
+{
+    return MaterialTranslation::diagnosticCodeName(
+        MaterialTranslation::DiagnosticCode::TextureCaseDiffers);
+}
+
 /// Gives each material the warnings about it and about the textures that it uses.
 void attachWarnings(std::vector<Task>& tasks, const std::vector<assetlib::LoadWarning>& warnings)
 {
     if (warnings.empty())
         return;
-    const char* code = MaterialTranslation::diagnosticCodeName(
-        MaterialTranslation::DiagnosticCode::TextureCaseDiffers);
     for (Task& task : tasks)
     {
-        const Reach reach = reachOf(*task.material->asset);
+        const Reach reach = reachOf(assetOf(task));
         for (const assetlib::LoadWarning& warning : warnings)
             if (reach.ids.contains(warning.asset))
-                task.warnings.push_back({code, warning.property, warning.message});
+                task.warnings.push_back({caseDiffers(), warning.property, warning.message});
     }
 }
 
@@ -102,7 +122,7 @@ Places placesOf(const std::string& file)
 class Preflight
 {
   public:
-    explicit Preflight(const ConvertCommand& command)
+    explicit Preflight(const DocumentsCommand& command)
         : _folder(placeOf(base::pathFromUtf8(command.output) / "*").parent_path())
     {
         for (const std::string& file : command.files)
@@ -154,7 +174,7 @@ class Preflight
     /// might replace it.
     std::string imageProblem(const Task& task, const std::unordered_set<std::string>& names)
     {
-        for (const std::string& reference : reachOf(*task.material->asset).images)
+        for (const std::string& reference : referencesOf(task))
         {
             const auto& [image, target] = placesOfImage(reference);
             if (image == _report || target == _report)
@@ -192,6 +212,34 @@ class Preflight
 
 } // namespace
 
+const std::string& fileOf(const Task& task)
+{
+    return std::visit([](const auto* item) -> const std::string& { return item->file; }, task.item);
+}
+
+std::string subjectOf(const Task& task)
+{
+    return std::visit([](const auto* item) { return subjectOf(*item); }, task.item);
+}
+
+std::vector<Task> makeTasks(const OverlayCommand& /*command*/, const Source& source)
+{
+    std::vector<Task> tasks;
+    DocumentNames names;
+    for (const assetlib::Overlay& overlay : source.library.overlays())
+    {
+        Task& task = tasks.emplace_back();
+        task.item = &overlay;
+        task.name = base::plainName(overlay.name);
+        task.refusal = task.name.empty() ? "the name has no ASCII letter or digit"
+                                         : claim(names, task.name, task);
+        for (const assetlib::LoadWarning& warning : source.warnings)
+            if (warning.file == overlay.file && warning.pointer.starts_with(overlay.pointer + "/"))
+                task.warnings.push_back({caseDiffers(), warning.property, warning.message});
+    }
+    return tasks;
+}
+
 std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const Source& source)
 {
     if (!allExist(command.assets, source.library))
@@ -200,13 +248,13 @@ std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const 
     std::vector<Task> tasks;
     for (const assetlib::Material& material : source.library.materials())
         if (selected.empty() || selected.contains(material.id))
-            tasks.emplace_back().material = &material;
+            tasks.emplace_back().item = &material;
     nameTasks(tasks, command.options);
     attachWarnings(tasks, source.warnings);
     return tasks;
 }
 
-bool filesAreApart(const ConvertCommand& command, const std::vector<Task>& tasks)
+bool filesAreApart(const DocumentsCommand& command, const std::vector<Task>& tasks)
 {
     Preflight preflight(command);
     if (const std::string problem = preflight.reportProblem(); !problem.empty())
@@ -220,7 +268,7 @@ bool filesAreApart(const ConvertCommand& command, const std::vector<Task>& tasks
     for (const Task& task : tasks)
         if (const std::string problem = preflight.problemOf(task, names); !problem.empty())
         {
-            complain("vyr-mtlx: " + subjectOf(*task.material) + ": " + problem);
+            complain("vyr-mtlx: " + subjectOf(task) + ": " + problem);
             return false;
         }
     return true;

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "CommandLine.h"
@@ -11,11 +12,11 @@
 namespace vyr::cli
 {
 
-/// One material to convert.
+/// One material or overlay to convert.
 struct Task
 {
     /// Borrowed from the source.
-    const assetlib::Material* material = nullptr;
+    std::variant<const assetlib::Material*, const assetlib::Overlay*> item;
     /// Material name, which is the document's too.
     std::string name;
     /// Why it cannot be converted, known before anything is; empty when it may be tried.
@@ -24,6 +25,13 @@ struct Task
     std::vector<Warning> warnings;
 };
 
+/// The file that a task comes from, and how messages call it.
+const std::string& fileOf(const Task& task);
+std::string subjectOf(const Task& task);
+
+/// All overlays, in input order, with their names.
+std::vector<Task> makeTasks(const OverlayCommand& command, const Source& source);
+
 /// The materials that the command selects, in input order, with their names.
 /// @return nothing when a selected material does not exist; standard error then names it.
 std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const Source& source);
@@ -31,6 +39,6 @@ std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const 
 /// What can be told about the files to be written before anything is: no input is written over, be it
 /// a library or an image, the report has a folder to go to, and it is not one of the documents.
 /// @return false when something is wrong; standard error then says what.
-bool filesAreApart(const ConvertCommand& command, const std::vector<Task>& tasks);
+bool filesAreApart(const DocumentsCommand& command, const std::vector<Task>& tasks);
 
 } // namespace vyr::cli

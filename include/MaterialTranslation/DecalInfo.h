@@ -8,7 +8,7 @@
 namespace vyr::MaterialTranslation
 {
 
-/// What a decal material is built from. A plain value.
+/// What a decal material is built from: an image that sticks on a surface. A plain value.
 struct VYR_MTLX_API DecalInfo
 {
     DecalInfo();
@@ -18,11 +18,14 @@ struct VYR_MTLX_API DecalInfo
     DecalInfo& operator=(DecalInfo&& other) noexcept;
     ~DecalInfo();
 
-    /// Variant of the decal: 2 and 3 share one, every other value takes the other.
+    /// What of the image shows. 2 and 3: all but the key colour. Every other value: what the image's alpha
+    /// says, and all of an image without alpha.
     std::int32_t kind = 1;
-    /// The decal's image and its placement.
+    /// The decal's image, sRGB, and its placement. It shows once; around it nothing does. Without a path
+    /// nothing is built.
     TextureInfo texture;
-    /// Parameters of the decal builder.
+    /// Red, green and blue of the key colour, from 0 to 255, as the image stores them; for kinds 2 and 3. One
+    /// step in each channel is still the key; four steps in one channel are not.
     std::int32_t value0 = 0;
     std::int32_t value1 = 0;
     std::int32_t value2 = 0;

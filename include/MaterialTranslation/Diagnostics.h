@@ -61,7 +61,9 @@ enum class Severity : std::int32_t
     X(UnitIgnored, 1019, "unit-ignored")                                        \
     X(TintIgnored, 1020, "tint-ignored")                                        \
     X(UnitMisfit, 1021, "unit-misfit")                                          \
-    X(ConnectionEmpty, 1022, "connection-empty")
+    X(ConnectionEmpty, 1022, "connection-empty")                                \
+    X(PlaneIgnored, 1023, "plane-ignored")                                      \
+    X(NothingToBuild, 1024, "nothing-to-build")
 // clang-format on
 
 /// What happened, in a form that programs can rely on: neither the numbers nor the names

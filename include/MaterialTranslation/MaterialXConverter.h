@@ -116,11 +116,19 @@ class VYR_MTLX_API MaterialXConverter : public kelvor::platform::assets::IConver
     UTF8String getMaterialName(const IAssetInstance& asset);
 
     /// Builds an overlay material with the converter registered for `info.type`.
+    ///
+    /// Those that are built in make decals of DecalInfo and threads of ThreadInfo, without regard to this
+    /// object's options, and may run on several threads at once. buildOverlay (Overlays.h) gives what they
+    /// make as a document. Where there is nothing to build, such as a decal without an image, the text is
+    /// that of an empty document, and lastDiagnostics() says so.
+    /// @param info the name of the material is reduced to ASCII letters and digits unless it is an
+    ///        identifier.
     /// @param result receives the document's XML text.
-    /// @return what the registered converter returns; false when none is registered for the type.
-    ///         The built-in ones build nothing yet: false, with DiagnosticCode::NoConverter.
-    /// @throws std::invalid_argument "invalid decal info" or "invalid thread info" for a null
-    ///         payload; `std::bad_function_call` when an empty function was registered.
+    /// @return what the registered converter returns; false when none is registered for the type. The
+    ///         built-in ones return true.
+    /// @throws std::invalid_argument from the built-in ones: "invalid decal info" or "invalid thread info"
+    ///         for a null payload, "invalid material name" for a name without a letter or digit;
+    ///         `std::bad_function_call` when an empty function was registered.
     bool Convert(MaterialInfo& info, IString& result);
 
   private:

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <numeric>
 #include <utility>
@@ -92,6 +93,13 @@ constexpr bool startsCharacter(char c)
 }
 
 } // namespace
+
+std::string plainName(std::string_view text)
+{
+    std::string name;
+    std::ranges::copy_if(text, std::back_inserter(name), isAsciiAlphanumeric);
+    return !name.empty() && isAsciiDigit(name.front()) ? "M" + name : name;
+}
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b)
 {

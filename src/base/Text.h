@@ -37,6 +37,10 @@ inline std::string_view textOf(std::span<const unsigned char> bytes)
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+/// A name for an element or a file from any text: its ASCII letters and digits, with "M" before a leading
+/// digit; empty when it has none.
+std::string plainName(std::string_view text);
+
 /// Comparison of ASCII texts without regard to case.
 bool equalsIgnoringCase(std::string_view a, std::string_view b);
 

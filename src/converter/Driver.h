@@ -11,6 +11,10 @@ namespace vyr::MaterialTranslation
 {
 struct ConverterOptions;
 struct Translation;
+namespace textures
+{
+class MaterialFiles;
+}
 } // namespace vyr::MaterialTranslation
 
 namespace vyr::MaterialTranslation::converter
@@ -35,6 +39,8 @@ bool translate(const assets::IAssetInstance& asset, const std::string& name,
 /// @throws std::filesystem::filesystem_error "exists", "create_directory", "copy_file", "rename"; the
 ///         document keeps the values already rewritten.
 void gatherTextures(const Translation& translation, std::size_t firstChild);
+void gatherTextures(const MaterialX::Document& document, std::size_t firstChild,
+                    textures::MaterialFiles& files, const Log& log);
 
 /// The name of an asset's material, a valid MaterialX identifier.
 /// @param useIdentifier whether the asset's identifier is part of it even when the asset's English

@@ -3,7 +3,6 @@
 #include <deque>
 #include <filesystem>
 #include <map>
-#include <stdexcept>
 #include <unordered_set>
 
 #include <MaterialTranslation/Diagnostics.h>
@@ -11,6 +10,8 @@
 
 #include "assets/Lyrex.h"
 #include "converter/Driver.h"
+#include "converter/Overlays.h"
+#include "converter/Reporting.h"
 
 namespace vyr::MaterialTranslation
 {
@@ -82,24 +83,12 @@ void RegisteredAssets::clear()
         releaseFront();
 }
 
-/// The built-in converter of decal and thread requests.
-bool convertOverlay(const MaterialInfo& info, kelvor::platform::core::string::IString& /*result*/)
-{
-    if (info.type == ConversionType::Decal && !info.payload)
-        throw std::invalid_argument("invalid decal info");
-    if (info.type == ConversionType::Thread && !info.payload)
-        throw std::invalid_argument("invalid thread info");
-    // The graphs of decals and threads are still to be built; until then a request fails rather
-    // than yielding an empty document.
-    LogSession::log().error(DiagnosticCode::NoConverter, "",
-                            "this version builds no decal and thread materials");
-    return false;
-}
-
 /// Made when the library is loaded and destroyed when it is unloaded: before and after everything of a
 /// host that was linked to it, static objects included.
-SharedState state{
-    {}, {{ConversionType::Decal, convertOverlay}, {ConversionType::Thread, convertOverlay}}, {}};
+SharedState state{{},
+                  {{ConversionType::Decal, converter::convertOverlay},
+                   {ConversionType::Thread, converter::convertOverlay}},
+                  {}};
 
 /// Takes the oldest registered asset off the list on the way out, however a call ends.
 class FrontRelease
@@ -113,27 +102,6 @@ class FrontRelease
   private:
     RegisteredAssets& _registered;
 };
-
-/// Notes what leaves an operation as an exception, and lets it pass.
-template <class Operation> bool reporting(Operation operation)
-{
-    try
-    {
-        return operation();
-    }
-    catch (const std::exception& error)
-    {
-        if (LogSession::isOutermost())
-            LogSession::log().error(DiagnosticCode::Exception, "", error.what());
-        throw;
-    }
-    catch (...)
-    {
-        if (LogSession::isOutermost())
-            LogSession::log().error(DiagnosticCode::Exception, "", "an exception of unknown type");
-        throw;
-    }
-}
 
 /// Registers a clone of the asset unless its name is registered already.
 bool registerAsset(const assets::IAssetInstance& asset, const std::string& name)
@@ -194,7 +162,7 @@ bool MaterialXConverter::RegisterAssetForConversion(const IAssetInstance& asset,
                                                     IString& /*message*/)
 {
     const LogSession session;
-    return reporting(
+    return converter::reporting(
         [&]
         {
             return SupportsConversion(asset) && registerAsset(asset, getMaterialName(asset).str());
@@ -211,7 +179,7 @@ bool MaterialXConverter::SerializeRegisteredAssetsForConversion(
         LogSession::log().error(DiagnosticCode::NothingRegistered, "", "no asset is registered");
         return false;
     }
-    return reporting(
+    return converter::reporting(
         [&]
         {
             const std::string name = registered.front().name;
@@ -246,7 +214,7 @@ bool MaterialXConverter::TranslateToMaterialX(const IAssetInstance& asset,
                                               std::shared_ptr<mx::Document> document)
 {
     const LogSession session;
-    return reporting(
+    return converter::reporting(
         [&]
         {
             const Log log = LogSession::log(assets::Asset(asset).identifier());
@@ -271,8 +239,8 @@ bool MaterialXConverter::Convert(MaterialInfo& info, IString& result)
                                     std::to_string(static_cast<std::int32_t>(info.type)));
         return false;
     }
-    const OverlayConverter converter = entry->second;
-    return reporting([&] { return converter(info, result); });
+    const OverlayConverter convert = entry->second;
+    return converter::reporting([&] { return convert(info, result); });
 }
 
 bool MaterialXConverter::IsLyrex(

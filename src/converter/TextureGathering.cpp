@@ -67,8 +67,8 @@ bool haveEqualBytes(const fs::path& a, const fs::path& b)
 class Gathering
 {
   public:
-    explicit Gathering(const Translation& translation)
-        : _files(translation.files), _folder(translation.files.folder()), _log(translation.log)
+    Gathering(textures::MaterialFiles& files, const Log& log)
+        : _files(files), _folder(files.folder()), _log(log)
     {
     }
 
@@ -248,7 +248,13 @@ class Gathering
 
 void gatherTextures(const Translation& translation, std::size_t firstChild)
 {
-    Gathering(translation).run(*translation.document, firstChild);
+    gatherTextures(*translation.document, firstChild, translation.files, translation.log);
+}
+
+void gatherTextures(const mx::Document& document, std::size_t firstChild,
+                    textures::MaterialFiles& files, const Log& log)
+{
+    Gathering(files, log).run(document, firstChild);
 }
 
 } // namespace vyr::MaterialTranslation::converter

@@ -4,7 +4,6 @@
 
 #include "assets/ColorSpaces.h"
 #include "base/Text.h"
-#include "graph/Values.h"
 
 namespace vyr::MaterialTranslation::graph
 {
@@ -24,20 +23,35 @@ mx::Vector2 toVector(const std::array<float, 2>& pair)
     return {pair[0], pair[1]};
 }
 
-mx::NodePtr addPlaced(const mx::GraphElementPtr& graph, const std::string& category,
-                      const std::string& name, const TextureInfo& texture, const std::string& type,
-                      const char* colorSpace, bool repeats)
+void addPlacementInputs(const mx::NodePtr& node, const TextureInfo& texture)
 {
-    mx::NodePtr node = graph->addNode(category, name, type);
     const base::Unit unit{base::lengthUnitName(texture.unit), base::distanceUnitType};
     const auto addPair = [&](const char* input, const std::array<float, 2>& pair)
     { return addTypedInput(node, input, toVector(pair)); };
-    addFileInput(node, texture.path.str(), colorSpace);
     setInputUnit(addPair("realworld_offset", texture.realWorldOffset), unit);
     setInputUnit(addPair("realworld_scale", texture.realWorldScale), unit);
     addPair("uv_offset", texture.uvOffset);
     addPair("uv_scale", texture.uvScale);
     addTypedInput(node, "rotation_angle", texture.rotation);
+}
+
+/// A "mix" node that still lacks its factor.
+mx::NodePtr addMixOf(const mx::GraphElementPtr& graph, const std::string& name,
+                     const mx::TypedElementPtr& foreground, const mx::TypedElementPtr& background)
+{
+    mx::NodePtr node = graph->addNode("mix", name, typeOf(foreground));
+    addSourceInput(node, "fg", foreground, typeOf(foreground));
+    addSourceInput(node, "bg", background, typeOf(foreground));
+    return node;
+}
+
+mx::NodePtr addPlaced(const mx::GraphElementPtr& graph, const std::string& category,
+                      const std::string& name, const TextureInfo& texture, const std::string& type,
+                      const char* colorSpace, bool repeats)
+{
+    mx::NodePtr node = graph->addNode(category, name, type);
+    addFileInput(node, texture.path.str(), colorSpace);
+    addPlacementInputs(node, texture);
     setAddressModes(node, repeats, repeats);
     return node;
 }
@@ -80,16 +94,13 @@ mx::InputPtr addSourceInput(const mx::NodePtr& node, const std::string& name,
 
 mx::NodePtr addConstantFloat(const mx::GraphElementPtr& graph, const std::string& name, float value)
 {
-    mx::NodePtr node = graph->addNode("constant", name, typeStringOf<float>());
-    addTypedInput(node, "value", value);
-    return node;
+    return addConstant(graph, name, value);
 }
 
 mx::NodePtr addExtract(const mx::GraphElementPtr& graph, const std::string& name,
                        const mx::TypedElementPtr& source, int index)
 {
-    mx::NodePtr node = graph->addNode("extract", name, typeStringOf<float>());
-    addSourceInput(node, "in", source, typeOf(source));
+    mx::NodePtr node = addUnary(graph, "extract", name, source, typeStringOf<float>());
     addTypedInput(node, "index", index);
     return node;
 }
@@ -117,10 +128,34 @@ mx::NodePtr addMix(const mx::GraphElementPtr& graph, const std::string& name,
                    const mx::TypedElementPtr& foreground, const mx::TypedElementPtr& background,
                    float factor)
 {
-    mx::NodePtr node = graph->addNode("mix", name, typeOf(foreground));
-    addSourceInput(node, "fg", foreground, typeOf(foreground));
-    addSourceInput(node, "bg", background, typeOf(foreground));
+    mx::NodePtr node = addMixOf(graph, name, foreground, background);
     addTypedInput(node, "mix", factor);
+    return node;
+}
+
+mx::NodePtr addMix(const mx::GraphElementPtr& graph, const std::string& name,
+                   const mx::TypedElementPtr& foreground, const mx::TypedElementPtr& background,
+                   const mx::TypedElementPtr& factor)
+{
+    mx::NodePtr node = addMixOf(graph, name, foreground, background);
+    addSourceInput(node, "mix", factor, typeStringOf<float>());
+    return node;
+}
+
+mx::NodePtr addUnary(const mx::GraphElementPtr& graph, const std::string& category,
+                     const std::string& name, const mx::TypedElementPtr& source,
+                     const std::string& type)
+{
+    mx::NodePtr node = graph->addNode(category, name, type);
+    addSourceInput(node, "in", source, typeOf(source));
+    return node;
+}
+
+mx::NodePtr addPlacement(const mx::GraphElementPtr& graph, const std::string& name,
+                         const TextureInfo& texture)
+{
+    mx::NodePtr node = graph->addNode("kvor:placement", name, typeStringOf<mx::Vector2>());
+    addPlacementInputs(node, texture);
     return node;
 }
 

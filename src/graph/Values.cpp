@@ -95,6 +95,11 @@ std::string valueString(const mx::Vector3& value)
     return join(value);
 }
 
+std::string valueString(const mx::Vector4& value)
+{
+    return join(value);
+}
+
 void addFileInput(const mx::NodePtr& node, const std::string& path, const std::string& colorSpace)
 {
     const mx::InputPtr input = node->addInput("file", mx::FILENAME_TYPE_STRING);

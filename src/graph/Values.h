@@ -29,6 +29,7 @@ std::string valueString(float value);
 std::string valueString(const MaterialX::Color3& value);
 std::string valueString(const MaterialX::Vector2& value);
 std::string valueString(const MaterialX::Vector3& value);
+std::string valueString(const MaterialX::Vector4& value);
 
 template <class Value> std::string valueString(const Value& value)
 {

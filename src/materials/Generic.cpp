@@ -191,7 +191,7 @@ bool translateGeneric(const Translation& translation)
                               "a material of schema \"" + schema + "\" without generic properties");
         return false;
     }
-    if (!Skeleton::isPossible(translation, standardSurfaceGraphSuffix))
+    if (!Skeleton::isPossible(placeOf(translation), standardSurfaceGraphSuffix))
         return false;
     const auto material = assets::readOrReport(translation.log, [&]
                                                { return readFrom(*table, schema, translation); });

@@ -202,7 +202,8 @@ void buildMaterial(const assets::Asset& asset, const LyrexFamily& family,
                    const std::vector<LyrexValue>& values, const Translation& translation)
 {
     const std::string label = userInterfaceName(asset);
-    Skeleton skeleton(translation, family.category, graphSuffix);
+    Skeleton skeleton(placeOf(translation), family.category, graphSuffix,
+                      assets::Asset(translation.asset).identifier());
     if (!label.empty())
         skeleton.material()->setAttribute(mx::ValueElement::UI_NAME_ATTRIBUTE, label);
     const LyrexWriter writer(skeleton, translation.log);
@@ -226,7 +227,7 @@ bool translateLyrex(const Translation& translation)
                               "\"" + schema + "\" is no schema of the Lyrex family");
         return false;
     }
-    if (!Skeleton::isPossible(translation, graphSuffix))
+    if (!Skeleton::isPossible(placeOf(translation), graphSuffix))
         return false;
     const auto values = assets::readOrReport(
         translation.log, [&] { return LyrexReader(asset, translation).read(*family); });

@@ -55,45 +55,52 @@ void assignInLook(const mx::DocumentPtr& document, const std::string& material)
 
 } // namespace
 
-bool Skeleton::isPossible(const Translation& translation, const char* graphSuffix)
+MaterialPlace placeOf(const Translation& translation)
 {
-    if (!translation.document)
+    return {translation.document, translation.name, translation.options.addLook, translation.log};
+}
+
+bool Skeleton::isPossible(const MaterialPlace& place, const char* graphSuffix)
+{
+    if (!place.document)
     {
-        translation.log.error(DiagnosticCode::NoDocument, "", "no document was given");
+        place.log.error(DiagnosticCode::NoDocument, "", "no document was given");
         return false;
     }
-    const std::string& name = translation.name;
+    const std::string& name = place.name;
     const std::string taken =
-        takenName(translation.document, {name, name + shaderSuffix, name + graphSuffix},
-                  translation.options.addLook);
+        takenName(place.document, {name, name + shaderSuffix, name + graphSuffix}, place.addLook);
     if (!taken.empty())
-        translation.log.error(DiagnosticCode::NameTaken, "",
-                              "the document already has an element \"" + taken + "\"");
+        place.log.error(DiagnosticCode::NameTaken, "",
+                        "the document already has an element \"" + taken + "\"");
     return taken.empty();
 }
 
-Skeleton::Skeleton(const Translation& translation, const std::string& category,
-                   const char* graphSuffix)
-    : _graphName(translation.name + graphSuffix)
+Skeleton::Skeleton(const MaterialPlace& place, const std::string& category, const char* graphSuffix,
+                   const std::string& assetId)
+    : _graphName(place.name + graphSuffix)
 {
-    // Whatever a host's asset may throw is thrown before anything is added.
-    const std::string assetId = assets::Asset(translation.asset).identifier();
-    const mx::DocumentPtr& document = translation.document;
+    const mx::DocumentPtr& document = place.document;
     document->setColorSpace(assets::linearRec709);
-    _shader = document->addNode(category, translation.name + shaderSuffix,
-                                mx::SURFACE_SHADER_TYPE_STRING);
-    _material = document->addMaterialNode(translation.name, _shader);
-    addProvenance(_material, assetId, translation.log);
-    if (translation.options.addLook)
-        assignInLook(document, translation.name);
+    _shader =
+        document->addNode(category, place.name + shaderSuffix, mx::SURFACE_SHADER_TYPE_STRING);
+    _material = document->addMaterialNode(place.name, _shader);
+    addProvenance(_material, assetId, place.log);
+    if (place.addLook)
+        assignInLook(document, place.name);
+}
+
+const mx::NodeGraphPtr& Skeleton::graph()
+{
+    if (!_graph)
+        _graph = _shader->getDocument()->addNodeGraph(_graphName);
+    return _graph;
 }
 
 mx::OutputPtr Skeleton::addTexture(const textures::Texture& texture, const std::string& property,
                                    const std::string& type)
 {
-    if (!_graph)
-        _graph = _shader->getDocument()->addNodeGraph(_graphName);
-    return textures::addTexture(texture, _graph, property, type);
+    return textures::addTexture(texture, graph(), property, type);
 }
 
 } // namespace vyr::MaterialTranslation::materials

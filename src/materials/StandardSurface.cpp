@@ -14,54 +14,56 @@ namespace
 
 using Params = StandardSurfaceParams;
 
-/// Writes the shader inputs of one material.
-class InputWriter
+/// Writes the plain value of a shader input.
+struct PlainWriter
 {
-  public:
-    InputWriter(const StandardSurface& material, Skeleton& skeleton, const char* colorSpace)
-        : _material(material), _skeleton(skeleton), _colorSpace(colorSpace)
-    {
-    }
+    const mx::NodePtr& shader;
+    const Params& params;
+    const char* colorSpace;
+    const char* name;
 
-    void write(const StandardSurfaceInput& row) const
+    void operator()(std::monostate /*none*/) const {}
+    template <class Value> void operator()(Value Params::* field) const
     {
-        const auto texture = _material.textures.find(row.name);
-        if (texture == _material.textures.end())
-            return std::visit([&](auto field) { writePlain(row.name, field); }, row.field);
-        const auto& [property, node] = texture->second;
-        mx::OutputPtr output = _skeleton.addTexture(node, property, row.type);
-        if (_material.tint && row.field == StandardSurfaceInput::Field(&Params::base_color))
-            output = addTintGraph(_skeleton.shader()->getDocument(), output, *_material.tint);
-        graph::addConnectedInput(_skeleton.shader(), row.name, output);
+        graph::addTypedInput(shader, name, params.*field);
     }
-
-  private:
-    void writePlain(const char* /*name*/, std::monostate /*none*/) const {}
-    template <class Value> void writePlain(const char* name, Value Params::* field) const
+    void operator()(Params::Color Params::* field) const
     {
-        graph::addTypedInput(_skeleton.shader(), name, _material.params.*field);
-    }
-    void writePlain(const char* name, Params::Color Params::* field) const
-    {
-        const mx::InputPtr input =
-            graph::addTypedInput(_skeleton.shader(), name, _material.params.*field);
+        const mx::InputPtr input = graph::addTypedInput(shader, name, params.*field);
         if (field != &Params::opacity)
-            input->setColorSpace(_colorSpace);
+            input->setColorSpace(colorSpace);
     }
-
-    const StandardSurface& _material;
-    Skeleton& _skeleton;
-    const char* _colorSpace;
 };
 
 } // namespace
 
+void writeStandardSurface(const mx::NodePtr& shader, const Params& params, const char* colorSpace,
+                          const ShaderDriver& driver)
+{
+    for (const StandardSurfaceInput& row : standardSurfaceInputs)
+        if (const mx::OutputPtr output = driver(row))
+            graph::addConnectedInput(shader, row.name, output);
+        else
+            std::visit(PlainWriter{shader, params, colorSpace, row.name}, row.field);
+}
+
 void buildStandardSurface(const StandardSurface& material, const Translation& translation)
 {
-    Skeleton skeleton(translation, material.params.category, standardSurfaceGraphSuffix);
-    const InputWriter writer(material, skeleton, plainColorSpace(translation.options.colorMode));
-    for (const StandardSurfaceInput& row : standardSurfaceInputs)
-        writer.write(row);
+    Skeleton skeleton(placeOf(translation), material.params.category, standardSurfaceGraphSuffix,
+                      assets::Asset(translation.asset).identifier());
+    const auto driver = [&](const StandardSurfaceInput& row) -> mx::OutputPtr
+    {
+        const auto texture = material.textures.find(row.name);
+        if (texture == material.textures.end())
+            return nullptr;
+        const auto& [property, node] = texture->second;
+        const mx::OutputPtr output = skeleton.addTexture(node, property, row.type);
+        if (material.tint && row.field == StandardSurfaceInput::Field(&Params::base_color))
+            return addTintGraph(skeleton.shader()->getDocument(), output, *material.tint);
+        return output;
+    };
+    writeStandardSurface(skeleton.shader(), material.params,
+                         plainColorSpace(translation.options.colorMode), driver);
 }
 
 } // namespace vyr::MaterialTranslation::materials

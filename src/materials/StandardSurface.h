@@ -138,12 +138,32 @@ struct StandardSurface
     std::optional<Tint> tint;
 };
 
+/// Gives the output that drives a shader input; null where its plain value counts.
+using ShaderDriver = std::function<MaterialX::OutputPtr(const StandardSurfaceInput& input)>;
+
+/// Writes the inputs of a `standard_surface` node.
+/// @param colorSpace of the plain colours.
+void writeStandardSurface(const MaterialX::NodePtr& shader, const StandardSurfaceParams& params,
+                          const char* colorSpace, const ShaderDriver& driver);
+
 /// What ends the name of the node graph of a standard surface.
 inline constexpr const char* standardSurfaceGraphSuffix = "_nodegraph";
 
 /// Adds a material to the translation's document: shader node, material node, the look when it is
 /// asked for, and a node graph when textures drive shader inputs. The skeleton must be possible.
 void buildStandardSurface(const StandardSurface& material, const Translation& translation);
+
+/// Where the elements of a material go, and what they are called after. Everything is borrowed.
+struct MaterialPlace
+{
+    const MaterialX::DocumentPtr& document;
+    const std::string& name;
+    bool addLook;
+    const Log& log;
+};
+
+/// The place of a translation's material.
+MaterialPlace placeOf(const Translation& translation);
 
 /// The elements that every material has, whatever its shading model, and that a translator fills.
 class Skeleton
@@ -152,18 +172,23 @@ class Skeleton
     /// Whether the elements can be added: there is a document, and their names are free in it. To be
     /// asked before anything is baked; the log says why not.
     /// @param graphSuffix ends the name of the node graph of the material's textures.
-    static bool isPossible(const Translation& translation, const char* graphSuffix);
+    static bool isPossible(const MaterialPlace& place, const char* graphSuffix);
 
     /// Adds shader node, material node and, when the options ask for it, the look that assigns the
     /// material to all geometry, and sets the document's colour space, linear Rec.709. It must be
     /// possible.
     /// @param category of the shader node, such as "standard_surface".
-    Skeleton(const Translation& translation, const std::string& category, const char* graphSuffix);
+    /// @param assetId of the asset that the material is made from; empty when there is none.
+    Skeleton(const MaterialPlace& place, const std::string& category, const char* graphSuffix,
+             const std::string& assetId = {});
 
     const MaterialX::NodePtr& shader() const { return _shader; }
     const MaterialX::NodePtr& material() const { return _material; }
 
-    /// Adds the node of a texture to the material's node graph, which is made with the first one.
+    /// The material's node graph, which is made when it is first asked for.
+    const MaterialX::NodeGraphPtr& graph();
+
+    /// Adds the node of a texture to the material's node graph.
     /// @param property names the node.
     /// @param type MaterialX's name of the value type.
     /// @return the graph's output.

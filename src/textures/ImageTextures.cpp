@@ -66,8 +66,12 @@ Reading readMap(const TextureRequest& request, const char* category, const char*
 std::string readImage(const TextureRequest& request, const char* property)
 {
     const assets::Property reference = request.texture[property];
-    const Log& log = request.textureLog;
-    std::string image = reference.hasValue() ? reference.path() : std::string();
+    return usableImage(reference.hasValue() ? reference.path() : std::string(), property,
+                       request.textureLog);
+}
+
+std::string usableImage(const std::string& image, const char* property, const Log& log)
+{
     if (image.empty())
     {
         log.warning(DiagnosticCode::TexturePathEmpty, property, "the texture names no image");

@@ -40,6 +40,9 @@ Texture bakedNormalMap();
 ///         document still says which image belongs there.
 std::string readImage(const TextureRequest& request, const char* property);
 
+/// The image itself, with the same warnings, or an empty text.
+std::string usableImage(const std::string& image, const char* property, const Log& log);
+
 /// Whether there is a file that an image can be taken from. A reference that the asset library leaves
 /// relative counts as not found: what lies in the process's working folder is none of the material's.
 bool isImageFile(const std::string& image);

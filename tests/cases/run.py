@@ -3,7 +3,8 @@
 A case is a folder with
 
     assets.json    the materials
-    options        a run a line, "NAME: options of vyr-mtlx convert"; without the file one run, "default"
+    options        a run a line, "NAME: options of vyr-mtlx convert" or "NAME: overlay" and the options of that; without
+                   the file one run, "default"
     files          what is made beside assets.json, each later than the one before: "PATH: text", "PATH = image of
                    images/", "PATH => PATH of a hard link", "PATH -> target of a link" or "PATH/"
     expected/RUN/  the documents of a run, and "messages": exit status, standard output and error, other files
@@ -87,7 +88,8 @@ def result(tool, case, options):
         make_files(case, folder)
         sources = {path.relative_to(folder).as_posix(): path.read_bytes()
                    for path in sorted(folder.rglob("*")) if path.is_file()}  # no device
-        arguments = ["convert", "assets.json", "--output", "out", "--quiet", "--jobs", "1", *options]
+        command, *options = options if options[:1] == ["overlay"] else ["convert", *options]
+        arguments = [command, "assets.json", "--output", "out", "--quiet", "--jobs", "1", *options]
         done = run_tool(tool, folder, *arguments)
         written = contents(folder / "out")
         documents = [path for path in written if path.suffix == ".mtlx"]

@@ -151,13 +151,15 @@ class ListAndOverlay(ToolTest):
         images = json.loads(self.tool("list", "lib.json", "--json").stdout)["materials"][0]["textures"]
         self.assertEqual(images, [f"{i}.png" for i in range(count)])
 
-    def test_overlays_without_a_builder_fail_clearly(self):
-        result = self.tool("overlay", "lib.json", "--output", "out", status=1)
-        first, second, third = result.stderr.splitlines()
-        self.assertRegex(first, r'^lib.json: overlay "Logo" \(decal\): .+')
-        self.assertIn('overlay "Logo" (decal) of lib.json', second)
-        self.assertIn("no ASCII letter or digit", third)
-        self.assertEqual((result.stdout, self.written()), ("", {}))
+    def test_overlays_in_a_report(self):
+        self.tool("overlay", "lib.json", "--output", "out", "--report", "report.json", status=1)
+        logo, clash, nameless = json.loads((self.folder / "report.json").read_text())["overlays"]
+        self.assertEqual((logo["overlay"], logo["name"], logo["type"], logo["status"], logo["textures"]),
+                         ("Logo", "Logo", "decal", "converted", ["logo.png"]))
+        self.assertEqual([warning["code"] for warning in logo["warnings"]], ["texture-file-missing"])
+        self.assertIn('overlay "Logo" (decal) of lib.json', clash["message"])
+        self.assertIn("no ASCII letter or digit", nameless["message"])
+        self.assertEqual(list(self.written()), ["Logo.mtlx"])
 
 
 class Bake(ToolTest):
