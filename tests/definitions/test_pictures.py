@@ -65,11 +65,11 @@ def metals():
     yield "turned", {"surface_normal": bump("normal_map", bumpmap_NormalScale=scalar(2), texture_WAngle=scalar(90, "degrees"))}
 
 
-def converted(form, *arguments):
+def converted(form, *arguments, command="convert"):
     """Documents in a form, with no more than the library that its readers need, by name."""
     with tempfile.TemporaryDirectory() as folder:
         subprocess.run(
-            [os.environ["VYR_MTLX"], "convert", *arguments, "--nodes", form, "--output", folder, "--quiet"],
+            [os.environ["VYR_MTLX"], command, *arguments, "--nodes", form, "--output", folder, "--quiet"],
             check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
         )  # fmt: skip
         documents = {}
