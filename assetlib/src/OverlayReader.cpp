@@ -17,6 +17,22 @@ std::optional<float> readFloat(JsonValue value, Report& report)
     return number ? std::optional(static_cast<float>(*number)) : std::nullopt;
 }
 
+/// One channel of a colour as images of 8 bits store it.
+std::optional<std::int32_t> readChannel(JsonValue value, Report& report)
+{
+    return readWhole<std::int32_t>(value, report, 0, 255);
+}
+
+/// a, b, c, d of a x + b y + c z + d = 0.
+std::optional<std::array<float, 4>> readPlane(JsonValue value, Report& report)
+{
+    const auto plane = readFloats<4>(value, report);
+    if (!plane || (*plane)[0] != 0.0f || (*plane)[1] != 0.0f || (*plane)[2] != 0.0f)
+        return plane;
+    report.error(value, "expected a plane [a, b, c, d] whose a, b and c are not all 0");
+    return std::nullopt;
+}
+
 /// Reads the textures of one overlay.
 struct TextureReader
 {
@@ -49,9 +65,9 @@ Decal readDecal(ObjectReader& object, const TextureReader& readTexture)
     Decal decal;
     object.read("kind", decal.kind, readInteger);
     object.read("texture", decal.texture, readTexture);
-    object.read("value0", decal.value0, readInteger);
-    object.read("value1", decal.value1, readInteger);
-    object.read("value2", decal.value2, readInteger);
+    object.read("value0", decal.value0, readChannel);
+    object.read("value1", decal.value1, readChannel);
+    object.read("value2", decal.value2, readChannel);
     return decal;
 }
 
@@ -62,8 +78,8 @@ Thread readThread(ObjectReader& object, const TextureReader& readTexture)
     object.read("normalTexture", thread.normalTexture, readTexture);
     object.read("flag", thread.flag, readBoolean);
     object.read("baseMaterialColor", thread.baseMaterialColor, readFloats<4>);
-    object.read("startClippingPlane", thread.startClippingPlane, readFloats<4>);
-    object.read("endClippingPlane", thread.endClippingPlane, readFloats<4>);
+    object.read("startClippingPlane", thread.startClippingPlane, readPlane);
+    object.read("endClippingPlane", thread.endClippingPlane, readPlane);
     return thread;
 }
 
