@@ -10,6 +10,14 @@ fail() {
     exit 1
 }
 
+# command_for <sample library>: the tool's command that makes its documents.
+command_for() {
+    case "$1" in
+        */overlays*.json) echo overlay ;;
+        *) echo convert ;;
+    esac
+}
+
 # All C++ files of the project, relative to its root, each ended by a NUL.
 sources() {
     local folder folders=()

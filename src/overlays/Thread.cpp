@@ -248,6 +248,7 @@ mx::DocumentPtr buildThread(const ThreadInfo& thread, const OverlayRequest& requ
     ThreadBuilder(*reading, *material).build();
     materials::StandardSurfaceParams metal;
     metal.metalness = 1.0f;
+    metal.specular_roughness = 0.35f; // cut or rolled, not polished
     return material->finish(metal);
 }
 

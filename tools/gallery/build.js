@@ -13,10 +13,10 @@ function warning({ property, text }) {
     return `<p class="warning">${escape(property ? `${property}: ${text}` : text)}</p>`;
 }
 
-function card({ key, id, name, schema, library, warnings, text }) {
+function card({ key, id, name, schema, shape, library, warnings, text }) {
     const nodes = [...new Set(text.match(/kvor:\w+/g) ?? [])].sort();
     const words = [id, name, schema, library, ...nodes].join(" ").toLowerCase();
-    return `<article id="${escape(key)}" data-words="${escape(words)}">
+    return `<article id="${escape(key)}" data-shape="${shape}" data-words="${escape(words)}">
 <figure>
 <canvas width="720" height="480"></canvas><span class="size"></span>
 <figcaption>

@@ -10,15 +10,16 @@ export const escape = (text) => text.replace(/[&<>"]/g, (character) => ENTITIES[
 const unescape = (text) =>
     Object.entries(ENTITIES).reduceRight((result, [character, entity]) => result.replaceAll(entity, character), text);
 
-/** The converted materials of all libraries, in the order of the reports. */
+/** The converted materials and overlays of all libraries, in the order of the reports; `shape` tells what they are. */
 export async function materials(folder) {
     const found = [];
     for (const library of (await readdir(folder)).sort()) {
         const report = JSON.parse(await readFile(path.join(folder, library, "report.json"), "utf8"));
-        for (const entry of report.materials ?? report) {
+        for (const entry of report.materials ?? report.overlays) {
             if (!entry.document) continue;
             const file = path.resolve(folder, library, path.basename(entry.document));
-            found.push({ ...entry, key: `${library}-${entry.name}`, library, file, text: await readFile(file, "utf8") });
+            const { overlay: id, type: schema } = entry;
+            found.push({ id, schema, shape: entry.type ?? "material", ...entry, key: `${library}-${entry.name}`, library, file, text: await readFile(file, "utf8") });
         }
     }
     return found;

@@ -28,21 +28,21 @@ async function readForms(folder) {
     return all;
 }
 
-const differences = (page, text, others) =>
-    page.evaluate(([own, rest]) => window.comparison.differences(own, rest), [text, others]);
+const differences = (page, shape, text, others) =>
+    page.evaluate(([own, rest, kind]) => window.comparison.differences(own, rest, kind), [text, others, shape]);
 
 /** The comparison itself must tell pictures apart. */
 async function checkComparison(page, all) {
-    const { key, text, standard } = all.find((material) => material.standard.includes(DAMAGE[0]));
-    const [found] = await differences(page, text, [standard.replaceAll(...DAMAGE)]);
+    const { key, shape, text, standard } = all.find((material) => material.standard.includes(DAMAGE[0]));
+    const [found] = await differences(page, shape, text, [standard.replaceAll(...DAMAGE)]);
     if (!tooFar(found)) throw new Error(`${key}: a damaged document goes unnoticed (${figures(found)})`);
     console.log(`${key}: a damaged document differs by ${figures(found)}`);
 }
 
 async function compare(page, all, problems) {
     const worst = FORMS.map(() => ({ most: 0, mean: 0 }));
-    await forEachMaterial(all, problems, async ({ key, text, ...forms }) => {
-        const found = await differences(page, text, FORMS.map((form) => forms[form]));
+    await forEachMaterial(all, problems, async ({ key, shape, text, ...forms }) => {
+        const found = await differences(page, shape, text, FORMS.map((form) => forms[form]));
         console.log(`${key}: ${FORMS.map((form, i) => `${form} ${figures(found[i])}`).join("; ")}`);
         found.forEach((each, i) => {
             for (const figure of ["most", "mean"]) worst[i][figure] = Math.max(worst[i][figure], each[figure]);

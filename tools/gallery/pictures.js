@@ -1,11 +1,11 @@
 // pictures.js <folder of the page> <folder>: draws the pictures of the documentation into the folder: gallery.webp, a
-// selection of the materials on the page, and node-<name>.webp of every kvor node.
+// selection of the materials on the page, overlays.webp, and node-<name>.webp of every kvor node.
 
 import { writeFile } from "node:fs/promises";
 import path from "node:path";
 import { pathToFileURL } from "node:url";
 import { withPage, withScript } from "./browser.js";
-import { SELECTION } from "./selection.js";
+import { OVERLAYS, SELECTION } from "./selection.js";
 
 const [gallery, folder] = process.argv.slice(2);
 const problems = [];
@@ -35,9 +35,9 @@ function contactSheet([ids, columns]) {
     return sheet.toDataURL("image/webp", 0.88);
 }
 
-async function drawGallery() {
-    const page = `${pathToFileURL(path.resolve(gallery, "index.html"))}?width=360&only=${SELECTION.join(",")}`;
-    await save("gallery", await withPage(page, "gallery", problems, (opened) => opened.evaluate(contactSheet, [SELECTION, 4])));
+async function drawSheet(name, selection) {
+    const page = `${pathToFileURL(path.resolve(gallery, "index.html"))}?width=360&only=${selection.join(",")}`;
+    await save(name, await withPage(page, "gallery", problems, (opened) => opened.evaluate(contactSheet, [selection, 4])));
 }
 
 async function drawNodes() {
@@ -46,6 +46,7 @@ async function drawNodes() {
 }
 
 await drawNodes();
-await drawGallery();
+await drawSheet("gallery", SELECTION);
+await drawSheet("overlays", OVERLAYS);
 for (const problem of problems) console.error(`error: ${problem}`);
 process.exitCode = problems.length ? 1 : 0;

@@ -6,3 +6,9 @@ export const SELECTION = [
     "textured-PerforatedAluminium", "textured-OrnamentalScreen", "lyrex-LyrexPrivacyGlazing", "materials-BottleGreenGlass",
     "textured-ControlPanelScreen", "lyrex-LyrexBrushedSteel", "lyrex-LyrexVarnishedRustingSteel", "lyrex-LyrexCarraraMarble",
 ];
+
+// The overlays of their own sheet, in its order.
+export const OVERLAYS = [
+    "overlays-DirectionArrow", "overlays-InspectionLabel", "overlays-HazardStripes", "overlays-WayMarkinInches",
+    "overlays-M8Thread", "overlays-BrassThreadinInches", "overlays-WornBlackThread", "overlays-PlainThread",
+];

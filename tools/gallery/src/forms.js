@@ -2,7 +2,7 @@
 
 import { difference } from "../difference.js";
 import { createGenerator } from "./generator.js";
-import { tileSize } from "./measure.js";
+import { stageOf } from "./stage.js";
 import { Studio } from "./studio.js";
 
 // Compiling the shaders takes most of the time; this is large enough for textures to be seen.
@@ -16,18 +16,18 @@ class Comparison {
     }
 
     /** How the pictures of other documents differ from that of the first. */
-    async differences(text, others) {
-        const { metres } = tileSize(text);
-        const own = await this.#pixels(text, metres);
+    async differences(text, others, shape) {
+        const stage = await stageOf(this.generator, text, shape);
+        const own = await this.#pixels(text, stage);
         const found = [];
-        for (const other of others) found.push(difference(own, await this.#pixels(other, metres)));
+        for (const other of others) found.push(difference(own, await this.#pixels(other, stage)));
         return found;
     }
 
-    async #pixels(text, metres) {
+    async #pixels(text, stage) {
         const canvas = document.createElement("canvas");
         Object.assign(canvas, { width: WIDTH, height: HEIGHT });
-        await this.studio.draw(await this.generator.material(text), { metres }, canvas);
+        await this.studio.draw(await this.generator.material(text), stage, canvas);
         return canvas.getContext("2d").getImageData(0, 0, WIDTH, HEIGHT).data;
     }
 }

@@ -1,7 +1,7 @@
 // Fills the pictures of the page, those in view first.
 
 import { createGenerator } from "./generator.js";
-import { tileSize } from "./measure.js";
+import { stageOf } from "./stage.js";
 import { FALLBACK, Studio } from "./studio.js";
 
 // "?width=" is the width of the pictures, "?only=" their choice.
@@ -37,11 +37,11 @@ function fail(card, canvas, error) {
 
 async function fill(card, generator, studio) {
     const text = card.querySelector("pre").textContent;
-    const { metres, textured } = tileSize(text);
+    const stage = await stageOf(generator, text, card.dataset.shape);
     const material = await generator.material(text);
     const canvas = card.querySelector("canvas");
-    await studio.draw(material, { metres }, canvas);
-    if (textured) card.querySelector(".size").textContent = `tile ${label(metres)}`;
+    await studio.draw(material, stage, canvas);
+    if (stage.textured) card.querySelector(".size").textContent = `tile ${label(stage.metres)}`;
 }
 
 async function fillAll() {

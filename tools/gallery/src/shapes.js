@@ -1,7 +1,7 @@
 // What the materials are shown on. Texture coordinates are lengths: those of the shapes, which are one unit
 // across, times the size that the picture is to have in metres.
 
-import { BufferAttribute, ExtrudeGeometry, Shape, SphereGeometry, Vector3 } from "three";
+import { BufferAttribute, CylinderGeometry, ExtrudeGeometry, PlaneGeometry, Shape, SphereGeometry, Vector3 } from "three";
 
 export const RADIUS = 0.5;
 export const TILE_DEPTH = 0.05;
@@ -54,12 +54,45 @@ export function createTile() {
     });
 }
 
+/** The part of the tile's front that a decal may lie on, a hair before it. */
+export function createSticker() {
+    const geometry = new PlaneGeometry(1 - 5 * BEVEL, 1 - 5 * BEVEL).translate(0, 0.5, 0.002);
+    return withMapping(geometry, (point) => ({ u: point.x + 0.5, v: point.y, tangent: new Vector3(1, 0, 0) }));
+}
+
+// A screw of metres, since clipping planes are in the object's own unit: along z, the head below 0.
+const SHANK = { radius: 0.004, length: 0.04, head: 0.0065, height: 0.0053 };
+/** Metres to units of the scene. */
+export const SCREW_SCALE = 34;
+
+/** A cylinder along z, from a height to another. */
+function shaft(radius, sides, low, high) {
+    return new CylinderGeometry(radius, radius, high - low, sides).rotateX(Math.PI / 2).translate(0, 0, (low + high) / 2);
+}
+
+/** What the thread is on: shank and head. */
+export const createScrew = () => [
+    withMapping(shaft(SHANK.radius, 160, 0, SHANK.length), aroundScrew),
+    withMapping(shaft(SHANK.head, 6, -SHANK.height, 0), aroundScrew),
+];
+
+/** The skin of the shank, a hair above it. Texture coordinates are metres around and along. */
+export function createThread() {
+    const { radius, length } = SHANK;
+    const geometry = new CylinderGeometry(radius * 1.01, radius * 1.01, length, 160, 1, true);
+    return withMapping(geometry.rotateX(Math.PI / 2).translate(0, 0, length / 2), aroundScrew);
+}
+
+function aroundScrew(point, normal, turn) {
+    return { u: turn * 2 * Math.PI * SHANK.radius, v: point.z, tangent: new Vector3(-normal.y, normal.x, 0) };
+}
+
 function withMapping(geometry, mapping) {
-    const { position, normal } = geometry.attributes;
+    const { position, normal, uv } = geometry.attributes;
     const lengths = new Float32Array(position.count * 2);
     const tangents = new Float32Array(position.count * 4);
     for (let i = 0; i < position.count; ++i) {
-        const { u, v, tangent } = mapping(new Vector3().fromBufferAttribute(position, i), new Vector3().fromBufferAttribute(normal, i));
+        const { u, v, tangent } = mapping(new Vector3().fromBufferAttribute(position, i), new Vector3().fromBufferAttribute(normal, i), uv.getX(i));
         lengths.set([u, v], i * 2);
         tangents.set([...tangent.normalize(), 1], i * 4);
     }
@@ -69,9 +102,9 @@ function withMapping(geometry, mapping) {
     return geometry;
 }
 
-/** Sets how many metres one unit of the shape stands for. */
-export function setSize(geometry, metres) {
+/** Sets how many metres one unit of the shape stands for, and the texture coordinates of its origin. */
+export function setSize(geometry, metres, origin = [0, 0]) {
     const { uv } = geometry.attributes;
-    geometry.userData.lengths.forEach((length, i) => (uv.array[i] = length * metres));
+    geometry.userData.lengths.forEach((length, i) => (uv.array[i] = length * metres + origin[i % 2]));
     uv.needsUpdate = true;
 }

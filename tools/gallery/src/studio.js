@@ -1,12 +1,12 @@
-// The scene of every picture: a sphere and a tile on the floor of a small studio.
+// The scene of every picture: a sphere and a tile on the floor of a small studio, or what wears an overlay.
 
 import {
-    Cache, DoubleSide, FrontSide, Mesh, NeutralToneMapping, PerspectiveCamera, PlaneGeometry, RepeatWrapping, Scene,
+    Cache, DoubleSide, FrontSide, Group, Mesh, NeutralToneMapping, PerspectiveCamera, PlaneGeometry, RepeatWrapping, Scene,
     ShaderMaterial, SRGBColorSpace, TextureLoader, Vector3, WebGLRenderer,
 } from "three";
 import { MaterialXEnvironment, MaterialXMaterial } from "@needle-tools/materialx";
 import { BACKDROP, createEnvironment } from "./environment.js";
-import { createSphere, createTile, RADIUS, setSize } from "./shapes.js";
+import { createScrew, createSphere, createSticker, createThread, createTile, RADIUS, SCREW_SCALE, setSize } from "./shapes.js";
 import floorVertex from "./floor.vert?text";
 import floorFragment from "./floor.frag?text";
 
@@ -27,6 +27,8 @@ const VIEWS = {
     both: { shown: ["sphere", "tile"], at: -0.01, field: 18.4 },
     sphere: { shown: ["sphere"], at: -0.6, field: 13.5 },
     tile: { shown: ["tile"], at: 0.6, field: 13.5 },
+    decal: { shown: ["plate", "sticker"], at: 0.6, field: 13.5 },
+    thread: { shown: ["screw"], at: 0, field: 13.5 },
 };
 
 export class Studio {
@@ -55,18 +57,36 @@ export class Studio {
         this.tile = new Mesh(createTile());
         this.tile.position.set(0.6, 0.004, 0.12);
         this.tile.rotation.set(-0.16, -0.24, 0, "YXZ");
+        this.plate = new Mesh(createTile());
+        this.sticker = new Mesh(createSticker());
+        for (const mesh of [this.plate, this.sticker]) {
+            mesh.position.copy(this.tile.position);
+            mesh.rotation.copy(this.tile.rotation);
+        }
+        this.#buildScrew();
         this.floor = new Mesh(new PlaneGeometry(60, 60), this.#floorMaterial());
         this.floor.rotation.x = -Math.PI / 2;
-        this.shapes = [this.sphere, this.tile];
+        this.shapes = [this.sphere, this.tile, this.sticker, this.thread];
+        this.bases = [this.plate, ...this.solids];
         this.scene = new Scene();
         this.wall = new Mesh(new PlaneGeometry(60, 30), this.floor.material);
         this.wall.position.z = -12;
-        this.scene.add(this.floor, this.wall, this.sphere, this.tile);
+        this.scene.add(this.floor, this.wall, this.sphere, this.tile, this.plate, this.sticker, this.screw);
 
         const environment = createEnvironment();
         const lighting = MaterialXEnvironment.get(this.scene);
         lighting.update = () => {};
         lighting.getTextures = () => environment;
+    }
+
+    #buildScrew() {
+        this.screw = new Group();
+        this.solids = createScrew().map((geometry) => new Mesh(geometry));
+        this.thread = new Mesh(createThread());
+        this.screw.add(...this.solids, this.thread);
+        this.screw.scale.setScalar(SCREW_SCALE);
+        this.screw.position.set(-0.58, 0.4, 0);
+        this.screw.rotation.set(-0.12, Math.PI / 2 - 0.35, 0, "YXZ");
     }
 
     #floorMaterial() {
@@ -91,18 +111,25 @@ export class Studio {
      *
      * @param material of `Generator.material`
      * @param metres width of the tile
-     * @param view "both", "sphere" or "tile"
+     * @param view "both", "sphere" or "tile"; "decal" or "thread" with
+     * @param base the material that wears the overlay, and
+     * @param origin texture coordinates of the lower left corner
      */
-    async draw(material, { metres, view = "both" }, canvas) {
+    async draw(material, { metres, origin, view = "both", base }, canvas) {
         const shading = await this.#shading(material);
         const intensity = WHITE_LUMINANCE / LUMINANCE_OF_RADIANCE_ONE;
         shading.envMapIntensity = intensity;
         for (const shape of this.shapes) {
-            setSize(shape.geometry, metres);
+            setSize(shape.geometry, metres, origin);
             shape.material = shading;
         }
-        this.#show(VIEWS[view], intensity, material.transparent ? THIN_SHADE : 1, canvas);
-        this.#keep(shading);
+        const below = base && (await this.#shading(base));
+        if (below) {
+            below.envMapIntensity = intensity;
+            for (const solid of this.bases) solid.material = below;
+        }
+        this.#show(VIEWS[view], intensity, material.transparent && !base ? THIN_SHADE : 1, canvas);
+        for (const used of [shading, below]) if (used) this.#keep(used);
         Cache.clear(); // It would give a texture the address modes of the material that had it first.
         if (this.errors.length) throw new Error(this.errors.splice(0).join("\n"));
     }
@@ -114,10 +141,9 @@ export class Studio {
 
     #show({ shown, at, field }, intensity, shade, canvas) {
         const { backdrop, sphereShade, tileShade } = this.floor.material.uniforms;
-        this.sphere.visible = shown.includes("sphere");
-        this.tile.visible = shown.includes("tile");
+        for (const name of ["sphere", "tile", "plate", "sticker", "screw"]) this[name].visible = shown.includes(name);
         sphereShade.value = this.sphere.visible ? shade : 0;
-        tileShade.value = this.tile.visible ? shade : 0;
+        tileShade.value = this.tile.visible || this.plate.visible ? shade : 0;
         backdrop.value = BACKDROP * intensity;
         this.renderer.toneMappingExposure = 1 / intensity;
         this.renderer.setSize(canvas.width, canvas.height, false);
