@@ -13,7 +13,6 @@
 #include <MaterialTranslation/NodeForms.h>
 
 #include "assets/Lyrex.h"
-#include "graph/Nodes.h"
 #include "materials/Translators.h"
 #include "support/TemporaryFolder.h"
 
@@ -159,25 +158,6 @@ TEST(Registry, HasEveryRowInAGoldenCase)
     }
     for (const std::string& row : rows)
         EXPECT_NE(all.find('"' + row + '"'), std::string::npos) << row;
-}
-
-/// The images of overlays, placed as their records say.
-TEST(Nodes, ArePlacedByRecords)
-{
-    const mx::DocumentPtr document = mx::createDocument();
-    TextureInfo texture;
-    texture.path = "label.png";
-    texture.realWorldOffset = {1.0f, 2.0f};
-    texture.realWorldScale = {3.0f, 4.0f};
-    texture.unit = 4;
-    texture.uvOffset = {5.0f, 6.0f};
-    texture.uvScale = {7.0f, 8.0f};
-    texture.rotation = 9.0f;
-    graph::addPlacedTextureNode(document, "decal", texture, "color4");
-    for (const bool linear : {true, false})
-        graph::addPlacedTextureNode(document, "kvor:normal_map", linear ? "linear" : "colour",
-                                    texture, "vector3", linear);
-    expectAccepted("placed.xml", mx::writeToXmlString(document));
 }
 
 /// What is wrong in the documents of the folder "cases" is what "messages.txt" has.
