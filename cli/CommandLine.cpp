@@ -166,6 +166,7 @@ void defineDocumentOptions(CLI::App& app, DocumentsCommand& command, const std::
     addPath(app, "--report", command.report, "write a JSON report")->type_name("FILE");
     app.add_flag("--strict", command.strict, thing + "s with a warning count as failed");
     app.add_flag("--quiet,-q", command.quiet, "no progress, no summary");
+    app.add_flag("!--no-sync", command.sync, "do not wait until everything is on the disk");
 }
 
 void addImageLimit(CLI::App& app, MaterialTranslation::ImageLimits& limits)

@@ -47,6 +47,8 @@ struct DocumentsCommand
     std::string report;
     bool strict = false;
     bool quiet = false;
+    /// Whether a run that is done has waited for the disk.
+    bool sync = true;
 };
 
 /// `vyr-mtlx convert`.

@@ -160,7 +160,7 @@ class Delivery
     /// and then there is no report.
     /// @param done number of outcomes that were taken.
     /// @return how the conversion ended.
-    ExitStatus finish(std::size_t done)
+    ExitStatus finish(std::size_t done, const OutputFolder& folder)
     {
         _progress.clear();
         if (!_command.quiet)
@@ -174,8 +174,10 @@ class Delivery
             return ExitStatus::Interrupted;
         }
         const bool reported = _command.report.empty() || writeReport();
+        const bool stays = !_command.sync || reachDisk(folder);
         const bool good = _failed == 0 && (_warned == 0 || !_command.strict);
-        return good && reported && _results.delivered() ? ExitStatus::Done : ExitStatus::SomeFailed;
+        return good && reported && stays && _results.delivered() ? ExitStatus::Done
+                                                                 : ExitStatus::SomeFailed;
     }
 
   private:
@@ -196,6 +198,20 @@ class Delivery
             object.add("property", warning.property);
             object.add("text", warning.text);
         }
+    }
+
+    /// What was told to be done outlives a power cut. The report may be on another disk.
+    bool reachDisk(const OutputFolder& folder) const
+    {
+        const auto failsFor = [](const std::filesystem::path& place)
+        {
+            const auto error = base::waitForDisk(place);
+            if (error)
+                complain("vyr-mtlx: " + writeFailure(base::utf8FromPath(place), error.message()));
+            return static_cast<bool>(error);
+        };
+        const auto reportFolder = base::pathFromUtf8(_command.report).parent_path();
+        return !failsFor(folder.absolute) && (_command.report.empty() || !failsFor(reportFolder));
     }
 
     bool writeReport() const
@@ -242,7 +258,7 @@ ExitStatus convertAll(const DocumentsCommand& command, const std::vector<Task>& 
     Delivery delivery(command, tasks, things);
     const auto deliver = [&delivery](std::size_t step, const Outcome& outcome)
     { delivery.take(step, outcome); };
-    return delivery.finish(OrderedRun(tasks.size(), work, deliver).on(workers));
+    return delivery.finish(OrderedRun(tasks.size(), work, deliver).on(workers), folder);
 }
 
 } // namespace vyr::cli

@@ -165,8 +165,11 @@ class Preflight
     std::string problemOf(const Task& task, const std::unordered_set<std::string>& names)
     {
         const auto kept = _kept.find(documentFile(task.name).native());
-        return kept == _kept.end() ? imageProblem(task, names)
-                                   : "its document would replace " + kept->second;
+        if (kept != _kept.end())
+            return "its document would replace " + kept->second;
+        if (_report && _report->parent_path() == _folder / base::pathFromUtf8(task.name))
+            return "the report would lie in the folder of its images";
+        return imageProblem(task, names);
     }
 
   private:

@@ -486,4 +486,21 @@ std::error_code copyFile(const fs::path& from, const fs::path& to)
     return error ? error : pending.replace(to);
 }
 
+std::error_code waitForDisk([[maybe_unused]] const fs::path& folder)
+{
+#if defined(__linux__)
+    const int descriptor = openFile(folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY);
+    if (descriptor < 0)
+        return lastError();
+    const std::error_code error = ::syncfs(descriptor) == 0 ? std::error_code() : lastError();
+    ::close(descriptor);
+    return error;
+#else
+#if !defined(_WIN32)
+    ::sync();
+#endif
+    return {};
+#endif
+}
+
 } // namespace vyr::base

@@ -53,4 +53,9 @@ std::error_code writeFile(const std::filesystem::path& file, std::string_view by
 /// Makes `to` a copy of `from`, with its time of last change.
 std::error_code copyFile(const std::filesystem::path& from, const std::filesystem::path& to);
 
+/// Waits until all that was written to the file system of a folder, by whom ever, is on its disk: one
+/// request costs much less than one for each file. On Windows it does nothing, as that takes an
+/// administrator there.
+std::error_code waitForDisk(const std::filesystem::path& folder);
+
 } // namespace vyr::base

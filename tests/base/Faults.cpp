@@ -72,6 +72,7 @@ extern "C"
               from, AT_FDCWD, to, 0)
     VYR_FAULT(int, fstat, (int file, struct stat* found) noexcept, SYS_fstat, file, found)
     VYR_FAULT(int, lstat, (const char* path, struct stat* found) noexcept, SYS_lstat, path, found)
+    VYR_FAULT(int, syncfs, (int file) noexcept, SYS_syncfs, file)
     VYR_FAULT(int, dup, (int file) noexcept, SYS_dup, file)
     VYR_FAULT(ssize_t, copy_file_range,
               (int from, off64_t* a, int to, off64_t* b, std::size_t size, unsigned flags),

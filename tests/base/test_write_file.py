@@ -85,6 +85,14 @@ class WriteFile(unittest.TestCase):
         self.assertNotEqual(self.run_program("copy", self.folder / "nothing", self.file), 0)
         self.assertEqual((self.file.read_text(), self.entries()), ("new", ["file.txt", "source"]))
 
+    @unittest.skipUnless("VYR_MTLX" in os.environ, "without the tool")
+    def test_a_run_that_does_not_reach_the_disk_fails(self):
+        self.file.write_text('{"assetLibrary": 1, "materials": [{"id": "a", "schema": "GenericSchema", "name": "A", "properties": {}}]}')
+        environment = {**os.environ, "LD_PRELOAD": FAULTS, "VYR_FAULTS": f"syncfs={errno.EIO}"}
+        for options, status in ([], 1), (["--no-sync"], 0):
+            command = [os.environ["VYR_MTLX"], "convert", self.file, "-q", "-o", self.folder / "out", *options]
+            self.assertEqual(subprocess.run(command, env=environment, capture_output=True).returncode, status)
+
     def test_limits_of_size(self):
         def limit():
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)

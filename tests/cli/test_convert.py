@@ -93,7 +93,9 @@ class Images(ToolTest):
     def test_images_are_inputs_too(self):
         inside = self.image("out/Gate/brick.png")
         self.library(textured("a", "Wall", inside), material("b", "Gate"))
-        for options, reason in ([], "lies in the folder of another material"), (["--report", inside], "the report would replace"):
+        (self.folder / "out/Wall").mkdir()
+        for options, reason in ([], "lies in the folder of another material"), (["--report", inside], "the report would replace"), \
+                (["--report", "out/Wall/report.json"], "the report would lie in the folder"):
             self.assertIn(reason, self.convert("lib.json", *options, status=2).stderr)
 
     def test_warnings_of_loading_join_the_material(self):
