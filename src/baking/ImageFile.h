@@ -23,17 +23,6 @@ namespace vyr::MaterialTranslation::baking
 std::vector<unsigned char> encodeImage(const std::string& name, OIIO::ImageSpec spec,
                                        OIIO::TypeDesc type, const void* pixels, int threads = 0);
 
-/// Packs 8-bit pixels as PNG, much faster than with the format's default settings where the picture allows it.
-///
-/// No single setting is fast and small for all pictures, so a few strips of rows are packed with each, fastest
-/// first, and the first that is small enough against the default is taken; the default is the last choice. Sizes
-/// decide, not times: the file is the same on every machine.
-///
-/// @param pixels  Rows without gaps, 1 or 3 channels.
-/// @param spec    Size, channels and attributes; its format is not used.
-/// @throws std::runtime_error with OpenImageIO's reason.
-std::vector<unsigned char> encodePng(const unsigned char* pixels, const OIIO::ImageSpec& spec);
-
 /// A float image as a file of the format that the extension names, at 32-bit float where the format has it,
 /// and as ImageBuf::write would: PNG with 8 bits a channel.
 ///

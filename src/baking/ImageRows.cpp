@@ -1,9 +1,12 @@
 #include "baking/ImageRows.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cfenv>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
+#include <mutex>
 
 #include <OpenImageIO/parallel.h>
 #include <fmt/format.h>
@@ -83,6 +86,38 @@ void forEachRowBlock(int width, int height, int threads,
         block(0, width, 0, height);
     else
         OIIO::parallel_for_chunked_2D(0, width, width, 0, height, rows, block, options);
+}
+
+void forEachTask(int count, int threads, const std::function<void(int)>& task)
+{
+    OIIO::paropt options(threads, OIIO::paropt::SplitDir::Y, 1);
+    options.resolve();
+    std::atomic<int> next{0};
+    std::mutex mutex;
+    std::exception_ptr failure;
+    const auto work = [&](std::int64_t, std::int64_t)
+    {
+        const FloatEnvironment environment;
+        try
+        {
+            for (int i = next++; i < count; i = next++)
+                task(i);
+        }
+        catch (...)
+        {
+            next = count;
+            const std::lock_guard lock(mutex);
+            if (!failure)
+                failure = std::current_exception();
+        }
+    };
+    const int workers = std::min(options.maxthreads(), count);
+    if (workers <= 1)
+        work(0, 1);
+    else
+        OIIO::parallel_for_chunked(0, workers, 1, work, options);
+    if (failure)
+        std::rethrow_exception(failure);
 }
 
 OIIO::ImageBuf uninitializedImage(const char* name, const OIIO::ImageSpec& spec)

@@ -29,6 +29,12 @@ class BakeError : public std::runtime_error
 void forEachRowBlock(int width, int height, int threads,
                      const std::function<void(int yBegin, int yEnd)>& task);
 
+/// Calls `task(i)` for each number below the count, side by side, and returns when all are done. Each thread takes
+/// the next number, so tasks may differ in length. They run in the default floating-point environment.
+///
+/// @throws what the first task threw that failed; the others are done then or not begun.
+void forEachTask(int count, int threads, const std::function<void(int)>& task);
+
 /// A new float image with its pixels not initialised; empty (not initialized()) when it has no pixels.
 /// @throws std::runtime_error when memory does not hold it.
 OIIO::ImageBuf uninitializedImage(const char* name, const OIIO::ImageSpec& spec);
