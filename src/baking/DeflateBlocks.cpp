@@ -191,7 +191,8 @@ Step symbolStep(const PrefixCode& code, std::size_t bits)
     {
         const Symbol next = code.inTable(bits >> length);
         if (next.length == 0 || length + next.length > PrefixCode::tableBits)
-            return {static_cast<std::uint8_t>(length), length == 0 ? Step::LongSymbol : Step::Symbol};
+            return {static_cast<std::uint8_t>(length),
+                    length == 0 ? Step::LongSymbol : Step::Symbol};
         length += next.length;
         if (next.value == endOfBlock)
             return {static_cast<std::uint8_t>(length), Step::End};

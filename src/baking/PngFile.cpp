@@ -4,15 +4,18 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <span>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 #include <libdeflate.h>
 
 #include "baking/DeflateStrip.h"
 #include "baking/ImageRows.h"
+#include "baking/PngLevel.h"
 #include "baking/PngRows.h"
 
 namespace vyr::MaterialTranslation::baking
@@ -32,7 +35,8 @@ constexpr unsigned char zlibHeader[] = {0x78, 0x9C};
 
 Number bigEndian(std::uint32_t value)
 {
-    const auto byte = [value](unsigned shift) { return static_cast<unsigned char>(value >> shift); };
+    const auto byte = [value](unsigned shift)
+    { return static_cast<unsigned char>(value >> shift); };
     return {byte(24), byte(16), byte(8), byte(0)};
 }
 
@@ -72,7 +76,8 @@ std::uint32_t joinedAdler(std::uint32_t first, std::uint32_t second, std::size_t
     constexpr std::uint64_t modulus = 65521;
     const std::uint64_t before = (first & 0xFFFFU) + modulus - 1;
     const std::uint64_t low = (before + (second & 0xFFFFU)) % modulus;
-    const std::uint64_t high = ((first >> 16U) + (second >> 16U) + before % modulus * (secondSize % modulus)) % modulus;
+    const std::uint64_t high =
+        ((first >> 16U) + (second >> 16U) + before % modulus * (secondSize % modulus)) % modulus;
     return static_cast<std::uint32_t>(high << 16U | low);
 }
 
@@ -84,7 +89,7 @@ struct Strip
     std::size_t size = 0;
 };
 
-Strip packRows(const OIIO::ImageBuf& image, int yBegin, int yEnd)
+Strip packRows(const OIIO::ImageBuf& image, int yBegin, int yEnd, int level)
 {
     const OIIO::ImageSpec& spec = image.spec();
     const auto channels = static_cast<std::size_t>(spec.nchannels);
@@ -103,7 +108,10 @@ Strip packRows(const OIIO::ImageBuf& image, int yBegin, int yEnd)
     strip.adler = libdeflate_adler32(1, filtered.data(), filtered.size());
     if (yBegin == 0)
         strip.chunk.add(zlibHeader);
-    strip.chunk.add(packStrip(filtered, yEnd == spec.height));
+    std::vector<unsigned char> packed = pack(filtered, level);
+    if (yEnd < spec.height)
+        openEnd(packed);
+    strip.chunk.add(packed);
     return strip;
 }
 
@@ -115,11 +123,12 @@ std::vector<Strip> packStrips(const OIIO::ImageBuf& image, int threads)
     const int rows = static_cast<int>(
         std::clamp<std::size_t>(stripBytes / rowBytes, 1, static_cast<std::size_t>(spec.height)));
     std::vector<Strip> strips(static_cast<std::size_t>((spec.height + rows - 1) / rows));
+    const int level = choosePngLevel(image, threads);
     forEachTask(static_cast<int>(strips.size()), threads,
                 [&](int i)
                 {
                     strips[static_cast<std::size_t>(i)] =
-                        packRows(image, i * rows, std::min((i + 1) * rows, spec.height));
+                        packRows(image, i * rows, std::min((i + 1) * rows, spec.height), level);
                 });
     return strips;
 }
