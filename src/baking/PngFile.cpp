@@ -29,7 +29,7 @@ using Number = std::array<unsigned char, 4>;
 
 /// Bytes of the rows that are packed at a time: many strips for many threads, each many times as long as what
 /// deflate looks back at.
-constexpr std::size_t stripBytes = std::size_t{1} << 20;
+constexpr std::size_t stripBytes = std::size_t{1} << 19;
 
 constexpr unsigned char zlibHeader[] = {0x78, 0x9C};
 

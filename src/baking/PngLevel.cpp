@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "baking/DeflateStrip.h"
@@ -20,18 +21,17 @@ namespace
 constexpr std::array fastLevels{2, 4, 6};
 /// For what none of them packs well enough: it beat the default on every picture that was tried.
 constexpr int bestLevel = 7;
-/// For pictures that are too small for a sample.
+/// For small pictures, where a sample would cost as much as it saves.
 constexpr int smallLevel = 6;
+constexpr std::int64_t smallBytes = 1 << 19;
 
-/// How large the sample may be beside that of the default settings; a sample errs by about as much.
-constexpr std::size_t percentOfDefault = 101;
-
-/// The sample: a few parts of rows spread over the picture, together a small part of it, each high enough for
-/// filters that look at the row above.
+/// The sample: a few parts of rows spread over the picture. It is twice as long as what deflate looks back at, or
+/// it would tell little, and the parts are high enough for filters that look at the row above.
 constexpr int parts = 4;
 constexpr int leastRows = 4;
 constexpr int sampleShare = 16;
-constexpr int sampleBytes = 1 << 18;
+constexpr std::int64_t leastBytes = 1 << 16;
+constexpr std::int64_t mostBytes = 1 << 18;
 
 struct Sample
 {
@@ -40,18 +40,23 @@ struct Sample
     std::vector<unsigned char> filtered;
 };
 
+std::int64_t rowBytes(const OIIO::ImageSpec& spec)
+{
+    return std::int64_t{spec.width} * spec.nchannels;
+}
+
 int rowsOfPart(const OIIO::ImageSpec& spec)
 {
-    const int wanted = sampleBytes / parts / (spec.width * spec.nchannels);
-    return std::clamp(wanted, leastRows, spec.height / (sampleShare * parts));
+    const std::int64_t bytes =
+        std::clamp(rowBytes(spec) * spec.height / sampleShare, leastBytes, mostBytes);
+    return std::max(static_cast<int>(bytes / parts / rowBytes(spec)), leastRows);
 }
 
 Sample takeSample(const OIIO::ImageBuf& image)
 {
     const OIIO::ImageSpec& spec = image.spec();
     const int rows = rowsOfPart(spec);
-    const auto values =
-        static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.nchannels);
+    const auto values = static_cast<std::size_t>(rowBytes(spec));
     const auto count = static_cast<std::size_t>(rows * parts);
     Sample sample{OIIO::ImageSpec(spec.width, rows * parts, spec.nchannels, OIIO::TypeUInt8),
                   std::vector<unsigned char>(count * values),
@@ -91,7 +96,8 @@ std::size_t dataSize(const std::vector<unsigned char>& file)
 
 int choosePngLevel(const OIIO::ImageBuf& image, int threads)
 {
-    if (image.spec().height < leastRows * parts * sampleShare)
+    const OIIO::ImageSpec& spec = image.spec();
+    if (rowBytes(spec) * spec.height < smallBytes || spec.height < leastRows * parts * sampleShare)
         return smallLevel;
     const Sample sample = takeSample(image);
     std::size_t byDefault = 0;
@@ -107,8 +113,8 @@ int choosePngLevel(const OIIO::ImageBuf& image, int threads)
                     else
                         sizes[level] = pack(sample.filtered, fastLevels[level]).size();
                 });
-    const auto* const found = std::ranges::find_if(
-        sizes, [&](std::size_t size) { return size * 100 <= byDefault * percentOfDefault; });
+    const auto* const found =
+        std::ranges::find_if(sizes, [&](std::size_t size) { return size <= byDefault; });
     return found == sizes.end() ? bestLevel
                                 : fastLevels[static_cast<std::size_t>(found - sizes.begin())];
 }

@@ -204,25 +204,6 @@ TEST(WriteImage, RefusesWhatItCannotWriteSafely)
     EXPECT_TRUE(folder.entries().empty());
 }
 
-TEST(EncodePng, IsNotMuchLargerThanByDefault)
-{
-    OIIO::ImageBuf waves = picture(512, 512, 1);
-    const OIIO::ImageBuf grain = waves.copy(OIIO::TypeFloat);
-    for (OIIO::ImageBuf::Iterator<float> i(waves); !i.done(); ++i)
-        i[0] =
-            std::fmod(0.05f * static_cast<float>(i.x()) + 0.004f * static_cast<float>(i.y()), 1.0f);
-    for (const auto& [height, most] : {std::pair(&grain, 1.05), {&waves, 1.3}})
-    {
-        const OIIO::ImageBuf image = bakeNormals(*height, {}).copy(OIIO::TypeUInt8);
-        const auto* pixels = static_cast<const unsigned char*>(image.localpixels());
-        const auto byDefault =
-            encodeImage("image.png", image.spec(), OIIO::TypeUInt8, pixels).size();
-        const auto chosen = encodePng(pixels, image.spec()).size();
-        EXPECT_LE(static_cast<double>(chosen), most * static_cast<double>(byDefault));
-        EXPECT_NE(chosen, byDefault) << "compressed by default, which is the slowest way";
-    }
-}
-
 TEST(MaterialBakes, OfBumpImagesTakeTheImagesOwnAttributes)
 {
     const TemporaryFolder folder;
