@@ -25,6 +25,10 @@ constexpr int bestLevel = 7;
 constexpr int smallLevel = 6;
 constexpr std::int64_t smallBytes = 1 << 19;
 
+/// How large the sample may be beside that of the default settings. Without the little more, noise that no level
+/// packs would take the longest.
+constexpr std::size_t permilleOfDefault = 1005;
+
 /// The sample: a few parts of rows spread over the picture. It is twice as long as what deflate looks back at, or
 /// it would tell little, and the parts are high enough for filters that look at the row above.
 constexpr int parts = 4;
@@ -113,8 +117,8 @@ int choosePngLevel(const OIIO::ImageBuf& image, int threads)
                     else
                         sizes[level] = pack(sample.filtered, fastLevels[level]).size();
                 });
-    const auto* const found =
-        std::ranges::find_if(sizes, [&](std::size_t size) { return size <= byDefault; });
+    const auto* const found = std::ranges::find_if(
+        sizes, [&](std::size_t size) { return size * 1000 <= byDefault * permilleOfDefault; });
     return found == sizes.end() ? bestLevel
                                 : fastLevels[static_cast<std::size_t>(found - sizes.begin())];
 }

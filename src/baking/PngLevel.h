@@ -5,8 +5,8 @@
 namespace vyr::MaterialTranslation::baking
 {
 
-/// The fastest of a few levels at which a sample of the image packs as well as by the image library's writer with
-/// its default settings.
+/// The fastest of a few levels at which a sample of the image packs as well as, or hardly worse than, by the image
+/// library's writer with its default settings.
 ///
 /// No one level is fast and small for all pictures: photographs and noise pack nearly as well at a low level,
 /// patterns and smooth pictures need a longer search for repetitions. Sizes decide, not times, so the choice is
