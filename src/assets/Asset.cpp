@@ -34,12 +34,12 @@ bool holds(const std::vector<const IProperty*>& list, const IProperty* property)
 class ImageWalk
 {
   public:
-    std::vector<std::string> from(const IAssetInstance& asset)
+    std::optional<std::vector<std::string>> from(const IAssetInstance& asset)
     {
         visit(asset);
-        for (std::size_t next = 0; next < _held.size() && next < mostAssets; ++next)
+        for (std::size_t next = 0; next < _held.size(); ++next)
             visit(*_held[next]);
-        return std::move(_images);
+        return _held.size() < mostAssets ? std::optional(std::move(_images)) : std::nullopt;
     }
 
   private:
@@ -200,7 +200,7 @@ void Asset::traceTexture(const Property& property) const
     writeTextureSchema(property, *_trace);
 }
 
-std::vector<std::string> imagesOf(const IAssetInstance& asset)
+std::optional<std::vector<std::string>> imagesOf(const IAssetInstance& asset)
 {
     return ImageWalk().from(asset);
 }

@@ -264,8 +264,9 @@ class Asset
 };
 
 /// The images that an asset and everything connected to it name, resolved; what cannot be read is left
-/// out. Of a chain of connections without end only the first thousands count.
-std::vector<std::string> imagesOf(const IAssetInstance& asset);
+/// out.
+/// @return nothing when thousands of assets are connected: a chain may have no end.
+std::optional<std::vector<std::string>> imagesOf(const IAssetInstance& asset);
 
 /// Three channels of 0..255 as a colour of 0..1; not clamped.
 Color3 colorFromBytes(float red, float green, float blue);

@@ -122,15 +122,26 @@ bool isSameFile(const fs::path& a, const fs::path& b)
     return fs::equivalent(a, b, error) && !error;
 }
 
-bool isSamePlace(const fs::path& a, const fs::path& b)
+std::string placeKey(const fs::path& path)
 {
-    const auto placeOf = [](const fs::path& path)
+    std::error_code error;
+    const fs::path whole = fs::absolute(path, error).lexically_normal();
+    const fs::path folder = fs::weakly_canonical(whole.parent_path(), error);
+    return utf8FromPath((error ? whole.parent_path() : folder) / "") +
+           foldCase(utf8FromPath(whole.filename()));
+}
+
+std::vector<std::string> placeKeys(const fs::path& path)
+{
+    constexpr std::size_t mostLinks = 40;
+    std::vector<std::string> keys{placeKey(path)};
+    std::error_code error;
+    for (fs::path at = path; keys.size() < mostLinks && fs::is_symlink(at, error);)
     {
-        std::error_code error;
-        const fs::path place = fs::weakly_canonical(path, error);
-        return error ? path.lexically_normal() : place;
-    };
-    return placeOf(a) == placeOf(b) || isSameFile(a, b);
+        at = at.parent_path() / fs::read_symlink(at, error);
+        keys.push_back(placeKey(at));
+    }
+    return keys;
 }
 
 std::string_view lastComponent(std::string_view path)

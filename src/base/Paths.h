@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// @file
 /// Paths and file names. Texts are UTF-8 on every system.
@@ -33,8 +34,12 @@ bool isFile(const std::filesystem::path& path);
 /// Whether both paths lead to one file or folder that exists.
 bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
 
-/// Whether both paths lead to one place, where nothing has to be yet.
-bool isSamePlace(const std::filesystem::path& a, const std::filesystem::path& b);
+/// One text for one place, however the way there and the case of the name are written, and whether or not
+/// something is there. Links on the way are followed, one in the place itself is not.
+std::string placeKey(const std::filesystem::path& path);
+
+/// The keys of the place and, if it is a link, of every place where that leads.
+std::vector<std::string> placeKeys(const std::filesystem::path& path);
 
 /// What follows the last "/" or "\" of a path.
 std::string_view lastComponent(std::string_view path);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -67,9 +68,13 @@ bool haveEqualBytes(const fs::path& a, const fs::path& b)
 class Gathering
 {
   public:
-    Gathering(textures::MaterialFiles& files, const Log& log)
+    /// @param images further ones of the user, which must not be replaced.
+    Gathering(textures::MaterialFiles& files, const std::vector<std::string>& images,
+              const Log& log)
         : _files(files), _folder(files.folder()), _log(log)
     {
+        for (const std::string& image : images)
+            protect(image);
     }
 
     void run(const mx::Document& document, std::size_t firstChild)
@@ -78,30 +83,31 @@ class Gathering
         for (std::size_t i = firstChild; i < children.size(); ++i)
             for (const mx::InputPtr& input : fileInputs(children[i]))
                 _inputs.emplace_back(input, input->getValueString());
+        std::set<std::string> known;
         for (const auto& [input, path] : _inputs)
-            if (std::ranges::find(_paths, path) == _paths.end())
+            if (known.insert(path).second)
                 _paths.push_back(path);
+        for (const std::string& path : _paths)
+            if (!isBaked(path))
+                protect(path);
         try
         {
             plan();
+            if (_gathered.empty())
+                return;
+            _files.makeFolder();
+            copyAll();
         }
         catch (const fs::filesystem_error&)
         {
-            _files.publish();
+            // The document names them, and an older result is not to change.
+            _files.publishWhereNothingIs();
             throw;
         }
-        if (_gathered.empty())
-            return;
-        _files.makeFolder();
         for (const auto& [path, file] : _gathered)
             if (file.baked)
                 _files.publish(base::pathFromUtf8(path), file.destination);
-        // The document names them where they are now, even if a copy fails.
-        rewriteInputs(true);
-        for (const auto& [path, file] : _gathered)
-            if (!file.baked)
-                copy(file);
-        rewriteInputs(false);
+        rewriteInputs();
     }
 
   private:
@@ -178,29 +184,71 @@ class Gathering
         return destination(taken);
     }
 
-    /// Whether a folder or another source stands in the way; only a baked file makes room for others.
+    /// Notes the places of a user's image, links that lead to it included.
+    void protect(const std::string& image)
+    {
+        for (std::string& key : base::placeKeys(base::pathFromUtf8(image)))
+            _users.emplace(std::move(key), image);
+    }
+
+    /// Whether a folder, a device or another image of the user stands in the way.
     bool isOccupied(const fs::path& destination, const std::string& path, bool baked) const
     {
         std::error_code error;
         if (fs::is_directory(fs::symlink_status(destination, error)))
             return true;
-        const auto isThere = [&](const std::string& other)
-        {
-            const fs::path file = base::pathFromUtf8(other);
-            return file == destination || base::isSameFile(file, destination);
-        };
-        return !isThere(path) &&
-               std::ranges::any_of(_paths, [&](const std::string& other)
-                                   { return (baked || !isBaked(other)) && isThere(other); });
+        const fs::file_status status = fs::status(destination, error);
+        if (fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status))
+            return true;
+        if (path == base::utf8FromPath(destination) ||
+            (!baked && base::isSameFile(destination, base::pathFromUtf8(path))))
+            return false;
+        if (_users.contains(base::placeKey(destination)))
+            return true;
+        // By a further name of the file.
+        return fs::exists(status) &&
+               std::ranges::any_of(_paths,
+                                   [&](const std::string& other)
+                                   {
+                                       return !isBaked(other) &&
+                                              base::isSameFile(base::pathFromUtf8(other),
+                                                               destination);
+                                   });
     }
 
-    static void copy(const GatheredFile& file)
+    /// When one cannot be copied, none is: the folder stays as it was.
+    void copyAll()
     {
-        const fs::path source = base::pathFromUtf8(file.source);
-        if (isUpToDate(source, file.destination))
-            return;
-        if (const auto error = base::copyFile(source, file.destination))
-            throw fs::filesystem_error("copy_file", source, file.destination, error);
+        // Each keeps a file open until it gets its name.
+        constexpr std::size_t mostPending = 200;
+        std::vector<std::pair<base::PendingFile, const GatheredFile*>> pending;
+        const auto finish = [&]
+        {
+            for (auto& [content, file] : pending)
+                if (const auto error = content.replace(file->destination))
+                    throwCopyError(*file, error);
+            pending.clear();
+        };
+        std::set<fs::path> done;
+        for (const auto& [path, file] : _gathered)
+        {
+            const fs::path source = base::pathFromUtf8(file.source);
+            if (file.baked || base::placeKey(source) == base::placeKey(file.destination) ||
+                !done.insert(file.destination).second || isUpToDate(source, file.destination))
+                continue;
+            auto& [content, copied] = pending.emplace_back(base::PendingFile(), &file);
+            if (const auto error = content.copy(source, file.destination))
+                throwCopyError(file, error);
+            if (pending.size() == mostPending)
+                finish();
+        }
+        finish();
+    }
+
+    [[noreturn]] static void throwCopyError(const GatheredFile& file, const std::error_code& error)
+    {
+        throw fs::filesystem_error("copy_file", base::pathFromUtf8(file.source), file.destination,
+                                   error);
     }
 
     /// Whether the destination is the source itself or a whole copy that is not older. A symbolic
@@ -222,15 +270,12 @@ class Gathering
                           (sourceTime == destinationTime && haveEqualBytes(source, destination)));
     }
 
-    void rewriteInputs(bool baked) const
+    void rewriteInputs() const
     {
         for (const auto& [input, path] : _inputs)
-        {
-            const auto file = _gathered.find(path);
-            if (file != _gathered.end() && file->second.baked == baked &&
-                fs::exists(statusOf(file->second.destination)))
+            if (const auto file = _gathered.find(path);
+                file != _gathered.end() && fs::exists(statusOf(file->second.destination)))
                 input->setValueString(base::genericUtf8FromPath(file->second.destination));
-        }
     }
 
     textures::MaterialFiles& _files;
@@ -240,6 +285,8 @@ class Gathering
     std::vector<std::pair<mx::InputPtr, std::string>> _inputs;
     /// Each path that is referred to, once, in the document's order.
     std::vector<std::string> _paths;
+    /// Images of the user by the keys of their places.
+    std::map<std::string, std::string> _users;
     base::UniqueNames _names;
     std::map<std::string, GatheredFile> _gathered;
 };
@@ -248,13 +295,15 @@ class Gathering
 
 void gatherTextures(const Translation& translation, std::size_t firstChild)
 {
-    gatherTextures(*translation.document, firstChild, translation.files, translation.log);
+    const auto images = assets::imagesOf(translation.asset);
+    Gathering(translation.files, images.value_or(std::vector<std::string>()), translation.log)
+        .run(*translation.document, firstChild);
 }
 
 void gatherTextures(const mx::Document& document, std::size_t firstChild,
                     textures::MaterialFiles& files, const Log& log)
 {
-    Gathering(files, log).run(document, firstChild);
+    Gathering(files, {}, log).run(document, firstChild);
 }
 
 } // namespace vyr::MaterialTranslation::converter

@@ -1,6 +1,8 @@
 #include "textures/Translation.h"
 
 #include <algorithm>
+#include <mutex>
+#include <set>
 #include <utility>
 
 #include <MaterialTranslation/Bakes.h>
@@ -14,6 +16,14 @@ namespace fs = std::filesystem;
 
 namespace
 {
+
+/// While one translation looks whether a file is still its own and removes it, no other may put one there.
+std::mutex& placesMutex()
+{
+    // Never destroyed: threads may end after the program's static objects.
+    static std::mutex& mutex = *new std::mutex;
+    return mutex;
+}
 
 std::unique_ptr<MaterialFiles>& lastFiles()
 {
@@ -56,9 +66,9 @@ void MaterialFiles::makeFolder()
         return;
     if (fs::exists(status))
         error = std::make_error_code(std::errc::not_a_directory);
-    else if (fs::create_directory(folder(), error); !error)
+    else if (const bool made = fs::create_directory(folder(), error); !error)
     {
-        _madeFolder = true;
+        _madeFolder = _madeFolder || made;
         return;
     }
     throw fs::filesystem_error("create_directory", folder(), error);
@@ -67,25 +77,39 @@ void MaterialFiles::makeFolder()
 fs::path MaterialFiles::freePlace(const std::string& name,
                                   const std::vector<std::string>& others) const
 {
+    std::set<std::string> taken;
+    for (const std::string& other : others)
+        for (std::string& key : base::placeKeys(base::pathFromUtf8(other)))
+            taken.insert(std::move(key));
     const auto placeOf = [&](const std::string& text)
     { return folder() / base::pathFromUtf8(text); };
     const auto isFree = [&](const std::string& candidate)
     {
         const fs::path place = placeOf(candidate);
-        return !isOwn(place) &&
-               std::ranges::none_of(
-                   others, [&](const std::string& other)
-                   { return base::isSamePlace(base::pathFromUtf8(other), place); });
+        return !isOwn(place) && !taken.contains(base::placeKey(place));
     };
     return placeOf(base::firstFreeName(name, isFree));
 }
 
 void MaterialFiles::add(const fs::path& place, std::string_view bytes)
 {
-    File file{place, {}};
-    if (const std::error_code error = file.content.write(place, bytes))
-        throw fs::filesystem_error("write", place, error);
-    _files.push_back(std::move(file));
+    constexpr int mostAttempts = 100;
+    std::error_code error;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt)
+    {
+        makeFolder();
+        File file{place, {}};
+        error = file.content.write(place, bytes);
+        if (!error)
+        {
+            _files.push_back(std::move(file));
+            return;
+        }
+        // Another translation of this name may just have removed the folder that it had made.
+        if (error != std::errc::no_such_file_or_directory)
+            break;
+    }
+    throw fs::filesystem_error("write", place, error);
 }
 
 void MaterialFiles::drop(const fs::path& place)
@@ -95,6 +119,7 @@ void MaterialFiles::drop(const fs::path& place)
 
 void MaterialFiles::publish(const fs::path& place, const fs::path& destination)
 {
+    const std::lock_guard lock(placesMutex());
     for (File& file : _files)
     {
         if (file.place != place || file.isPublished)
@@ -111,6 +136,14 @@ void MaterialFiles::publish()
         publish(file.place, file.place);
 }
 
+void MaterialFiles::publishWhereNothingIs()
+{
+    std::error_code ignored;
+    for (const File& file : _files)
+        if (!fs::exists(fs::symlink_status(file.place, ignored)))
+            publish(file.place, file.place);
+}
+
 bool MaterialFiles::isOwn(const fs::path& place) const
 {
     return std::ranges::find(_files, place, &File::place) != _files.end();
@@ -118,6 +151,7 @@ bool MaterialFiles::isOwn(const fs::path& place) const
 
 void MaterialFiles::discard()
 {
+    const std::lock_guard lock(placesMutex());
     for (const File& file : _files)
         file.content.withdraw();
     _files.clear();

@@ -146,10 +146,20 @@ void TextureSet::bake()
     if (std::ranges::none_of(_entries, needsBake))
         return;
     // Also those that nothing uses: no bake may take the name of a user's file.
-    const std::vector<std::string> images = assets::imagesOf(_translation.asset);
+    const auto images = assets::imagesOf(_translation.asset);
     for (Entry& entry : _entries)
-        if (needsBake(entry))
-            bakeInto(entry, images);
+        if (needsBake(entry) && images)
+            bakeInto(entry, *images);
+        else if (needsBake(entry))
+            dropBake(entry, "more assets are connected than can be looked through for images");
+}
+
+void TextureSet::dropBake(Entry& entry, const std::string& reason)
+{
+    _translation.log.into(entry.messages)
+        .warning(DiagnosticCode::BakeFailed, entry.property,
+                 "the surface stays without relief: " + reason);
+    entry.reading.reset();
 }
 
 void TextureSet::bakeInto(Entry& entry, const std::vector<std::string>& images)
@@ -161,14 +171,9 @@ void TextureSet::bakeInto(Entry& entry, const std::vector<std::string>& images)
     for (const std::string& warning : outcome.warnings)
         log.warning(DiagnosticCode::ValueAdjusted, entry.property, warning);
     if (outcome.file.empty())
-    {
-        log.warning(DiagnosticCode::BakeFailed, entry.property,
-                    "the surface stays without relief: " + outcome.message);
-        return entry.reading.reset();
-    }
+        return dropBake(entry, outcome.message);
     try
     {
-        _translation.files.makeFolder();
         _translation.files.add(place, base::textOf(outcome.file));
     }
     catch (const std::filesystem::filesystem_error& error)

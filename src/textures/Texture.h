@@ -168,6 +168,7 @@ class TextureSet
 
     void readInto(Entry& entry, const assets::Property& property, TextureRole role,
                   const char* type, float bumpAmount);
+    void dropBake(Entry& entry, const std::string& reason);
     void bakeInto(Entry& entry, const std::vector<std::string>& images);
     const Entry* find(const assets::Property& property) const;
 

@@ -40,8 +40,8 @@ class MaterialFiles
     std::filesystem::path freePlace(const std::string& name,
                                     const std::vector<std::string>& others) const;
 
-    /// Writes a file, which gets its place when it is published.
-    /// @throws std::filesystem::filesystem_error "write"
+    /// Writes a file, which gets its place when it is published. Makes the folder.
+    /// @throws std::filesystem::filesystem_error "write", and as makeFolder.
     void add(const std::filesystem::path& place, std::string_view bytes);
 
     /// Says that nothing needs a file that was added.
@@ -54,6 +54,9 @@ class MaterialFiles
     /// Gives all files their places that have none yet.
     /// @throws std::filesystem::filesystem_error "rename"
     void publish();
+
+    /// The same where nothing is yet; the other files stay as they are there.
+    void publishWhereNothingIs();
 
     /// Whether the file was added here.
     bool isOwn(const std::filesystem::path& place) const;
