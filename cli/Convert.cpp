@@ -77,7 +77,7 @@ ExitStatus run(const ConvertCommand& command)
     if (!source)
         return ExitStatus::WrongUse;
     const std::optional<std::vector<Task>> tasks = makeTasks(command, *source);
-    if (!tasks || !canConvert(command, *tasks))
+    if (!tasks || !canConvert(command, *tasks, *source))
         return ExitStatus::WrongUse;
 
     finishBeforeStopping();

@@ -142,7 +142,7 @@ class Delivery
     void take(std::size_t step, const Outcome& outcome)
     {
         const Task& task = _tasks[step];
-        const std::string messages = messageLines(fileOf(task), subjectOf(task), outcome);
+        const std::string messages = messageLines(fileOf(task), subjectOf(task.item), outcome);
         if (!messages.empty() || Results::onTerminal())
             _progress.clear();
         complainAsIs(messages);
@@ -244,9 +244,10 @@ std::size_t workersFor(const DocumentsCommand& command, std::size_t tasks)
     return std::clamp<std::size_t>(tasks, 1, std::max(wanted, 1u));
 }
 
-bool canConvert(const DocumentsCommand& command, const std::vector<Task>& tasks)
+bool canConvert(const DocumentsCommand& command, const std::vector<Task>& tasks,
+                const Source& source)
 {
-    return filesAreApart(command, tasks) && definitionsAreThere(command);
+    return filesAreApart(command, tasks, source) && definitionsAreThere(command);
 }
 
 ExitStatus convertAll(const DocumentsCommand& command, const std::vector<Task>& tasks,

@@ -25,7 +25,8 @@ using Translate =
 /// What can be told before anything is written: no file is written over that is read, and the definitions
 /// of nodes can be read, where the command needs them.
 /// @return false when something is wrong; standard error then says what.
-bool canConvert(const DocumentsCommand& command, const std::vector<Task>& tasks);
+bool canConvert(const DocumentsCommand& command, const std::vector<Task>& tasks,
+                const Source& source);
 
 /// How many threads are of use.
 std::size_t workersFor(const DocumentsCommand& command, std::size_t tasks);

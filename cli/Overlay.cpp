@@ -115,7 +115,7 @@ ExitStatus run(const OverlayCommand& command)
     if (!source)
         return ExitStatus::WrongUse;
     const std::vector<Task> tasks = makeTasks(command, *source);
-    if (!canConvert(command, tasks))
+    if (!canConvert(command, tasks, *source))
         return ExitStatus::WrongUse;
 
     finishBeforeStopping();

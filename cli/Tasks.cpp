@@ -39,7 +39,7 @@ bool allExist(const std::vector<std::string>& ids, const assetlib::Library& libr
 
 std::string claim(DocumentNames& names, const std::string& name, const Task& task)
 {
-    return names.claim(name, subjectOf(task) + " of " + fileOf(task));
+    return names.claim(name, subjectOf(task.item) + " of " + fileOf(task));
 }
 
 const IAssetInstance& assetOf(const Task& task)
@@ -48,11 +48,11 @@ const IAssetInstance& assetOf(const Task& task)
 }
 
 /// The images that a material or overlay refers to.
-std::vector<std::string> referencesOf(const Task& task)
+std::vector<std::string> referencesOf(const Item& item)
 {
-    if (const auto* overlay = std::get_if<const assetlib::Overlay*>(&task.item))
+    if (const auto* overlay = std::get_if<const assetlib::Overlay*>(&item))
         return imagesOf(**overlay);
-    return reachOf(assetOf(task)).images;
+    return reachOf(*std::get<const assetlib::Material*>(item)->asset).images;
 }
 
 /// Tells the materials that are refused whether names with identifiers are of use: different identifiers
@@ -123,7 +123,8 @@ class Preflight
 {
   public:
     explicit Preflight(const DocumentsCommand& command)
-        : _folder(placeOf(base::pathFromUtf8(command.output) / "*").parent_path())
+        : _folder(placeOf(base::pathFromUtf8(command.output) / "*").parent_path()),
+          _copies(command.options.copyTextures)
     {
         for (const std::string& file : command.files)
         {
@@ -160,36 +161,47 @@ class Preflight
         return {};
     }
 
-    /// What is wrong with the files of a material; empty for nothing.
-    /// @param names of all materials of the run, which are those of their folders.
-    std::string problemOf(const Task& task, const std::unordered_set<std::string>& names)
+    /// What is wrong with what a task writes; empty for nothing.
+    std::string problemOf(const Task& task)
     {
-        const auto kept = _kept.find(documentFile(task.name).native());
-        if (kept != _kept.end())
+        const fs::path folder = _folder / base::pathFromUtf8(task.name);
+        const auto isInside = [&](const fs::path& file) { return file.parent_path() == folder; };
+        if (const auto kept = _kept.find(documentFile(task.name).native()); kept != _kept.end())
             return "its document would replace " + kept->second;
-        if (_report && _report->parent_path() == _folder / base::pathFromUtf8(task.name))
+        if (_report && isInside(*_report))
             return "the report would lie in the folder of its images";
-        return imageProblem(task, names);
+        if (_copies && std::ranges::any_of(_inputs, isInside))
+            return "an input file lies in the folder where its images are gathered";
+        _tasks.emplace(task.name, task.item);
+        return {};
     }
 
-  private:
-    /// An image is an input like a library, and must not lie where another material's images go: they
-    /// might replace it.
-    std::string imageProblem(const Task& task, const std::unordered_set<std::string>& names)
+    /// What is wrong with the images of a material or overlay of the files, also one that is not converted. They
+    /// are inputs like a library, and must not lie where another one's images go, which might replace them.
+    /// To be called when all tasks are known.
+    std::string imageProblem(const Item& item)
     {
-        for (const std::string& reference : referencesOf(task))
+        for (const std::string& reference : referencesOf(item))
         {
             const auto& [image, target] = placesOfImage(reference);
-            if (image == _report || target == _report)
-                return "the report would replace its image " + reference;
-            const fs::path folder = image.parent_path();
-            const std::string name = base::utf8FromPath(folder.filename());
-            if (folder.parent_path() == _folder && name != task.name && names.contains(name))
-                return "its image " + reference + " lies in the folder of another material";
+            for (const fs::path& place : {image, target})
+            {
+                if (place == _report)
+                    return "the report would replace its image " + reference;
+                const fs::path folder = place.parent_path();
+                if (folder == _folder && place.extension() == ".mtlx" &&
+                    _tasks.contains(base::utf8FromPath(place.stem())))
+                    return "a document would replace its image " + reference;
+                const auto owner = _tasks.find(base::utf8FromPath(folder.filename()));
+                if (folder.parent_path() == _folder && owner != _tasks.end() &&
+                    owner->second != item)
+                    return "its image " + reference + " lies in the folder of another material";
+            }
         }
         return {};
     }
 
+  private:
     /// Many materials share an image, and to find its places asks the file system.
     const Places& placesOfImage(const std::string& reference)
     {
@@ -207,7 +219,10 @@ class Preflight
 
     fs::path _folder;
     std::vector<fs::path> _inputs;
+    bool _copies;
     std::optional<fs::path> _report;
+    /// By the names of their documents and folders.
+    std::unordered_map<std::string, Item> _tasks;
     std::unordered_map<std::string, Places> _images;
     /// Files in the output folder that are not to be replaced, and what they are.
     std::unordered_map<fs::path::string_type, std::string> _kept;
@@ -220,9 +235,9 @@ const std::string& fileOf(const Task& task)
     return std::visit([](const auto* item) -> const std::string& { return item->file; }, task.item);
 }
 
-std::string subjectOf(const Task& task)
+std::string subjectOf(const Item& item)
 {
-    return std::visit([](const auto* item) { return subjectOf(*item); }, task.item);
+    return std::visit([](const auto* i) { return subjectOf(*i); }, item);
 }
 
 std::vector<Task> makeTasks(const OverlayCommand& /*command*/, const Source& source)
@@ -257,24 +272,28 @@ std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const 
     return tasks;
 }
 
-bool filesAreApart(const DocumentsCommand& command, const std::vector<Task>& tasks)
+bool filesAreApart(const DocumentsCommand& command, const std::vector<Task>& tasks,
+                   const Source& source)
 {
-    Preflight preflight(command);
-    if (const std::string problem = preflight.reportProblem(); !problem.empty())
+    const auto isFine = [](const std::string& subject, const std::string& problem)
     {
-        complain("vyr-mtlx: --report " + command.report + ": " + problem);
+        if (!problem.empty())
+            complain("vyr-mtlx: " + subject + ": " + problem);
+        return problem.empty();
+    };
+    Preflight preflight(command);
+    if (!isFine("--report " + command.report, preflight.reportProblem()))
         return false;
-    }
-    std::unordered_set<std::string> names;
     for (const Task& task : tasks)
-        names.insert(task.name);
-    for (const Task& task : tasks)
-        if (const std::string problem = preflight.problemOf(task, names); !problem.empty())
-        {
-            complain("vyr-mtlx: " + subjectOf(task) + ": " + problem);
+        if (!isFine(subjectOf(task.item), preflight.problemOf(task)))
             return false;
-        }
-    return true;
+    const auto areFine = [&](const auto& items)
+    {
+        return std::ranges::all_of(
+            items, [&](const auto& item)
+            { return isFine(subjectOf(item), preflight.imageProblem(&item)); });
+    };
+    return areFine(source.library.materials()) && areFine(source.library.overlays());
 }
 
 } // namespace vyr::cli

@@ -12,11 +12,13 @@
 namespace vyr::cli
 {
 
+/// A material or overlay, borrowed from the source.
+using Item = std::variant<const assetlib::Material*, const assetlib::Overlay*>;
+
 /// One material or overlay to convert.
 struct Task
 {
-    /// Borrowed from the source.
-    std::variant<const assetlib::Material*, const assetlib::Overlay*> item;
+    Item item;
     /// Material name, which is the document's too.
     std::string name;
     /// Why it cannot be converted, known before anything is; empty when it may be tried.
@@ -27,7 +29,7 @@ struct Task
 
 /// The file that a task comes from, and how messages call it.
 const std::string& fileOf(const Task& task);
-std::string subjectOf(const Task& task);
+std::string subjectOf(const Item& item);
 
 /// All overlays, in input order, with their names.
 std::vector<Task> makeTasks(const OverlayCommand& command, const Source& source);
@@ -37,8 +39,9 @@ std::vector<Task> makeTasks(const OverlayCommand& command, const Source& source)
 std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const Source& source);
 
 /// What can be told about the files to be written before anything is: no input is written over, be it
-/// a library or an image, the report has a folder to go to, and it is not one of the documents.
+/// a library or an image of anything in it, converted or not, the report has a folder to go to, and it is not one of the documents.
 /// @return false when something is wrong; standard error then says what.
-bool filesAreApart(const DocumentsCommand& command, const std::vector<Task>& tasks);
+bool filesAreApart(const DocumentsCommand& command, const std::vector<Task>& tasks,
+                   const Source& source);
 
 } // namespace vyr::cli

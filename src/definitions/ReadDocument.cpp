@@ -68,15 +68,18 @@ class Tags
     bool next()
     {
         static constexpr std::pair<std::string_view, std::string_view> others[] = {
-            {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}, {"<!", ">"}};
+            {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
         _begin = _text.find('<', _end);
         while (_begin != _text.npos)
         {
             const auto* other = std::ranges::find_if(
                 others, [&](const auto& o) { return _text.substr(_begin).starts_with(o.first); });
-            if (other == std::end(others))
+            if (other != std::end(others))
+                _begin = _text.find('<', _text.find(other->second, _begin + other->first.size()));
+            else if (_text.substr(_begin).starts_with("<!"))
+                _begin = _text.find('<', declarationEnd(_begin));
+            else
                 break;
-            _begin = _text.find('<', _text.find(other->second, _begin + other->first.size()));
         }
         if (_begin == _text.npos)
             return false;
@@ -114,17 +117,38 @@ class Tags
     }
 
   private:
+    /// The end of a document type, which has declarations, comments and texts within.
+    std::size_t declarationEnd(std::size_t at) const
+    {
+        int open = 0;
+        for (; at < _text.size(); ++at)
+        {
+            const char c = _text[at];
+            if (_text.substr(at).starts_with("<!--"))
+                at = _text.find("-->", at) + 2;
+            else if (c == '"' || c == '\'')
+                at = _text.find(c, at + 1);
+            else if (c == '<')
+                ++open;
+            else if (c == '>' && --open == 0)
+                break;
+        }
+        return at;
+    }
+
     std::string_view _text;
     std::size_t _begin = 0;
     std::size_t _end = 0;
 };
 
-/// MaterialX leaves a second element of one name out.
+/// MaterialX leaves a second element of one name out. The first hundred are told.
 void findSecondNames(std::string_view content, const std::string& file,
                      std::vector<ValidationMessage>& messages)
 {
+    constexpr std::size_t mostMessages = 100;
     std::vector<std::unordered_set<std::string_view>> open(1);
-    for (Tags tags(content); tags.next();)
+    std::size_t found = 0;
+    for (Tags tags(content); tags.next() && !open.empty() && found < mostMessages;)
     {
         if (tags.closes())
         {
@@ -133,9 +157,12 @@ void findSecondNames(std::string_view content, const std::string& file,
         }
         const std::string_view name = tags.name();
         if (!name.empty() && !open.back().insert(name).second)
+        {
+            ++found;
             messages.push_back({"", ValidationCode::NameTwice,
                                 fmt::format("{}{}: a second element \"{}\"", file,
                                             lineAndColumn(content, tags.offset()), name)});
+        }
         if (!tags.closesItself())
             open.emplace_back();
     }

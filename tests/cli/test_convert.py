@@ -92,11 +92,20 @@ class Images(ToolTest):
 
     def test_images_are_inputs_too(self):
         inside = self.image("out/Gate/brick.png")
-        self.library(textured("a", "Wall", inside), material("b", "Gate"))
+        (self.folder / "link.png").symlink_to(inside)
+        self.library(textured("a", "Wall", "link.png"), material("b", "Gate"))
         (self.folder / "out/Wall").mkdir()
-        for options, reason in ([], "lies in the folder of another material"), (["--report", inside], "the report would replace"), \
-                (["--report", "out/Wall/report.json"], "the report would lie in the folder"):
+        for options, reason in ([], "lies in the folder of another material"), (["--report", "out/Wall/report.json"], "the report would lie in the folder"):
             self.assertIn(reason, self.convert("lib.json", *options, status=2).stderr)
+
+        # Of what is not converted, too, and a document is no image.
+        other = self.image("other.png")
+        self.library(textured("a", "Wall", inside), material("b", "Gate"), textured("c", "Roof", other))
+        for asset, options, reason in ("b", [], "lies in the folder of another material"), ("c", [], ""), \
+                ("c", ["--report", other], "the report would replace"):  # fmt: skip
+            self.assertIn(reason, self.convert("lib.json", "--asset", asset, *options, status=2 if reason else 0).stderr)
+        self.library(material("b", "Gate"), overlays=[{"name": "Logo", "type": "decal", "texture": {"path": "out/Gate.mtlx"}}])
+        self.assertIn("a document would replace its image", self.convert("lib.json", status=2).stderr)
 
     def test_warnings_of_loading_join_the_material(self):
         self.image("Brick.PNG")
