@@ -32,8 +32,9 @@ bool translate(const assets::IAssetInstance& asset, const std::string& name,
 ///
 /// A file is copied once however many inputs name it; it is not copied again while the copy has its
 /// size and is newer, or has its time and its bytes. Different files of one name, also if only their case differs, get
-/// different names. A user's file is never moved, a missing one stays as it is in the document.
-/// When nothing can be written, a folder made for it is gone again.
+/// different names. A user's file is never moved, and never replaced, be it an image of a texture that nothing uses
+/// or one that is reached through links; a missing one stays as it is in the document.
+/// Files get their names when all are written: when one cannot be, a folder made for it is gone again.
 /// @param firstChild of the document that belongs to the translation: another material's files are not
 ///        gathered again.
 /// @throws std::filesystem::filesystem_error "exists", "create_directory", "copy_file", "rename"; the

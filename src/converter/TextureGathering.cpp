@@ -216,11 +216,11 @@ class Gathering
                                    });
     }
 
-    /// When one cannot be copied, none is: the folder stays as it was.
+    /// When one of the first sixteen cannot be copied, none is: the folder stays as it was.
     void copyAll()
     {
-        // Each keeps a file open until it gets its name.
-        constexpr std::size_t mostPending = 200;
+        // Each keeps a file open until it gets its name, and other threads gather too.
+        constexpr std::size_t mostPending = 16;
         std::vector<std::pair<base::PendingFile, const GatheredFile*>> pending;
         const auto finish = [&]
         {
