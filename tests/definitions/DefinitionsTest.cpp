@@ -145,11 +145,11 @@ TEST(Registry, HasEveryRowInAGoldenCase)
         support::readFile(root + "/tests/cases/description/expected/verbose/messages");
     for (const std::string& row : rows)
         EXPECT_NE(used.find(row), std::string::npos) << row << " is read by no rule";
-    const std::string page = support::readFile(root + "/docs/textures.md");
-    for (const std::string& schema : textures::textureSchemas())
-        EXPECT_NE(page.find(schema), std::string::npos) << schema << " is not in textures.md";
     for (const std::string& schema : textures::textureSchemas())
         rows.push_back(schema);
+    const std::string page = support::readFile(root + "/docs/textures.md");
+    for (const std::string& row : rows)
+        EXPECT_NE(page.find(row), std::string::npos) << row << " is not in textures.md";
     for (const auto& family : assets::lyrexFamilies())
     {
         rows.emplace_back(family.schema);
