@@ -19,7 +19,7 @@ struct VYR_MTLX_API DecalInfo
     ~DecalInfo();
 
     /// What of the image shows. 2 and 3: all but the key colour. Every other value: what the image's alpha
-    /// says, and all of an image without alpha.
+    /// says, and all of an image without alpha (but in OSL, where a missing alpha is 0).
     std::int32_t kind = 1;
     /// The decal's image, sRGB, and its placement. It shows once; around it nothing does. Without a path
     /// nothing is built.

@@ -92,7 +92,7 @@ struct Diagnostic
 
 /// The diagnostics of the calling thread's last call of a MaterialXConverter operation that can
 /// fail (RegisterAssetForConversion, SerializeRegisteredAssetsForConversion, TranslateToMaterialX,
-/// Convert), in the order in which they arose. Filled also when an exception left the call. The
+/// Convert) or of buildOverlay, in the order in which they arose. Filled also when an exception left the call. The
 /// reference is valid until the thread's next such call or end.
 VYR_MTLX_API const std::vector<Diagnostic>& lastDiagnostics();
 

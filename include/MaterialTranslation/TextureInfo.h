@@ -19,7 +19,7 @@ struct VYR_MTLX_API TextureInfo
     TextureInfo& operator=(TextureInfo&& other) noexcept;
     ~TextureInfo();
 
-    /// Image file, UTF-8.
+    /// Image file, UTF-8, absolute. A relative path is written as it is, with a warning, and not gathered.
     kelvor::platform::core::string::UTF8String path;
     /// Shift of the image on the surface along U and V, in `unit`.
     std::array<float, 2> realWorldOffset{0.0f, 0.0f};

@@ -64,9 +64,11 @@ mx::NodePtr addKeyOpacity(const mx::GraphElementPtr& graph, const TextureInfo& t
     const std::string& color = graph::typeStringOf<mx::Color3>();
     const std::string& vector = graph::typeStringOf<mx::Vector3>();
     const mx::NodePtr image = graph::addPlacedTextureNode(graph, "stored_image", texture, color);
-    readAsStored(image);
+    readAsStored(image->getInput("file"));
     const mx::NodePtr difference =
         graph::addBinaryWith(graph, "subtract", "difference_image_with_chromekey", image, key);
+    // As the image beside it, or it would have the document's colour space.
+    readAsStored(difference->getInput("in2"));
     const mx::NodePtr steps =
         graph::addUnary(graph, "convert", "convert_color3_to_vector3", difference, vector);
     const mx::NodePtr distance = graph::addUnary(graph, "magnitude", "magnitude_vector3", steps,
@@ -79,7 +81,7 @@ mx::NodePtr addAlphaOpacity(const mx::GraphElementPtr& graph, const TextureInfo&
 {
     const mx::NodePtr image = graph::addPlacedTextureNode(graph, "stored_image", texture,
                                                           graph::typeStringOf<mx::Color4>());
-    readAsStored(image);
+    readAsStored(image->getInput("file"));
     return addGrey(graph, "create_image_with_3alphas", addAlpha(graph, image));
 }
 

@@ -89,9 +89,9 @@ mx::DocumentPtr OverlayMaterial::finish(const materials::StandardSurfaceParams& 
     return _document;
 }
 
-void readAsStored(const mx::NodePtr& texture)
+void readAsStored(const mx::InputPtr& input)
 {
-    texture->getInput("file")->setColorSpace(noColorSpace);
+    input->setColorSpace(noColorSpace);
 }
 
 mx::NodePtr addAlpha(const mx::GraphElementPtr& graph, const mx::NodePtr& image)

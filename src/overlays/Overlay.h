@@ -69,8 +69,8 @@ class OverlayMaterial
     std::map<std::string, MaterialX::OutputPtr, std::less<>> _drivers;
 };
 
-/// Lets a texture node read the stored values of its file, which no colour transform may change.
-void readAsStored(const MaterialX::NodePtr& texture);
+/// Lets the input of a file, or a value beside one, stand for stored values, which no colour transform may change.
+void readAsStored(const MaterialX::InputPtr& input);
 
 /// Adds the node "extract_alpha".
 /// @param image of four channels, as stored.

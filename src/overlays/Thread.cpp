@@ -3,6 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
+
 #include "graph/Nodes.h"
 #include "overlays/Overlay.h"
 
@@ -129,7 +131,7 @@ class ThreadBuilder
         if (_reading.usesAlpha)
         {
             const mx::NodePtr stored = addImage("stored_image", graph::typeStringOf<mx::Color4>());
-            readAsStored(stored);
+            readAsStored(stored->getInput("file"));
             _alpha = addAlpha(_graph, stored);
         }
         _material.drive("base_color", addColor(image));
@@ -212,6 +214,10 @@ class ThreadBuilder
     {
         const mx::NodePtr coefficients =
             graph::addConstant(_graph, plane.row->constant, plane.coefficients);
+        // All digits of the numbers: six would move a plane that is far from the origin.
+        const mx::Vector4& p = plane.coefficients;
+        coefficients->getInput("value")->setValueString(
+            fmt::format("{}, {}, {}, {}", p[0], p[1], p[2], p[3]));
         const mx::NodePtr product =
             _graph->addNode("dotproduct", plane.row->product, graph::typeStringOf<float>());
         graph::addSourceInput(product, "in1", point, point->getType());
