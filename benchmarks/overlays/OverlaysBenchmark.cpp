@@ -43,6 +43,8 @@ struct HandInput
     std::string type;
     /// Null where the input is connected.
     mx::ValuePtr value;
+    /// Of a value with more digits than MaterialX writes; else empty.
+    std::string digits;
     std::string node, graph, output;
     std::string colorSpace, unit, unitType;
 };
@@ -68,9 +70,12 @@ struct HandDocument
 
 HandInput inputOf(const mx::PortElementPtr& port)
 {
+    const mx::ValuePtr value = port->getValue();
+    const bool isExact = !value || value->getValueString() == port->getValueString();
     return {port->getName(),
             port->getType(),
-            port->getValue(),
+            value,
+            isExact ? std::string() : port->getValueString(),
             port->getNodeName(),
             port->getAttribute("nodegraph"),
             port->getAttribute("output"),
@@ -114,7 +119,7 @@ void addInput(const mx::NodePtr& node, const HandInput& hand)
 {
     const mx::InputPtr input = node->addInput(hand.name, hand.type);
     if (hand.value)
-        input->setValueString(hand.value->getValueString());
+        input->setValueString(hand.digits.empty() ? hand.value->getValueString() : hand.digits);
     if (!hand.node.empty())
         input->setNodeName(hand.node);
     if (!hand.graph.empty())
