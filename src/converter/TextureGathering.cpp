@@ -102,6 +102,7 @@ class Gathering
         {
             // The document names them, and an older result is not to change.
             _files.publishWhereNothingIs();
+            _files.leaveFolder();
             throw;
         }
         for (const auto& [path, file] : _gathered)
@@ -188,7 +189,7 @@ class Gathering
     void protect(const std::string& image)
     {
         for (std::string& key : base::placeKeys(base::pathFromUtf8(image)))
-            _users.emplace(std::move(key), image);
+            _users.insert(std::move(key));
     }
 
     /// Whether a folder, a device or another image of the user stands in the way.
@@ -200,7 +201,7 @@ class Gathering
         const fs::file_status status = fs::status(destination, error);
         if (fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status))
             return true;
-        if (path == base::utf8FromPath(destination) ||
+        if (base::pathFromUtf8(path) == destination ||
             (!baked && base::isSameFile(destination, base::pathFromUtf8(path))))
             return false;
         if (_users.contains(base::placeKey(destination)))
@@ -285,8 +286,8 @@ class Gathering
     std::vector<std::pair<mx::InputPtr, std::string>> _inputs;
     /// Each path that is referred to, once, in the document's order.
     std::vector<std::string> _paths;
-    /// Images of the user by the keys of their places.
-    std::map<std::string, std::string> _users;
+    /// Keys of the places of the user's images.
+    std::set<std::string> _users;
     base::UniqueNames _names;
     std::map<std::string, GatheredFile> _gathered;
 };

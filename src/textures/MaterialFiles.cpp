@@ -155,6 +155,11 @@ void MaterialFiles::discard()
     for (const File& file : _files)
         file.content.withdraw();
     _files.clear();
+    leaveFolder();
+}
+
+void MaterialFiles::leaveFolder()
+{
     std::error_code ignored;
     if (std::exchange(_madeFolder, false))
         fs::remove(folder(), ignored); // refuses when something is in it

@@ -65,6 +65,9 @@ class MaterialFiles
     /// was made here and nothing is left in it.
     void discard();
 
+    /// Removes the folder if it was made here and nothing is in it.
+    void leaveFolder();
+
     /// Keeps the files of a translation that succeeded, until the next one of this thread, so that
     /// discardLastBakes can still remove them.
     /// @param files null: only forgets those of the last one.
