@@ -1,4 +1,4 @@
-# cmake --install: library, exported headers, platform headers, CMake package, and what else was built.
+# cmake --install: libraries, exported headers, platform headers, CMake package, and what else was built.
 
 include(CMakePackageConfigHelpers)
 
@@ -7,7 +7,7 @@ set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/vyr_mtlx_converter")
 set_target_properties(vyr_platform PROPERTIES EXPORT_NAME platform)
 set_target_properties(vyr_headers PROPERTIES EXPORT_NAME headers)
 install(
-    TARGETS vyr_mtlx_converter vyr_headers vyr_platform
+    TARGETS vyr_mtlx_converter vyr_mtlx_bakes vyr_headers vyr_platform
     EXPORT vyr_mtlx_converter
     RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
@@ -33,7 +33,7 @@ if(TARGET vyr_assetlib)
     )
 endif()
 if(TARGET vyr-mtlx)
-    vyr_install_rpath(vyr-mtlx "/../${CMAKE_INSTALL_LIBDIR}")
+    vyr_install_rpath(vyr-mtlx "/../${CMAKE_INSTALL_LIBDIR}" MaterialXCore)
     install(TARGETS vyr-mtlx RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 endif()
 if(IS_DIRECTORY "${PROJECT_SOURCE_DIR}/libraries")

@@ -55,19 +55,18 @@ function(vyr_target_defaults target)
     endif()
 endfunction()
 
-# vyr_install_rpath(<target> <folder>): where an installed program or library looks for libraries: in a folder
-# relative to its own, then where the dependencies were found, which may be anywhere.
+# vyr_install_rpath(<target> <folder> <dependency>...): where an installed program or library looks for libraries: in a
+# folder relative to its own, then where the dependencies were found, which may be anywhere.
 function(vyr_install_rpath target folder)
     if(APPLE)
         set(origin "@loader_path")
     else()
         set(origin "$ORIGIN")
     endif()
+    set(folders "${ARGN}")
+    list(TRANSFORM folders REPLACE "(.+)" "$<TARGET_FILE_DIR:\\1>")
     set_target_properties(
-        ${target}
-        PROPERTIES
-            INSTALL_RPATH
-            "${origin}${folder};$<TARGET_FILE_DIR:MaterialXCore>;$<TARGET_FILE_DIR:OpenImageIO::OpenImageIO>"
+        ${target} PROPERTIES INSTALL_RPATH "${origin}${folder};${folders}"
     )
 endfunction()
 

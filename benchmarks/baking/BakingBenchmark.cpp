@@ -15,6 +15,7 @@
 #include <MaterialTranslation/Bakes.h>
 
 #include "Reference.h"
+#include "bakes/BakeLibrary.h"
 #include "baking/ImageFile.h"
 #include "baking/NoiseImage.h"
 #include "baking/NormalImage.h"
@@ -303,7 +304,8 @@ void runRoad(int size, int threads)
     std::filesystem::remove(destination);
     NormalBakeOptions options;
     options.threads = threads;
-    const BakeResult result = bakeNormalMapFile(bumpFile(size), destination, options);
+    const BakeResult result =
+        vyrMtlxBakeLibrary()->bakeNormalMapFile(bumpFile(size), destination, options);
     if (!result.success)
     {
         std::fprintf(stderr, "%s\n", result.message.c_str());

@@ -14,7 +14,9 @@
 ///
 /// What holds for all functions here: an existing file is replaced only by a whole one, and after a failure
 /// nothing new is left. Nothing is thrown. The pixels are the same on every machine and for every thread count.
-/// Functions may be called from several threads at once, with different destinations.
+/// Functions may be called from several threads at once, with different destinations, until the process ends its
+/// static objects. What bakes is the library `vyr_mtlx_bakes` in the folder of the converter's own; without it all
+/// bakes fail with that reason.
 ///
 /// The extension of the destination names its format: png, tif, tiff, exr, tga, bmp, hdr, webp, sgi or pfm.
 /// EXR, TIFF and PFM hold the 32-bit floats as they are baked, the others what they can: PNG 8 bits a channel. JPEG is refused: its loss shows in the shading, and its writer may end the process on an error.

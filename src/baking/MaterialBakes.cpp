@@ -1,4 +1,4 @@
-#include "baking/MaterialBakes.h"
+#include "bakes/BakeLibrary.h"
 
 #include <cmath>
 #include <exception>
@@ -11,13 +11,11 @@
 #include "baking/NormalImage.h"
 #include "base/Paths.h"
 
-namespace vyr::MaterialTranslation
-{
-
-namespace baking
+namespace vyr::MaterialTranslation::baking
 {
 
 namespace fs = std::filesystem;
+using bakes::BakeOutcome;
 
 namespace
 {
@@ -75,12 +73,10 @@ OIIO::ImageBuf checkedNoise(const NoiseBakeOptions& options, const fs::path& des
     return image;
 }
 
-} // namespace
-
-BakeOutcome bakeBump(const BumpBake& bake, const BakeSettings& settings, const fs::path& place)
+BakeOutcome run(const bakes::BumpBake& bake, const BakeSettings& settings, const fs::path& place)
 {
     BakeOutcome outcome;
-    const auto run = [&]
+    const auto work = [&]
     {
         HeightImage height = readHeightImage(bake.image, settings.limits, settings.threads);
         height.source.attribute("texture_RealWorldScaleX", bake.realWorldScaleX);
@@ -89,15 +85,15 @@ BakeOutcome bakeBump(const BumpBake& bake, const BakeSettings& settings, const f
             bakeNormalImage(height.heights, height.source, settings.threads);
         outcome.file = encodeFor(place, normals, settings.threads);
     };
-    outcome.message = failureOf(bake.image, run);
+    outcome.message = failureOf(bake.image, work);
     return outcome;
 }
 
-BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const BakeSettings& settings,
-                          const fs::path& place)
+BakeOutcome run(const bakes::NoiseBumpBake& bake, const BakeSettings& settings,
+                const fs::path& place)
 {
     BakeOutcome outcome;
-    const auto run = [&]
+    const auto work = [&]
     {
         NormalBakeOptions options;
         options.bumpAmount = bake.bumpAmount;
@@ -109,18 +105,20 @@ BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const BakeSettings& setting
         const OIIO::ImageBuf noise = checkedNoise(noiseOptions, place, outcome.warnings);
         outcome.file = encodeFor(place, bakeNormals(noise, options), options.threads);
     };
-    outcome.message = failureOf(place, run);
+    outcome.message = failureOf(place, work);
     return outcome;
 }
 
-} // namespace baking
+BakeOutcome bakeForMaterial(const bakes::MaterialBake& bake, const BakeSettings& settings,
+                            const fs::path& place)
+{
+    return std::visit([&](const auto& record) { return run(record, settings, place); }, bake);
+}
 
-BakeResult bakeNormalMapFile(const std::filesystem::path& source,
-                             const std::filesystem::path& destination,
+BakeResult bakeNormalMapFile(const fs::path& source, const fs::path& destination,
                              const NormalBakeOptions& options)
 {
-    using namespace baking;
-    const auto run = [&]
+    const auto work = [&]
     {
         checkWritable(destination);
         checkStrength(destination, options);
@@ -129,23 +127,32 @@ BakeResult bakeNormalMapFile(const std::filesystem::path& source,
         const HeightImage height = readHeightImage(source, options.limits, options.threads);
         writeImage(bakeNormals(height.heights, options), destination, options.threads);
     };
-    const std::string message = failureOf(destination, run);
+    const std::string message = failureOf(destination, work);
     return {message.empty(), message, {}};
 }
 
-BakeResult bakeNoiseFile(const std::filesystem::path& destination, const NoiseBakeOptions& options)
+BakeResult bakeNoiseFile(const fs::path& destination, const NoiseBakeOptions& options)
 {
-    using namespace baking;
     BakeResult result;
-    const auto run = [&]
+    const auto work = [&]
     {
         checkWritable(destination);
         writeImage(checkedNoise(options, destination, result.warnings), destination,
                    options.threads);
     };
-    result.message = failureOf(destination, run);
+    result.message = failureOf(destination, work);
     result.success = result.message.empty();
     return result;
 }
 
-} // namespace vyr::MaterialTranslation
+constexpr bakes::BakeLibrary library{VYR_MTLX_BAKES_STAMP, bakeForMaterial, bakeNormalMapFile,
+                                     bakeNoiseFile};
+
+} // namespace
+
+} // namespace vyr::MaterialTranslation::baking
+
+const vyr::MaterialTranslation::bakes::BakeLibrary* vyrMtlxBakeLibrary()
+{
+    return &vyr::MaterialTranslation::baking::library;
+}

@@ -8,12 +8,7 @@
 #include <MaterialXFormat/Util.h>
 
 #include "base/Paths.h"
-
-#if defined(_WIN32)
-#include <windows.h>
-#else
-#include <dlfcn.h>
-#endif
+#include "base/SharedLibrary.h"
 
 namespace vyr::MaterialTranslation::definitions
 {
@@ -24,37 +19,9 @@ namespace mx = MaterialX;
 namespace
 {
 
-/// The file of the library or program that a function is in; empty when the system cannot tell.
-fs::path moduleFile(const void* function)
-{
-#if defined(_WIN32)
-    HMODULE module = nullptr;
-    constexpr DWORD flags =
-        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    if (!GetModuleHandleExW(flags, static_cast<LPCWSTR>(function), &module))
-        return {};
-    std::wstring name(32768, L'\0');
-    name.resize(GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size())));
-    return name;
-#else
-    Dl_info info{};
-    if (dladdr(function, &info) == 0 || !info.dli_fname)
-        return {};
-    // A program that was found on the search path is known by its bare name.
-    const fs::path named(info.dli_fname);
-    std::error_code error;
-    if (named.has_parent_path())
-        return fs::absolute(named, error);
-    return fs::read_symlink("/proc/self/exe", error);
-#endif
-}
-
 template <class Function> fs::path folderOf(Function* function)
 {
-    const fs::path file = moduleFile(reinterpret_cast<const void*>(function));
-    std::error_code error;
-    const fs::path real = fs::canonical(file, error);
-    return error ? fs::path() : real.parent_path();
+    return base::folderOfCode(reinterpret_cast<const void*>(function));
 }
 
 bool isFolder(const fs::path& path)

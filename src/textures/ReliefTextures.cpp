@@ -3,7 +3,6 @@
 
 #include "assets/Asset.h"
 #include "assets/ColorSpaces.h"
-#include "baking/MaterialBakes.h"
 #include "base/Paths.h"
 #include "textures/Kinds.h"
 #include "textures/Translation.h"
@@ -52,13 +51,11 @@ Reading readBump(const TextureRequest& request)
         return std::nullopt;
     }
     // The bake carries the offsets under these names and does not use them.
-    baking::BumpBake bump;
+    bakes::BumpBake bump;
     bump.image = base::pathFromUtf8(image);
     bump.realWorldScaleX = placement.realWorldOffset.value[0];
     bump.realWorldScaleY = placement.realWorldOffset.value[1];
-    reading.bake = {base::safeName(base::utf8FromPath(bump.image.stem()) + "_normalmap.png"),
-                    [bump](const std::filesystem::path& place, const BakeSettings& settings)
-                    { return baking::bakeBump(bump, settings, place); }};
+    reading.bake = {base::safeName(base::utf8FromPath(bump.image.stem()) + "_normalmap.png"), bump};
     return reading;
 }
 
@@ -68,7 +65,7 @@ Reading readNoise(const TextureRequest& request)
     constexpr std::uint64_t largest = std::numeric_limits<int>::max();
     const assets::Asset& asset = request.texture;
     TextureReading reading{bakedNormalMap()};
-    baking::NoiseBumpBake bake;
+    bakes::NoiseBumpBake bake;
     bake.bumpAmount = request.bumpAmount;
     NoiseBakeOptions& noise = bake.noise;
     noise.type = asset["noise_Type"].choice("noise_regular");
@@ -84,10 +81,8 @@ Reading readNoise(const TextureRequest& request)
     reading.texture.realWorldScale = asset["texture_RealWorldScaleX"].hasValue()
                                          ? readRealWorldScale(request)
                                          : Measured<assets::Vector2>{{1.0f, 1.0f}, {}};
-    reading.bake = {std::string(request.property) + "_" + std::to_string(noise.width) +
-                        "normal_map.png",
-                    [bake](const std::filesystem::path& place, const BakeSettings& settings)
-                    { return baking::bakeNoiseBump(bake, settings, place); }};
+    reading.bake = {
+        std::string(request.property) + "_" + std::to_string(noise.width) + "normal_map.png", bake};
     return reading;
 }
 

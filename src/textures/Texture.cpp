@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "assets/Asset.h"
-#include "baking/MaterialBakes.h"
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "graph/Nodes.h"
@@ -167,7 +166,8 @@ void TextureSet::bakeInto(Entry& entry, const std::vector<std::string>& images)
     const Log log = _translation.log.into(entry.messages);
     const std::filesystem::path place =
         _translation.files.freePlace(entry.reading->bake->fileName, images);
-    const baking::BakeOutcome outcome = entry.reading->bake->run(place, _translation.bakes);
+    const bakes::BakeOutcome outcome =
+        bakes::bakeForMaterial(entry.reading->bake->record, _translation.bakes, place);
     for (const std::string& warning : outcome.warnings)
         log.warning(DiagnosticCode::ValueAdjusted, entry.property, warning);
     if (outcome.file.empty())

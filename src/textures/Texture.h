@@ -2,7 +2,6 @@
 
 #include <exception>
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,6 +9,7 @@
 #include <MaterialXCore/Document.h>
 
 #include "assets/Asset.h"
+#include "bakes/MaterialBakes.h"
 
 /// @file
 /// Textures that drive properties of a material, from the asset to the node, in three stages: all are
@@ -17,12 +17,7 @@
 /// properties are textured. After the second stage a texture is a record with a file, or there is none.
 namespace vyr::MaterialTranslation
 {
-struct BakeSettings;
 struct Translation;
-namespace baking
-{
-struct BakeOutcome;
-}
 } // namespace vyr::MaterialTranslation
 
 namespace vyr::MaterialTranslation::textures
@@ -93,9 +88,7 @@ struct Bake
 {
     /// Name of the file in the material's folder.
     std::string fileName;
-    std::function<baking::BakeOutcome(const std::filesystem::path& place,
-                                      const BakeSettings& settings)>
-        run;
+    bakes::MaterialBake record;
 };
 
 /// What a texture asset says: a texture, and what it still needs.

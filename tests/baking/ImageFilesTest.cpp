@@ -8,9 +8,9 @@
 
 #include <MaterialTranslation/Export.h>
 
+#include "bakes/BakeLibrary.h"
 #include "baking/ImageFile.h"
 #include "baking/Images.h"
-#include "baking/MaterialBakes.h"
 #include "baking/NoiseImage.h"
 #include "baking/NormalImage.h"
 #include "support/TemporaryFolder.h"
@@ -28,8 +28,13 @@ namespace vyr::MaterialTranslation::baking
 namespace
 {
 
+using bakes::BakeOutcome;
+using bakes::BumpBake;
+using bakes::NoiseBumpBake;
 using support::readFile;
 using support::TemporaryFolder;
+
+const bakes::BakeLibrary& library = *vyrMtlxBakeLibrary();
 
 struct Format
 {
@@ -69,7 +74,7 @@ BakeResult baked(const std::string& name, const std::string& bytes)
     options.threads = 1;
     options.limits.pixels = 1 << 16;
     ::testing::internal::CaptureStderr();
-    const BakeResult result = bakeNormalMapFile(source, destination, options);
+    const BakeResult result = library.bakeNormalMapFile(source, destination, options);
     ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(result.message.empty(), result.success);
     EXPECT_EQ(result.message.find('\n'), std::string::npos) << result.message;
@@ -212,7 +217,7 @@ TEST(MaterialBakes, OfBumpImagesTakeTheImagesOwnAttributes)
     BumpBake bump;
     bump.image = folder / "bröck.v2.exr";
     writeImage(height, bump.image);
-    const BakeOutcome outcome = bakeBump(bump, {}, folder / "baked.png");
+    const BakeOutcome outcome = library.bakeForMaterial(bump, {}, folder / "baked.png");
     EXPECT_EQ(outcome.message, "");
     EXPECT_EQ(outcome.file, encodeFor("a.png", bakeNormalImage(height, height.spec())));
 
@@ -220,7 +225,7 @@ TEST(MaterialBakes, OfBumpImagesTakeTheImagesOwnAttributes)
     options.bumpAmount = 0.25f;
     options.realWorldScale = {2.0f, 4.0f};
     options.bumpScale = {1.0f, 3.0f};
-    ASSERT_TRUE(bakeNormalMapFile(bump.image, folder / "normal.exr", options).success);
+    ASSERT_TRUE(library.bakeNormalMapFile(bump.image, folder / "normal.exr", options).success);
     EXPECT_TRUE(sameBits(read(folder / "normal.exr"), bakeNormals(height, options)));
 }
 
@@ -228,10 +233,10 @@ TEST(MaterialBakes, OfNoiseAreItsNormals)
 {
     const TemporaryFolder folder;
     const NoiseBumpBake bump{noiseOptions(64), 0.25f};
-    const BakeOutcome outcome = bakeNoiseBump(bump, {}, folder / "baked.png");
+    const BakeOutcome outcome = library.bakeForMaterial(bump, {}, folder / "baked.png");
     ASSERT_EQ(outcome.warnings.size(), 1U) << outcome.message;
     EXPECT_NE(outcome.warnings[0].find("baked.png: 40 noise levels"), std::string::npos);
-    ASSERT_TRUE(bakeNoiseFile(folder / "noise.exr", bump.noise).success);
+    ASSERT_TRUE(library.bakeNoiseFile(folder / "noise.exr", bump.noise).success);
     const OIIO::ImageBuf noise = read(folder / "noise.exr");
     EXPECT_TRUE(sameBits(noise, bakeNoise(bump.noise)));
     NormalBakeOptions options;
@@ -260,23 +265,30 @@ TEST(MaterialBakes, ThatFailSayWhy)
         EXPECT_TRUE(outcome.file.empty()) << reason;
         EXPECT_NE(outcome.message.find(reason), std::string::npos) << outcome.message;
     };
-    expect("nothing.png: no such image", bakeBump({folder / "nothing.png"}, {}, file));
-    expect("height.png: 32 x 32 pixels are more", bakeBump(bump, few, file));
-    expect("height.png: 1024 bytes when unpacked are more", bakeBump(bump, packed, file));
-    expect("a.png: 64 x 64 pixels are more", bakeNoiseBump({noiseOptions(64)}, few, file));
-    expect("a.png: 0 x 0 is no image", bakeNoiseBump({}, {}, file));
-    expect("a.png: the bump amount", bakeNoiseBump({noise.noise, infinity}, {}, file));
+    expect("nothing.png: no such image",
+           library.bakeForMaterial(BumpBake{folder / "nothing.png"}, {}, file));
+    expect("height.png: 32 x 32 pixels are more", library.bakeForMaterial(bump, few, file));
+    expect("height.png: 1024 bytes when unpacked are more",
+           library.bakeForMaterial(bump, packed, file));
+    expect("a.png: 64 x 64 pixels are more",
+           library.bakeForMaterial(NoiseBumpBake{noiseOptions(64)}, few, file));
+    expect("a.png: 0 x 0 is no image", library.bakeForMaterial(NoiseBumpBake{}, {}, file));
+    expect("a.png: the bump amount",
+           library.bakeForMaterial(NoiseBumpBake{noise.noise, infinity}, {}, file));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     // Sanitizers end the program instead.
     noise.noise = noiseOptions(1 << 23);
-    expect("a.png: not enough memory", bakeNoiseBump(noise, many, file));
+    expect("a.png: not enough memory", library.bakeForMaterial(noise, many, file));
 #endif
     const std::pair<BakeResult, const char*> results[] = {
-        {bakeNormalMapFile(bump.image, bump.image), "height.png: the normal map would overwrite"},
-        {bakeNormalMapFile(bump.image, folder / "a.jpg"), "a.jpg: baked images are not"},
-        {bakeNormalMapFile(bump.image, file, noScale), "a.png: the bump amount"},
-        {bakeNoiseFile(folder / "a.txt", noise.noise), "a.txt: the extension is none of"},
-        {bakeNormalMapFile(bump.image, bump.image / "a.png"), "a.png: cannot be written: "},
+        {library.bakeNormalMapFile(bump.image, bump.image, {}),
+         "height.png: the normal map would overwrite"},
+        {library.bakeNormalMapFile(bump.image, folder / "a.jpg", {}),
+         "a.jpg: baked images are not"},
+        {library.bakeNormalMapFile(bump.image, file, noScale), "a.png: the bump amount"},
+        {library.bakeNoiseFile(folder / "a.txt", noise.noise), "a.txt: the extension is none of"},
+        {library.bakeNormalMapFile(bump.image, bump.image / "a.png", {}),
+         "a.png: cannot be written: "},
     };
     for (const auto& [result, reason] : results)
         EXPECT_NE(result.message.find(reason), std::string::npos) << result.message;

@@ -2,13 +2,17 @@
 
 import json
 import os
+import pathlib
+import re
+import shutil
 import struct
+import subprocess
 import sys
 import unittest
 import zlib
 from unittest import mock
 
-from support import BROKEN, GREY, MISSPELT, ToolTest, material, textured
+from support import BROKEN, GREY, MISSPELT, TOOL, ToolTest, bitmap, material, textured
 
 
 class Convert(ToolTest):
@@ -210,6 +214,36 @@ class Bake(ToolTest):
         result = self.tool("bake", "normal", "text.png", "-o", "out.png", status=1)
         self.assertIn("text.png", result.stderr)
         self.assertEqual((result.stdout, list(self.written("."))), ("", ["text.png"]))
+
+    @unittest.skipUnless(sys.platform == "linux", "asks and leads the loader of programs")
+    def test_the_library_of_the_bakes(self):
+        """It lies beside the converter's, and nothing but bakes needs it."""
+        needed = subprocess.run(["ldd", TOOL], capture_output=True, text=True, check=True).stdout
+        self.assertNotIn("OpenImageIO", needed)
+        converter = pathlib.Path(re.search(r"=> (\S+libvyr_mtlx_converter\S+)", needed)[1])
+        bakes = (converter.parent / "libvyr_mtlx_bakes.so").read_bytes()
+        place = self.folder / "libraries" / "libvyr_mtlx_bakes.so"
+        place.parent.mkdir()
+        shutil.copy(converter, place.parent)
+        self.enterContext(mock.patch.dict(os.environ, LD_LIBRARY_PATH=str(place.parent)))
+        self.image("grey.png")
+        relief = {"generic_bump_map": bitmap("grey.png"), "generic_bump_amount": 1.0}
+        self.library(material("p", "Plain"), material("r", "Relief", relief))
+        for content, reason in (
+            (None, "cannot be loaded: .*No such file"),
+            (converter.read_bytes(), "cannot be loaded: .*undefined symbol"),
+            (re.sub(rb"(\d\.\d\.\d )\w{12} ", rb"\1elsewhere--- ", bakes), "is of another build: .*elsewhere"),
+            (bakes, None),
+        ):
+            if content:
+                place.write_bytes(content)
+            result = self.convert("lib.json")
+            documents = [name for name in self.written() if name.endswith(".mtlx")]
+            self.assertEqual(sorted(documents), ["Plain.mtlx", "Relief.mtlx"])
+            why = f"without relief: .*grey_normalmap.png: the library of the bakes, {re.escape(str(place.resolve()))}, {reason}"
+            self.assertRegex(result.stderr, f"{why}.*\n$" if reason else "^$")
+            result = self.tool("bake", "normal", "grey.png", "-o", "map.png", status=1 if reason else 0)
+            self.assertRegex(result.stderr, f"map.png: .*{reason}" if reason else "^$")
 
 
 if __name__ == "__main__":

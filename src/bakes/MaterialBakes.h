@@ -2,19 +2,20 @@
 
 #include <filesystem>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include <MaterialTranslation/Bakes.h>
 
 /// @file
-/// Normal maps for the bump textures of materials.
-namespace vyr::MaterialTranslation::baking
+/// What can be baked for a material, as records.
+namespace vyr::MaterialTranslation::bakes
 {
 
 struct BakeOutcome
 {
     /// The image's bytes as a file has them; empty when it could not be made: its source is missing, unreadable or
-    /// cannot be decoded, its parameters give no numbers, or there is no memory.
+    /// cannot be decoded, its parameters give no numbers, there is no memory, or the bakes' library is missing.
     std::vector<unsigned char> file;
     /// Why there is none, in one line with the file's name.
     std::string message;
@@ -22,7 +23,8 @@ struct BakeOutcome
     std::vector<std::string> warnings;
 };
 
-/// A bump image of a material.
+/// The first channel of a bump image as a normal map, with the image's own attributes as parameters, which as a
+/// rule have none that count: the strength is 1.
 struct BumpBake
 {
     std::filesystem::path image;
@@ -31,7 +33,7 @@ struct BumpBake
     float realWorldScaleY = 0.0f;
 };
 
-/// A noise texture that a material uses as bump.
+/// A noise texture that a material uses as bump, as a normal map.
 struct NoiseBumpBake
 {
     /// Width and height are those of the normal map; its own limits and threads do not count.
@@ -40,17 +42,13 @@ struct NoiseBumpBake
     float bumpAmount = 0.0f;
 };
 
-/// Bakes the first channel of a bump image with the image's own attributes as parameters, which as a rule have
-/// none that count: the strength is 1. Nothing is thrown.
-///
-/// @param place  Where the image will be; the extension names the format.
-BakeOutcome bakeBump(const BumpBake& bake, const BakeSettings& settings,
-                     const std::filesystem::path& place);
+/// All of them. A further one is a record here and a function `run` for it in baking/MaterialBakes.cpp.
+using MaterialBake = std::variant<BumpBake, NoiseBumpBake>;
 
-/// Bakes noise, and from it a normal map. Nothing is thrown.
+/// Bakes an image for a material. Nothing is thrown.
 ///
 /// @param place  Where the image will be, for messages; the extension names the format.
-BakeOutcome bakeNoiseBump(const NoiseBumpBake& bake, const BakeSettings& settings,
-                          const std::filesystem::path& place);
+BakeOutcome bakeForMaterial(const MaterialBake& bake, const BakeSettings& settings,
+                            const std::filesystem::path& place);
 
-} // namespace vyr::MaterialTranslation::baking
+} // namespace vyr::MaterialTranslation::bakes
