@@ -99,9 +99,19 @@ struct BakeNoiseCommand
     MaterialTranslation::NoiseBakeOptions options;
 };
 
+/// `vyr-mtlx bake` of a procedural texture.
+struct BakeTextureCommand
+{
+    std::string output;
+    std::string pixels = "color";
+    int resolution = 1024;
+    MaterialTranslation::TextureBakeOptions options;
+};
+
 /// A command, or nothing but to end, because help was printed or the arguments are wrong.
-using Request = std::variant<ExitStatus, ConvertCommand, OverlayCommand, ListCommand,
-                             ValidateCommand, BakeNormalCommand, BakeNoiseCommand>;
+using Request =
+    std::variant<ExitStatus, ConvertCommand, OverlayCommand, ListCommand, ValidateCommand,
+                 BakeNormalCommand, BakeNoiseCommand, BakeTextureCommand>;
 
 /// Reads the arguments; prints the help and the version to standard output, and what is wrong to
 /// standard error.
@@ -113,5 +123,6 @@ ExitStatus run(const ListCommand& command);
 ExitStatus run(const ValidateCommand& command);
 ExitStatus run(const BakeNormalCommand& command);
 ExitStatus run(const BakeNoiseCommand& command);
+ExitStatus run(const BakeTextureCommand& command);
 
 } // namespace vyr::cli

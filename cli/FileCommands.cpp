@@ -82,4 +82,18 @@ ExitStatus run(const BakeNoiseCommand& command)
                 command.output);
 }
 
+ExitStatus run(const BakeTextureCommand& command)
+{
+    using MaterialTranslation::TextureOutput;
+    MaterialTranslation::TextureBakeOptions options = command.options;
+    options.width = command.resolution;
+    options.height = command.resolution;
+    options.output = command.pixels == "normal"   ? TextureOutput::Normal
+                     : command.pixels == "number" ? TextureOutput::Number
+                                                  : TextureOutput::Color;
+    finishBeforeStopping();
+    return tell(MaterialTranslation::bakeTextureFile(base::pathFromUtf8(command.output), options),
+                command.output);
+}
+
 } // namespace vyr::cli

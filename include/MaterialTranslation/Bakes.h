@@ -102,7 +102,48 @@ VYR_MTLX_API BakeResult bakeNormalMapFile(const std::filesystem::path& source,
 VYR_MTLX_API BakeResult bakeNoiseFile(const std::filesystem::path& destination,
                                       const NoiseBakeOptions& options);
 
-/// How the translations of a thread bake their reliefs.
+/// A property of a procedural texture, by its name in proceduralTextures() of Schemas.h.
+struct TextureProperty
+{
+    std::string name;
+    /// One number, of a colour three: linear Rec.709. Lengths in metres, angles in degrees, booleans 0 or 1.
+    std::vector<float> numbers;
+    /// In place of numbers the name of a choice.
+    std::string choice;
+};
+
+/// What the pixels of a procedural texture are.
+enum class TextureOutput
+{
+    Color, ///< three channels; formats of whole numbers hold the codes of sRGB, others linear values
+    Number, ///< one channel: the colours' luminance
+    Normal, ///< a normal map of heights that are that number (tiles: high between low joints)
+};
+
+struct TextureBakeOptions
+{
+    /// A name in proceduralTextures().
+    std::string schema;
+    /// What is missing has its fallback; what is out of range is taken as the nearest, with a warning.
+    std::vector<TextureProperty> properties;
+    TextureOutput output = TextureOutput::Color;
+    /// Pixels; both greater than 0.
+    int width = 1024;
+    int height = 1024;
+    ImageLimits limits;
+    /// 0: as many threads as OpenImageIO uses by default; 1: only the calling thread.
+    int threads = 0;
+};
+
+/// Bakes a procedural texture into an image that covers one period of its pattern: opposite edges meet, but
+/// for gradients that do not repeat.
+///
+/// @param destination  In an existing folder.
+/// @return without success also for a schema, a property or a choice that is not known.
+VYR_MTLX_API BakeResult bakeTextureFile(const std::filesystem::path& destination,
+                                        const TextureBakeOptions& options);
+
+/// How the translations of a thread bake their images.
 struct BakeSettings
 {
     ImageLimits limits;

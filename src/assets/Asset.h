@@ -24,6 +24,7 @@ namespace vyr::MaterialTranslation::assets
 inline constexpr const char* bitmapSchema = "UnifiedBitmapSchema";
 inline constexpr const char* bumpMapSchema = "BumpMapSchema";
 inline constexpr const char* noiseSchema = "NoiseSchema";
+inline constexpr const char* gradientSchema = "GradientSchema";
 
 inline constexpr const char* genericSchema = "GenericSchema";
 inline constexpr const char* hardwoodSchema = "HardwoodSchema";

@@ -7,6 +7,8 @@
 
 #include <MaterialTranslation/Bakes.h>
 
+#include "bakes/Patterns.h"
+
 /// @file
 /// What can be baked for a material, as records.
 namespace vyr::MaterialTranslation::bakes
@@ -43,7 +45,7 @@ struct NoiseBumpBake
 };
 
 /// All of them. A further one is a record here and a function `run` for it in baking/MaterialBakes.cpp.
-using MaterialBake = std::variant<BumpBake, NoiseBumpBake>;
+using MaterialBake = std::variant<BumpBake, NoiseBumpBake, PatternBake>;
 
 /// Bakes an image for a material. Nothing is thrown.
 ///

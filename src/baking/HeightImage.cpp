@@ -159,7 +159,7 @@ void checkPixels(const std::filesystem::path& file, int width, int height,
 }
 
 HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits& limits,
-                            int threads)
+                            int threads, int channels)
 {
     const char* format = formatOf(path, startOf(path));
     if (format == nullptr)
@@ -170,9 +170,11 @@ HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits
     HeightImage image;
     const auto input = openImage(path, format, threads, image.source);
     checkShape(path, image.source, limits);
-    const OIIO::ImageSpec spec(image.source.width, image.source.height, 1, OIIO::TypeFloat);
+    const int kept = std::min(channels, image.source.nchannels);
+    const OIIO::ImageSpec spec(image.source.width, image.source.height, kept, OIIO::TypeFloat);
     image.heights = uninitializedImage("heightmap_float", spec);
-    const bool whole = input->read_image(0, 0, 0, 1, OIIO::TypeFloat, image.heights.localpixels());
+    const bool whole =
+        input->read_image(0, 0, 0, kept, OIIO::TypeFloat, image.heights.localpixels());
     // The reader of TIFF returns true although strips are missing.
     const std::string error = input->geterror();
     if (!whole || !error.empty())

@@ -42,8 +42,8 @@ void checkWritable(const std::filesystem::path& destination);
 /// A height image as read from a file.
 struct HeightImage
 {
-    /// One channel of 32-bit float, origin 0: the first channel of the file, integers scaled from 0 to 1, not
-    /// multiplied by alpha.
+    /// 32-bit floats, origin 0: the first channel of the file, or those asked for, integers scaled from 0 to 1,
+    /// not multiplied by alpha.
     OIIO::ImageBuf heights;
     /// What the file says of itself.
     OIIO::ImageSpec source;
@@ -53,10 +53,11 @@ struct HeightImage
 /// what it is, not the name (but for targa, which has no mark of its own). The header is checked against the
 /// limits before memory is taken.
 ///
-/// @param threads  0: OpenImageIO's default; 1: only the calling thread.
+/// @param threads   0: OpenImageIO's default; 1: only the calling thread.
+/// @param channels  How many of the first channels are kept, where the file has them.
 /// @throws BakeError when there is no such file, or it is of another format, too large, empty, or damaged.
 HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits& limits,
-                            int threads = 0);
+                            int threads = 0, int channels = 1);
 
 /// @throws BakeError when the image has more pixels than allowed, or none.
 /// @param file  named in the message.

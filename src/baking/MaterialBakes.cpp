@@ -1,5 +1,6 @@
 #include "bakes/BakeLibrary.h"
 
+#include <algorithm>
 #include <cmath>
 #include <exception>
 #include <new>
@@ -9,7 +10,9 @@
 #include "baking/ImageFile.h"
 #include "baking/NoiseImage.h"
 #include "baking/NormalImage.h"
+#include "baking/PatternImage.h"
 #include "base/Paths.h"
+#include "base/Text.h"
 
 namespace vyr::MaterialTranslation::baking
 {
@@ -71,6 +74,67 @@ OIIO::ImageBuf checkedNoise(const NoiseBakeOptions& options, const fs::path& des
                                        base::utf8FromPath(destination), options.levels,
                                        mostNoiseLevels));
     return image;
+}
+
+/// Whether files of this format hold whole numbers, whose steps are even to the eye only as codes of sRGB.
+bool holdsWholeNumbers(const fs::path& place)
+{
+    const std::string extension = base::utf8FromPath(place.extension());
+    constexpr const char* floats[] = {".exr", ".tif", ".tiff", ".hdr", ".pfm"};
+    return std::ranges::none_of(floats, [&](const char* known)
+                                { return base::equalsIgnoringCase(extension, known); });
+}
+
+/// Normals of heights whose opposite edges meet.
+OIIO::ImageBuf bakeMeetingNormals(const OIIO::ImageBuf& heights, int threads)
+{
+    const OIIO::ImageSpec& spec = heights.spec();
+    OIIO::ImageBuf wide = uninitializedImage(
+        "heights", OIIO::ImageSpec(spec.width + 2, spec.height + 2, 1, OIIO::TypeFloat));
+    for (int y = 0; y < spec.height + 2; ++y)
+    {
+        const auto* from =
+            static_cast<const float*>(heights.pixeladdr(0, (y + spec.height - 1) % spec.height));
+        auto* to = static_cast<float*>(wide.pixeladdr(0, y));
+        to[0] = from[spec.width - 1];
+        std::copy_n(from, spec.width, to + 1);
+        to[spec.width + 1] = from[0];
+    }
+    NormalBakeOptions options;
+    options.threads = threads;
+    const OIIO::ImageBuf normals = bakeNormals(wide, options);
+    OIIO::ImageSpec inner(spec.width, spec.height, 3, OIIO::TypeFloat);
+    inner.attribute("oiio:ColorSpace", "Linear");
+    OIIO::ImageBuf image = uninitializedImage("normal_image", inner);
+    for (int y = 0; y < spec.height; ++y)
+        std::copy_n(static_cast<const float*>(normals.pixeladdr(1, y + 1)), 3 * spec.width,
+                    static_cast<float*>(image.pixeladdr(0, y)));
+    return image;
+}
+
+BakeOutcome run(const bakes::PatternBake& bake, const BakeSettings& settings,
+                const fs::path& place)
+{
+    BakeOutcome outcome;
+    const auto work = [&]
+    {
+        const bakes::Pattern& pattern = *bake.pattern;
+        checkWritable(place);
+        checkPixels(place, pattern.width, pattern.height, settings.limits);
+        OIIO::ImageBuf image;
+        if (bake.use == bakes::PatternUse::Relief)
+            image = bakeMeetingNormals(bakePattern(pattern, PatternPixels::Heights, settings),
+                                       settings.threads);
+        else if (bake.use == bakes::PatternUse::Number)
+            image = bakePattern(pattern, PatternPixels::Number, settings);
+        else
+            image = bakePattern(
+                pattern, holdsWholeNumbers(place) ? PatternPixels::Srgb : PatternPixels::Color,
+                settings);
+        outcome.file = encodeFor(place, image, settings.threads);
+    };
+    outcome.message = failureOf(place, work);
+    return outcome;
 }
 
 BakeOutcome run(const bakes::BumpBake& bake, const BakeSettings& settings, const fs::path& place)

@@ -25,9 +25,6 @@ constexpr Color white{1.0f, 1.0f, 1.0f};
 
 constexpr OIIO::TypeDesc colorType(OIIO::TypeDesc::FLOAT, 3);
 
-/// Rows whose sums are kept while the octaves are added up one after the other.
-constexpr int bandRows = 64;
-
 struct NoiseType
 {
     const char* name;
@@ -39,93 +36,6 @@ constexpr NoiseType noiseTypes[] = {
     {"noise_regular", false, false},
     {"noise_fractal", true, false},
     {"noise_turbulence", true, true},
-};
-
-/// The lattice cell of a coordinate is the coordinate less a half, rounded to the nearest integer with ties to
-/// even. A cell that is no 32-bit integer is the lowest one, with fraction 0.
-NoiseAxis latticeAxis(float coordinate)
-{
-    constexpr float limit = 2147483648.0f;
-    const float cell = std::nearbyint(coordinate - 0.5f);
-    if (!(cell >= -limit && cell < limit))
-        return {static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::min()), 0.0f, 0.0f};
-    const float f = coordinate - cell;
-    const float fade = f * f * f * (f * (f * 6.0f - 15.0f) + 10.0f);
-    return {static_cast<std::uint32_t>(static_cast<std::int32_t>(cell)), f, fade};
-}
-
-float noiseCoordinate(int pixel, int pixels, float size)
-{
-    return std::fabs(static_cast<float>(pixel) / static_cast<float>(pixels)) * 100.0f / size;
-}
-
-/// All octaves of one strip of columns.
-class NoiseStrip
-{
-  public:
-    NoiseStrip(const NoiseField& field, const KernelSet& kernels)
-        : _field(field), _kernels(kernels), _phase(latticeAxis(field.phase)),
-          _columns(static_cast<std::size_t>(field.octaves)), _sums(bandRows * noiseColumns)
-    {
-    }
-
-    void moveTo(int column)
-    {
-        for (int i = 0; i < noiseColumns; ++i)
-        {
-            const float along = noiseCoordinate(column + i, _field.width, _field.size);
-            float frequency = 1.0f;
-            for (NoiseColumns& columns : _columns)
-            {
-                const NoiseAxis axis = latticeAxis(along * frequency);
-                columns.cell[i] = axis.cell;
-                columns.fraction[i] = axis.fraction;
-                columns.fade[i] = axis.fade;
-                frequency *= 2.0f;
-            }
-        }
-    }
-
-    /// Adds up at most bandRows rows; row i of the result starts at i * noiseColumns.
-    const float* sumRows(int yBegin, int yEnd)
-    {
-        std::ranges::fill(_sums, 0.0f);
-        float frequency = 1.0f;
-        for (const NoiseColumns& columns : _columns)
-        {
-            addOctave(columns, frequency, yBegin, yEnd);
-            frequency *= 2.0f;
-        }
-        return _sums.data();
-    }
-
-  private:
-    void addOctave(const NoiseColumns& columns, float frequency, int yBegin, int yEnd)
-    {
-        NoiseOctaveRow row{0.0f, 0.0f, _phase, 1.0f / frequency, _field.absolute};
-        std::uint32_t cell = 0;
-        for (int y = yBegin; y < yEnd; ++y)
-        {
-            const NoiseAxis axis =
-                latticeAxis(noiseCoordinate(y, _field.height, _field.size) * frequency);
-            if (y == yBegin || axis.cell != cell)
-            {
-                cell = axis.cell;
-                _kernels.noiseGradients(columns, cell, _phase, _gradients);
-            }
-            row.fraction = axis.fraction;
-            row.fade = axis.fade;
-            float* sums = _sums.data() + static_cast<std::ptrdiff_t>(y - yBegin) * noiseColumns;
-            _kernels.addNoiseOctave(_gradients, columns, row, sums);
-        }
-    }
-
-    const NoiseField& _field;
-    const KernelSet& _kernels;
-    NoiseAxis _phase;
-    std::vector<NoiseColumns> _columns;
-    NoiseGradients _gradients;
-    std::vector<float> _sums;
 };
 
 float orOne(float value)
@@ -160,7 +70,8 @@ OIIO::ImageSpec imageSpec(const NoiseBakeOptions& options)
 NoiseField noiseField(const NoiseBakeOptions& options, const NoiseType& type)
 {
     const int octaves = type.octaves ? static_cast<int>(std::ceil(options.levels)) : 1;
-    return {options.width, options.height, options.size, options.phase, octaves, type.absolute};
+    return {options.width, options.height, options.size, 0, 0,
+            options.phase, octaves,        type.absolute};
 }
 
 NoiseShade noiseShade(const NoiseBakeOptions& options, const NoiseType& type, int channels)
@@ -201,9 +112,9 @@ void bakeNoiseRows(const NoiseField& field, const NoiseShade& shade, const Kerne
     {
         strip.moveTo(x);
         const auto count = static_cast<std::size_t>(std::min(noiseColumns, field.width - x));
-        for (int y = yBegin; y < yEnd; y += bandRows)
+        for (int y = yBegin; y < yEnd; y += NoiseStrip::bandRows)
         {
-            const int bandEnd = std::min(y + bandRows, yEnd);
+            const int bandEnd = std::min(y + NoiseStrip::bandRows, yEnd);
             const float* sums = strip.sumRows(y, bandEnd);
             float* target = pixels + static_cast<std::size_t>(y - yBegin) * rowFloats +
                             channels * static_cast<std::size_t>(x);

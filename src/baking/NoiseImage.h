@@ -4,6 +4,7 @@
 
 #include <MaterialTranslation/Bakes.h>
 
+#include "baking/NoiseStrip.h"
 #include "baking/kernels/Kernels.h"
 
 namespace vyr::MaterialTranslation::baking
@@ -36,17 +37,6 @@ OIIO::ImageBuf bakeNoise(const NoiseBakeOptions& options, const KernelSet& set =
 /// | "noise:phase"                                | float    | 0                                          |
 /// | "noise:levels"                               | float    | 0; not greater than 0 is 1, above 32 is 32 |
 OIIO::ImageBuf bakeNoiseImage(const OIIO::ImageSpec& parameters, int threads = 0);
-
-/// A noise image as numbers: where its pixels lie in noise space and what is added up there.
-struct NoiseField
-{
-    int width;   ///< of the whole image, pixels
-    int height;  ///< of the whole image, pixels
-    float size;  ///< greater than 0; the image is 100 / size lattice cells wide and high
-    float phase; ///< fourth coordinate
-    int octaves; ///< how often noise is added, each time at twice the frequency and half the height
-    bool absolute; ///< absolute values are added (turbulence)
-};
 
 /// Computes whole rows of a noise image; a pixel depends on its place only, not on what else is computed.
 ///

@@ -14,21 +14,21 @@ namespace
 using namespace kelvor::platform::assets;
 
 constexpr UnitRow rows[] = {
-    {eUnit_Nanometer, distanceUnitType, "nanometer"},
-    {eUnit_Micron, distanceUnitType, "micron"},
-    {eUnit_Millimeter, distanceUnitType, "millimeter"},
-    {eUnit_Centimeter, distanceUnitType, "centimeter"},
-    {eUnit_Inch, distanceUnitType, "inch"},
-    {eUnit_Foot, distanceUnitType, "foot"},
-    {eUnit_Yard, distanceUnitType, "yard"},
-    {eUnit_Meter, distanceUnitType, "meter"},
-    {eUnit_Kilometer, distanceUnitType, "kilometer"},
-    {eUnit_Mile, distanceUnitType, "mile"},
-    {eUnit_Radian, angleUnitType, "radians"},
-    {eUnit_Degree, angleUnitType, "degrees"},
-    {eUnit_CandelaPerSquareMeter, luminanceUnitType, "candelapersquaremeter"},
-    {eUnit_FootLambert, luminanceUnitType, "footlambert"},
-    {eUnit_CandelaPerSquareFoot, luminanceUnitType, "candelapersquarefoot"},
+    {eUnit_Nanometer, distanceUnitType, "nanometer", 1e-9},
+    {eUnit_Micron, distanceUnitType, "micron", 1e-6},
+    {eUnit_Millimeter, distanceUnitType, "millimeter", 1e-3},
+    {eUnit_Centimeter, distanceUnitType, "centimeter", 1e-2},
+    {eUnit_Inch, distanceUnitType, "inch", 0.0254},
+    {eUnit_Foot, distanceUnitType, "foot", 0.3048},
+    {eUnit_Yard, distanceUnitType, "yard", 0.9144},
+    {eUnit_Meter, distanceUnitType, "meter", 1.0},
+    {eUnit_Kilometer, distanceUnitType, "kilometer", 1e3},
+    {eUnit_Mile, distanceUnitType, "mile", 1609.344},
+    {eUnit_Radian, angleUnitType, "radians", 57.295779513082320877},
+    {eUnit_Degree, angleUnitType, "degrees", 1.0},
+    {eUnit_CandelaPerSquareMeter, luminanceUnitType, "candelapersquaremeter", 1.0},
+    {eUnit_FootLambert, luminanceUnitType, "footlambert", 3.4262590996353905},
+    {eUnit_CandelaPerSquareFoot, luminanceUnitType, "candelapersquarefoot", 10.763910416709722},
 };
 constexpr std::int32_t centimeterIndex = 3;
 
@@ -51,6 +51,12 @@ constexpr UnitFamily families[] = {
 std::span<const UnitRow> units()
 {
     return rows;
+}
+
+double unitSize(std::uint32_t code, std::string_view type)
+{
+    const auto* unit = std::ranges::find(rows, code, &UnitRow::code);
+    return unit != std::end(rows) && unit->type == type ? unit->size : 1.0;
 }
 
 Unit unitForCode(std::uint32_t code)

@@ -20,6 +20,8 @@ struct UnitRow
     std::uint32_t code;
     const char* type;
     const char* name;
+    /// In metres, degrees, or candela per square metre.
+    double size;
 };
 
 /// All units. The lengths come first, in the order in which records and overlays count them.
@@ -36,6 +38,9 @@ struct Unit
 
     friend bool operator==(const Unit&, const Unit&) = default;
 };
+
+/// The size of a code's unit if it is of that kind; else 1: numbers without a unit are in metres or degrees.
+double unitSize(std::uint32_t code, std::string_view type);
 
 /// The unit of a code. An unknown code of a known kind has an empty name; any other unknown code leaves
 /// both empty. Values are never converted: a document states the asset's own unit.

@@ -35,7 +35,7 @@ const FlakeRow flakes[] = {
 
 /// Flakes of a metal under a clear coat: the flakes mirror in their colour, the lacquer above them
 /// is smooth.
-void adjustMetallicPaint(StandardSurfaceParams& params, const ColorReader& own)
+void adjustMetallicPaint(StandardSurfaceParams& params, const assets::ColorReader& own)
 {
     constexpr const char* property = "metal_type";
     params.specular = 1.0f;
@@ -52,14 +52,14 @@ void adjustMetallicPaint(StandardSurfaceParams& params, const ColorReader& own)
                             "\" is no metal that is known; the paint keeps its own colour");
         return;
     }
-    params.base_color = encodeLinear(flake->color, own.colorMode);
+    params.base_color = assets::encodeLinear(flake->color, own.colorMode);
     params.metalness = 1.0f;
 }
 
 /// Glass through and through: its colour is that of the light that passes, and its reflectance at
 /// normal incidence R is an index of refraction of (1 + sqrt R) / (1 - sqrt R), Fresnel's formula
 /// for a surface in air.
-void adjustSolidGlass(StandardSurfaceParams& params, const ColorReader& own)
+void adjustSolidGlass(StandardSurfaceParams& params, const assets::ColorReader& own)
 {
     constexpr const char* property = "glazing_reflectance";
     params.transmission_color = params.base_color;
@@ -90,7 +90,7 @@ const WaterRow waters[] = {
     {"water_reflecting_pool", {0.001f, 0.002f, 0.002f}, {0.238f, 0.356f, 0.369f}},
 };
 
-void adjustWater(StandardSurfaceParams& params, const ColorReader& own)
+void adjustWater(StandardSurfaceParams& params, const assets::ColorReader& own)
 {
     constexpr const char* property = "water_type";
     constexpr float waterIndex = 1.333f; // at 20 degrees Celsius, 589 nm
@@ -101,8 +101,8 @@ void adjustWater(StandardSurfaceParams& params, const ColorReader& own)
         std::ranges::find_if(waters, [&](const WaterRow& row) { return row.type == type; });
     if (water != std::end(waters))
     {
-        params.base_color = encodeLinear(water->base, own.colorMode);
-        params.transmission_color = encodeLinear(water->transmission, own.colorMode);
+        params.base_color = assets::encodeLinear(water->base, own.colorMode);
+        params.transmission_color = assets::encodeLinear(water->transmission, own.colorMode);
         return;
     }
     params.transmission_color = params.base_color;
@@ -112,7 +112,7 @@ void adjustWater(StandardSurfaceParams& params, const ColorReader& own)
                             "\" is no kind of water that is known; it keeps its own colour");
 }
 
-using Adjustment = void (*)(StandardSurfaceParams&, const ColorReader&);
+using Adjustment = void (*)(StandardSurfaceParams&, const assets::ColorReader&);
 
 struct AdjustmentRow
 {
@@ -129,7 +129,7 @@ constexpr AdjustmentRow adjustments[] = {
 /// Adjusts what the generic properties said for the schemas whose nature they do not carry. Other schemas
 /// stay as they are.
 void adjustForSchema(StandardSurfaceParams& params, const std::string& schema,
-                     const ColorReader& own)
+                     const assets::ColorReader& own)
 {
     for (const AdjustmentRow& row : adjustments)
         if (schema == row.schema)
@@ -144,14 +144,15 @@ const assets::IPropertyConstTable* genericTable(const assets::IAssetInstance& as
 }
 
 /// The tint of a hardwood; nothing when it has none or its tint is switched off.
-std::optional<Tint> readTint(const std::string& schema, const ColorReader& own)
+std::optional<assets::DeclaredColor> readTint(const std::string& schema,
+                                              const assets::ColorReader& own)
 {
     constexpr const char* color = "hardwood_tint_color";
     if (schema != assets::hardwoodSchema ||
         own.asset["hardwood_tint_enabled"].choice("") != "hardwood_color_choice" ||
         !own.asset[color].hasValue())
         return std::nullopt;
-    return own.readTint(color);
+    return own.readDeclared(color);
 }
 
 StandardSurface readFrom(const assets::IPropertyConstTable& table, const std::string& schema,
@@ -161,12 +162,16 @@ StandardSurface readFrom(const assets::IPropertyConstTable& table, const std::st
     std::ostream* const trace = options.verbose ? &std::cout : nullptr;
     const assets::Asset generic(translation.asset, table, trace);
     const assets::Asset ownAsset(translation.asset, trace);
-    const ColorReader own{ownAsset, options.colorMode, translation.log};
+    const assets::ColorReader own{ownAsset, options.colorMode, translation.log};
 
     StandardSurface material = readGenericProperties(generic, translation);
     material.tint = readTint(schema, own);
     adjustForSchema(material.params, schema, own);
-    applyColorPass(material.params, options.colorMode);
+    const auto pass = [&](Color& color, const char* property)
+    { color = assets::writtenColor(color, options.colorMode, property); };
+    pass(material.params.base_color, "generic_diffuse");
+    pass(material.params.transmission_color, "generic_diffuse");
+    pass(material.params.emission_color, "generic_self_illum_filter_map");
     if (material.tint && !material.textures.contains("base_color"))
         translation.log.warning(DiagnosticCode::TintIgnored, "hardwood_tint_color",
                                 "only an image is tinted; the plain colour stays as it is");

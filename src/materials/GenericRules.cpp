@@ -150,7 +150,7 @@ class GenericRules
         };
         for (const GenericProperty& property : properties)
             if (shows(property))
-                _textures.read(property.name, property.role, "",
+                _textures.read(property.name, property.role, shaderInputType(property.input),
                                at(row("generic_bump_amount")).numberIfAny().value_or(0.0f));
     }
 
@@ -291,7 +291,7 @@ class GenericRules
     const assets::Asset& _asset;
     const ConverterOptions& _options;
     const Log& _log;
-    ColorReader _colors;
+    assets::ColorReader _colors;
     textures::TextureSet _textures;
     StandardSurface _material;
     StandardSurfaceParams& _params = _material.params;

@@ -63,7 +63,7 @@ void buildStandardSurface(const StandardSurface& material, const Translation& tr
         return output;
     };
     writeStandardSurface(skeleton.shader(), material.params,
-                         plainColorSpace(translation.options.colorMode), driver);
+                         assets::plainColorSpace(translation.options.colorMode), driver);
 }
 
 } // namespace vyr::MaterialTranslation::materials

@@ -13,6 +13,7 @@
 #include <MaterialXCore/Document.h>
 #include <MaterialXCore/Types.h>
 
+#include "assets/ColorModes.h"
 #include "textures/Texture.h"
 
 namespace vyr::MaterialTranslation::materials
@@ -114,18 +115,17 @@ consteval const char* shaderInput(std::string_view name)
     return found != std::end(standardSurfaceInputs) ? found->name : throw "an input without a row";
 }
 
+/// MaterialX's name of the type of such an input.
+inline const char* shaderInputType(std::string_view name)
+{
+    return std::ranges::find(standardSurfaceInputs, name, &StandardSurfaceInput::name)->type;
+}
+
 /// A texture, and the property that names its node.
 struct DrivingTexture
 {
     std::string property;
     textures::Texture texture;
-};
-
-/// The colour that tints a wood, as the asset states it.
-struct Tint
-{
-    StandardSurfaceParams::Color color;
-    std::string colorSpace;
 };
 
 /// All that a document of a `standard_surface` material is built from.
@@ -134,8 +134,8 @@ struct StandardSurface
     StandardSurfaceParams params;
     /// By the name of the shader input that each drives.
     std::map<std::string, DrivingTexture, std::less<>> textures;
-    /// Of the texture that drives the base colour.
-    std::optional<Tint> tint;
+    /// The colour that tints the texture of the base colour, as the asset states it.
+    std::optional<assets::DeclaredColor> tint;
 };
 
 /// Gives the output that drives a shader input; null where its plain value counts.
@@ -219,6 +219,7 @@ MaterialX::OutputPtr addTintNetwork(const MaterialX::NodeGraphPtr& graph,
 /// asset states it; its colour space is stated where it is read.
 /// @return the output with the tinted colour.
 MaterialX::OutputPtr addTintGraph(const MaterialX::DocumentPtr& document,
-                                  const MaterialX::OutputPtr& texture, const Tint& tint);
+                                  const MaterialX::OutputPtr& texture,
+                                  const assets::DeclaredColor& tint);
 
 } // namespace vyr::MaterialTranslation::materials

@@ -79,7 +79,7 @@ mx::OutputPtr addTintNetwork(const mx::NodeGraphPtr& graph, const mx::InputPtr& 
 }
 
 mx::OutputPtr addTintGraph(const mx::DocumentPtr& document, const mx::OutputPtr& texture,
-                           const Tint& tint)
+                           const assets::DeclaredColor& tint)
 {
     const mx::NodeGraphPtr graph =
         document->addNodeGraph(graph::freeName(document, "hardWoodTint_nodegraph"));

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include <MaterialTranslation/Schemas.h>
+
 #include "assets/Asset.h"
 #include "base/Paths.h"
 #include "base/Text.h"
@@ -26,19 +28,33 @@ struct KindRow
     Reading (*read)(const TextureRequest& request);
 };
 
-constexpr KindRow kinds[] = {
+constexpr KindRow ownKinds[] = {
     {TextureRole::Value, assets::bitmapSchema, readBitmap},
     {TextureRole::Relief, assets::bitmapSchema, readBump},
     {TextureRole::Relief, assets::noiseSchema, readNoise},
+    {TextureRole::Relief, assets::gradientSchema, readPattern},
     {TextureRole::Lyrex, assets::bitmapSchema, readLyrexBitmap},
     {TextureRole::Lyrex, assets::bumpMapSchema, readLyrexMap},
 };
 
+/// Every procedural texture gives values.
+const std::vector<KindRow>& kinds()
+{
+    static const std::vector<KindRow> rows = []
+    {
+        std::vector<KindRow> all(std::begin(ownKinds), std::end(ownKinds));
+        for (const SchemaRow& schema : proceduralTextures())
+            all.push_back({TextureRole::Value, schema.name, readPattern});
+        return all;
+    }();
+    return rows;
+}
+
 const KindRow* findKind(TextureRole role, const std::string& schema)
 {
-    const auto* row = std::ranges::find_if(kinds, [&](const KindRow& r)
-                                           { return r.role == role && r.schema == schema; });
-    return row == std::end(kinds) ? nullptr : row;
+    const auto row = std::ranges::find_if(kinds(), [&](const KindRow& r)
+                                          { return r.role == role && r.schema == schema; });
+    return row == kinds().end() ? nullptr : &*row;
 }
 
 /// What stands in for a texture that cannot be used.
@@ -99,6 +115,7 @@ void TextureSet::read(const char* name, TextureRole role, const char* type, floa
         return;
     Entry& entry = _entries.emplace_back();
     entry.property = name;
+    entry.role = role;
     try
     {
         readInto(entry, property, role, type, bumpAmount);
@@ -157,7 +174,7 @@ void TextureSet::dropBake(Entry& entry, const std::string& reason)
 {
     _translation.log.into(entry.messages)
         .warning(DiagnosticCode::BakeFailed, entry.property,
-                 "the surface stays without relief: " + reason);
+                 std::string(substituteFor(entry.role)) + ": " + reason);
     entry.reading.reset();
 }
 
@@ -231,7 +248,7 @@ void publishBakes(const Translation& translation)
 std::vector<std::string> textureSchemas()
 {
     std::vector<std::string> schemas;
-    std::ranges::transform(kinds, std::back_inserter(schemas), &KindRow::schema);
+    std::ranges::transform(kinds(), std::back_inserter(schemas), &KindRow::schema);
     return schemas;
 }
 

@@ -153,6 +153,7 @@ class TextureSet
     struct Entry
     {
         std::string property;
+        TextureRole role{};
         std::optional<TextureReading> reading;
         std::vector<Diagnostic> messages;
         std::exception_ptr error;

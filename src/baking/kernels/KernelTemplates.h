@@ -1,6 +1,7 @@
 #pragma once
 
 #include "baking/kernels/Kernels.h"
+#include "baking/kernels/PatternTemplates.h"
 
 /// @file
 /// The kernels for any kind L of lanes. Everything here is a template on it, and each kind of lanes is local
@@ -158,27 +159,28 @@ inline void splitGradient(typename L::Bits hash, typename L::Floats dy, typename
 }
 
 template <class L>
-void noiseGradients(const NoiseColumns& columns, std::uint32_t row, const NoiseAxis& phase,
+void noiseGradients(const NoiseColumns& columns, const NoiseAxis& row, const NoiseAxis& phase,
                     NoiseGradients& gradients)
 {
     using Bits = typename L::Bits;
     using Floats = typename L::Floats;
     const Bits zero = L::all(0U);
-    const Bits rowHash[2] = {mixHash<L>(zero, L::all(row)), mixHash<L>(zero, L::all(row + 1U))};
-    const Bits phaseCell[2] = {L::all(phase.cell), L::all(phase.cell + 1U)};
+    const Bits rowHash[2] = {mixHash<L>(zero, L::all(row.cell)),
+                             mixHash<L>(zero, L::all(row.above))};
+    const Bits phaseCell[2] = {L::all(phase.cell), L::all(phase.above)};
     const Floats dw[2] = {L::all(phase.fraction), L::all(phase.fraction - 1.0f)};
     const int phases = phase.fraction == 0.0f ? 1 : 2;
 
     for (std::size_t i = 0; i < noiseColumns; i += L::width)
     {
-        const Bits cell = L::load(columns.cell + i);
+        const Bits cells[2] = {L::load(columns.cell + i), L::load(columns.above + i)};
         const Floats fraction = L::load(columns.fraction + i);
         for (int corner = 0; corner < 4; ++corner)
         {
             const bool upper = (corner & 2) != 0;
             const Floats dy = upper ? L::subtract(fraction, L::all(1.0f)) : fraction;
-            const Bits alongCell = upper ? L::add(cell, L::all(1U)) : cell;
-            const Bits planeHash = mixHash<L>(mixHash<L>(rowHash[corner & 1], alongCell), zero);
+            const Bits planeHash =
+                mixHash<L>(mixHash<L>(rowHash[corner & 1], cells[corner >> 1]), zero);
             for (int w = 0; w < phases; ++w)
             {
                 const int c = corner + 4 * w;
@@ -298,7 +300,10 @@ void shadeNoise(const float* noise, std::size_t count, const NoiseShade& shade, 
 /// The kernels for one kind of lanes.
 template <class L> KernelSet kernelSetOf(const char* name)
 {
-    return {name, normalRow<L>, noiseGradients<L>, addNoiseOctave<L>, shadeNoise<L>};
+    KernelSet set{name,          normalRow<L>,    noiseGradients<L>, addNoiseOctave<L>,
+                  shadeNoise<L>, shadePattern<L>, decodeSrgb<L>,     {}};
+    setPatternRows<L>(set, static_cast<PatternKinds*>(nullptr));
+    return set;
 }
 
 /// Only for processors that have the instructions.

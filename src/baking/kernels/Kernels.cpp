@@ -42,6 +42,7 @@ struct PortableLanes
     static Floats multiply(Floats a, Floats b) { return {a.v * b.v}; }
     static Floats divide(Floats a, Floats b) { return {a.v / b.v}; }
     static Floats squareRoot(Floats a) { return {std::sqrt(a.v)}; }
+    static Floats roundDown(Floats a) { return {std::floor(a.v)}; }
     static Floats absolute(Floats a) { return {std::fabs(a.v)}; }
     static Floats larger(Floats a, Floats b) { return {a.v < b.v ? b.v : a.v}; }
     static Floats ifLess(Floats a, Floats b, Floats yes, Floats no) { return a.v < b.v ? yes : no; }

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "bakes/patterns/Kinds.h"
+
 /// @file
 /// The pixel kernels: plain rows of floats in, plain rows of floats out.
 ///
@@ -13,6 +15,8 @@
 /// floating-point environment (round to nearest, denormals kept).
 namespace vyr::MaterialTranslation::baking
 {
+
+using namespace bakes;
 
 /// Three neighbouring rows of heights. At the border of the image the row itself stands in for the missing one.
 struct HeightRows
@@ -36,14 +40,17 @@ inline constexpr int noiseColumns = 256;
 struct alignas(64) NoiseColumns
 {
     std::uint32_t cell[noiseColumns]; ///< lower lattice integer
-    float fraction[noiseColumns];     ///< offset from it, 0 to 1
-    float fade[noiseColumns];         ///< fade weight of the fraction
+    std::uint32_t
+        above[noiseColumns];      ///< upper one: the next, or where the noise repeats the first
+    float fraction[noiseColumns]; ///< offset from it, 0 to 1
+    float fade[noiseColumns];     ///< fade weight of the fraction
 };
 
 /// One lattice axis that is constant for the pixels in question.
 struct NoiseAxis
 {
     std::uint32_t cell;
+    std::uint32_t above;
     float fraction;
     float fade;
 };
@@ -80,6 +87,30 @@ struct NoiseShade
     float color2[3];
 };
 
+/// Neighbouring pixels of one row of a pattern, noiseColumns of them.
+struct PatternStrip
+{
+    const float* x; ///< of the pixels' middles, from 0 to 1
+    float y;
+    float sizeX; ///< of a pixel
+    float sizeY;
+    bool heights;
+    const float* noise[mostNoiseLayers];
+};
+
+/// From a pattern's shares to pixels.
+struct PatternShade
+{
+    int channels; ///< 1 or 3; with one, colours count by their first component
+    bool srgb;    ///< pixels become the codes of sRGB
+    RampStep step;
+    const ColorStop* stops; ///< a ramp; null: there are two colours
+    std::size_t stopCount;
+    float colors[2][3];
+    /// For each channel the values of the pixels in place of a colour; null: none.
+    const float* pixels[2][3];
+};
+
 /// The kernels for one instruction set.
 struct KernelSet
 {
@@ -89,9 +120,9 @@ struct KernelSet
     void (*normalRow)(const HeightRows& heights, std::size_t width, const SlopeStrength& strength,
                       float* rgb);
 
-    /// Gradients of all noiseColumns columns between the lattice rows `row` and `row + 1`.
-    void (*noiseGradients)(const NoiseColumns& columns, std::uint32_t row, const NoiseAxis& phase,
-                           NoiseGradients& gradients);
+    /// Gradients of all noiseColumns columns between the two lattice rows of `row`.
+    void (*noiseGradients)(const NoiseColumns& columns, const NoiseAxis& row,
+                           const NoiseAxis& phase, NoiseGradients& gradients);
 
     /// Adds one octave to all noiseColumns values of `sums`.
     void (*addNoiseOctave)(const NoiseGradients& gradients, const NoiseColumns& columns,
@@ -100,6 +131,18 @@ struct KernelSet
     /// Turns noiseColumns noise values into pixels; the first `count` of them are stored.
     void (*shadeNoise)(const float* noise, std::size_t count, const NoiseShade& shade,
                        float* pixels);
+
+    /// Turns shares and factors into pixels; the first `count` of noiseColumns are stored.
+    void (*shadePattern)(const float* mix, const float* factor, std::size_t count,
+                         const PatternShade& shade, float* pixels);
+
+    /// Turns codes of sRGB into linear values.
+    void (*decodeSrgb)(float* values, std::size_t count);
+
+    /// Computes shares and factors of a strip, for each kind in the order of PatternKinds.
+    using PatternRow = void (*)(const void* pattern, const PatternStrip& strip, float* mix,
+                                float* factor);
+    PatternRow patternRows[patternKindCount];
 };
 
 /// The sets that this processor can run, slowest first; the first is the portable one.

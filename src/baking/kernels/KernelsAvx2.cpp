@@ -39,6 +39,7 @@ struct Avx2Lanes
     static Floats multiply(Floats a, Floats b) { return {_mm256_mul_ps(a.v, b.v)}; }
     static Floats divide(Floats a, Floats b) { return {_mm256_div_ps(a.v, b.v)}; }
     static Floats squareRoot(Floats a) { return {_mm256_sqrt_ps(a.v)}; }
+    static Floats roundDown(Floats a) { return {_mm256_floor_ps(a.v)}; }
     static Floats absolute(Floats a) { return {_mm256_andnot_ps(_mm256_set1_ps(-0.0f), a.v)}; }
     static Floats larger(Floats a, Floats b) { return {_mm256_max_ps(b.v, a.v)}; }
     static Floats ifLess(Floats a, Floats b, Floats yes, Floats no)

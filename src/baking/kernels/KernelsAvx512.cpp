@@ -36,6 +36,7 @@ struct Avx512Lanes
     static Floats multiply(Floats a, Floats b) { return {_mm512_mul_ps(a.v, b.v)}; }
     static Floats divide(Floats a, Floats b) { return {_mm512_div_ps(a.v, b.v)}; }
     static Floats squareRoot(Floats a) { return {_mm512_sqrt_ps(a.v)}; }
+    static Floats roundDown(Floats a) { return {_mm512_floor_ps(a.v)}; }
     static Floats absolute(Floats a) { return floats(both(bits(a), all(0x7FFFFFFFU))); }
     static Floats larger(Floats a, Floats b) { return {_mm512_max_ps(b.v, a.v)}; }
     static Floats ifLess(Floats a, Floats b, Floats yes, Floats no)

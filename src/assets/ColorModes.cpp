@@ -1,4 +1,4 @@
-#include "materials/Translators.h"
+#include "assets/ColorModes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,13 +6,11 @@
 
 #include "assets/ColorSpaces.h"
 
-namespace vyr::MaterialTranslation::materials
+namespace vyr::MaterialTranslation::assets
 {
 
 namespace
 {
-
-using Color = StandardSurfaceParams::Color;
 
 /// An encoding of colours: the power that makes them linear, and MaterialX's name.
 struct Encoding
@@ -22,9 +20,9 @@ struct Encoding
 };
 
 // The exponents are those of MaterialX's "g22_rec709" and "rec709_display".
-constexpr Encoding linear{1.0, assets::linearRec709};
-constexpr Encoding gamma22{2.2, assets::gamma22Rec709};
-constexpr Encoding display{2.4, assets::displayRec709};
+constexpr Encoding linear{1.0, linearRec709};
+constexpr Encoding gamma22{2.2, gamma22Rec709};
+constexpr Encoding display{2.4, displayRec709};
 
 struct ColorModeRow
 {
@@ -52,21 +50,21 @@ const ColorModeRow& rowOf(std::int32_t mode)
 /// Each channel to a power. In double, so that the result does not hang on how exact the platform's
 /// power function of floats is; negative channels, which no power is defined for, stay.
 /// @param property named in the error when a channel becomes too large for a float.
-Color toPower(Color color, double exponent, const char* property)
+ShaderColor toPower(ShaderColor color, double exponent, const char* property)
 {
     if (exponent == 1.0)
         return color;
-    for (std::size_t i = 0; i < Color::numElements(); ++i)
+    for (std::size_t i = 0; i < ShaderColor::numElements(); ++i)
         if (color[i] > 0.0f)
             color[i] = static_cast<float>(std::pow(static_cast<double>(color[i]), exponent));
     const auto isFinite = [](float channel) { return std::isfinite(channel); };
     if (!std::ranges::all_of(color, isFinite))
-        throw assets::PropertyError("ePropertyType_Color", property, DiagnosticCode::ValueNotFinite,
-                                    "the colour is too bright for a 32-bit float");
+        throw PropertyError("ePropertyType_Color", property, DiagnosticCode::ValueNotFinite,
+                            "the colour is too bright for a 32-bit float");
     return color;
 }
 
-Color toColor(const assets::Color3& color)
+ShaderColor toColor(const Color3& color)
 {
     return {color[0], color[1], color[2]};
 }
@@ -78,39 +76,42 @@ const char* plainColorSpace(std::int32_t colorMode)
     return rowOf(colorMode).written.colorSpace;
 }
 
-Color ColorReader::read(const char* name, const Color& fallback) const
+ShaderColor ColorReader::read(const char* name, const ShaderColor& fallback) const
 {
-    const assets::Property property = asset[name];
+    const Property property = asset[name];
     if (!property.hasValue())
         return fallback;
-    const Color color = toColor(property.color());
-    const std::string declared = assets::declaredColorSpace(asset, property, log);
-    if (declared == assets::displayRec709)
+    const ShaderColor color = toColor(property.color());
+    const std::string declared = declaredColorSpace(asset, property, log);
+    if (declared == displayRec709)
         return toPower(color, display.exponent / rowOf(colorMode).takenFor.exponent, name);
     return declared.empty() ? color : encodeLinear(color, colorMode);
 }
 
-Tint ColorReader::readTint(const char* name) const
+ShaderColor ColorReader::linear(const char* name, const ShaderColor& fallback) const
 {
-    const assets::Property property = asset[name];
-    const Color color = toColor(property.color());
-    const std::string declared = assets::declaredColorSpace(asset, property, log);
+    if (!asset[name].hasValue())
+        return fallback;
+    return toPower(read(name, fallback), rowOf(colorMode).takenFor.exponent, name);
+}
+
+DeclaredColor ColorReader::readDeclared(const char* name) const
+{
+    const Property property = asset[name];
+    const ShaderColor color = toColor(property.color());
+    const std::string declared = declaredColorSpace(asset, property, log);
     return {color, declared.empty() ? rowOf(colorMode).takenFor.colorSpace : declared};
 }
 
-Color encodeLinear(const Color& color, std::int32_t colorMode)
+ShaderColor encodeLinear(const ShaderColor& color, std::int32_t colorMode)
 {
     return toPower(color, 1.0 / rowOf(colorMode).takenFor.exponent, "");
 }
 
-void applyColorPass(StandardSurfaceParams& params, std::int32_t colorMode)
+ShaderColor writtenColor(const ShaderColor& color, std::int32_t colorMode, const char* property)
 {
     const ColorModeRow& row = rowOf(colorMode);
-    const auto pass = [&](Color& color, const char* property)
-    { color = toPower(color, row.takenFor.exponent / row.written.exponent, property); };
-    pass(params.base_color, "generic_diffuse");
-    pass(params.transmission_color, "generic_diffuse");
-    pass(params.emission_color, "generic_self_illum_filter_map");
+    return toPower(color, row.takenFor.exponent / row.written.exponent, property);
 }
 
-} // namespace vyr::MaterialTranslation::materials
+} // namespace vyr::MaterialTranslation::assets

@@ -1,0 +1,142 @@
+#pragma once
+
+#include "bakes/patterns/Pattern.h"
+
+namespace vyr::MaterialTranslation::bakes
+{
+
+/// Waves of several sources that add up: circles around points, or straight fronts.
+struct Wave
+{
+    static constexpr int mostSources = 64;
+    static constexpr const char* schema = "WaveSchema";
+    static constexpr const char* meaning = "waves that add up, of points or straight ones";
+    static constexpr PropertyRow rows[] = {
+        {.name = "wave_Color1",
+         .kind = PropertyKind::Color,
+         .meaning = "of the troughs",
+         .takesTexture = true},
+        {.name = "wave_Color2",
+         .kind = PropertyKind::Color,
+         .meaning = "of the crests",
+         .fallback = {1.0f, 1.0f, 1.0f},
+         .takesTexture = true},
+        {.name = "wave_Type",
+         .kind = PropertyKind::Choice,
+         .meaning = "circles around points, or straight fronts",
+         .choices = "wave_radial wave_plane"},
+        {.name = "wave_Sources",
+         .kind = PropertyKind::Integer,
+         .meaning = "how many waves add up",
+         .fallback = {3.0f},
+         .least = 1.0f,
+         .most = mostSources},
+        {.name = "wave_Length",
+         .kind = PropertyKind::Scalar,
+         .meaning = "from crest to crest; the image is eight wide",
+         .fallback = {0.1f},
+         .unit = "meter",
+         .least = 1e-6f,
+         .most = 1e6f},
+        {.name = "wave_LengthVariation",
+         .kind = PropertyKind::Scalar,
+         .meaning = "share by which waves may be shorter",
+         .least = 0.0f,
+         .most = 0.9f},
+        {.name = "wave_Amplitude",
+         .kind = PropertyKind::Scalar,
+         .meaning = "how much of the way from colour to colour the waves go",
+         .fallback = {1.0f},
+         .least = 0.0f,
+         .most = 1.0f},
+        {.name = "wave_Phase",
+         .kind = PropertyKind::Scalar,
+         .meaning = "how far the waves have run",
+         .unit = "degree"},
+        {.name = "wave_Seed",
+         .kind = PropertyKind::Integer,
+         .meaning = "another number places the sources elsewhere",
+         .least = 0.0f,
+         .most = 1000000.0f},
+    };
+    static constexpr std::array colors{rowOf(rows, "wave_Color1"), rowOf(rows, "wave_Color2")};
+    static constexpr float lengths = 8.0f;
+
+    struct Source
+    {
+        float x; ///< the point, or the whole waves across the image
+        float y;
+        float frequency;
+        float phase; ///< turns
+    };
+
+    explicit Wave(const Values& values)
+        : isRadial(values.integer(rowOf(rows, "wave_Type")) == 0),
+          length(values.number(rowOf(rows, "wave_Length"))),
+          amplitude(values.number(rowOf(rows, "wave_Amplitude")))
+    {
+        // Whole numbers of waves in all directions of half a turn, about as many as lengths.
+        constexpr float directions[][2] = {{8, 0}, {7, 3},  {6, 6},  {3, 7},
+                                           {0, 8}, {-3, 7}, {-6, 6}, {-7, 3}};
+        const float variation = values.number(rowOf(rows, "wave_LengthVariation"));
+        const float phase = values.number(rowOf(rows, "wave_Phase")) / 360.0f;
+        auto state = static_cast<std::uint32_t>(values.integer(rowOf(rows, "wave_Seed")));
+        const auto random = [&state]
+        {
+            state = state * 1664525U + 1013904223U;
+            const std::uint32_t mixed = (state ^ (state >> 15U)) * 0x2C1B3C6DU;
+            return static_cast<float>((mixed ^ (mixed >> 13U)) >> 8U) / 16777216.0f;
+        };
+        for (int i = 0; i < values.integer(rowOf(rows, "wave_Sources")); ++i)
+        {
+            const float a = random();
+            const float b = random();
+            const float shorter = 1.0f / (1.0f - variation * random());
+            const auto* d = directions[static_cast<int>(a * 8.0f)];
+            const auto whole = [&](float n)
+            {
+                return static_cast<float>(
+                    static_cast<int>(n * shorter + (n < 0.0f ? -0.5f : 0.5f)));
+            };
+            sources[sourceCount++] = isRadial ? Source{a, b, lengths * shorter, phase}
+                                              : Source{whole(d[0]), whole(d[1]), 1.0f, phase + b};
+        }
+    }
+
+    std::array<float, 2> period() const { return {lengths * length, lengths * length}; }
+
+    template <class L> Sample<L> sample(const Pixels<L>& p) const
+    {
+        using M = Math<L>;
+        auto sum = M::all(0.0f);
+        for (int i = 0; i < sourceCount; ++i)
+        {
+            const Source& source = sources[i];
+            const auto place = isRadial ? radial<L>(p, source)
+                                        : M::add(M::mul(p.x, source.x), M::mul(p.y, source.y));
+            sum = M::add(sum, M::sine(M::sub(place, source.phase)));
+        }
+        const auto height = M::mul(sum, amplitude / (2.0f * static_cast<float>(sourceCount)));
+        return {M::clamp01(M::add(height, 0.5f))};
+    }
+
+    /// Near the point its distance; elsewhere it bends so that it meets itself at the image's edges:
+    /// sqrt(sin(pi dx)^2 + sin(pi dy)^2) / pi.
+    template <class L>
+    static typename L::Floats radial(const Pixels<L>& p, const Source& source)
+    {
+        using M = Math<L>;
+        const auto dx = M::sine(M::mul(M::sub(p.x, source.x), 0.5f));
+        const auto dy = M::sine(M::mul(M::sub(p.y, source.y), 0.5f));
+        const auto far = L::squareRoot(M::add(M::mul(dx, dx), M::mul(dy, dy)));
+        return M::mul(far, source.frequency * 0.31830987f);
+    }
+
+    bool isRadial;
+    float length;
+    float amplitude;
+    int sourceCount = 0;
+    Source sources[mostSources];
+};
+
+} // namespace vyr::MaterialTranslation::bakes

@@ -1,0 +1,205 @@
+#include "baking/PatternImage.h"
+
+#include <algorithm>
+#include <deque>
+#include <optional>
+
+#include "baking/ColorImage.h"
+#include "baking/ImageFile.h"
+#include "baking/ImageRows.h"
+#include "baking/NoiseStrip.h"
+
+namespace vyr::MaterialTranslation::baking
+{
+
+namespace
+{
+
+/// A pattern as the kernels want it.
+struct Recipe
+{
+    int width;
+    int height;
+    PatternStrip strip{};
+    PatternShade shade{};
+    KernelSet::PatternRow row = nullptr;
+    const void* pattern = nullptr;
+    std::vector<ColorStop> stops{};
+    std::vector<NoiseField> fields{};
+    std::array<std::optional<SampledImage>, 2> images{};
+};
+
+/// Bakes some rows strip by strip; a pixel depends on its place only.
+class PatternRows
+{
+  public:
+    PatternRows(const Recipe& recipe, const KernelSet& set)
+        : _recipe(recipe), _set(set), _strip(recipe.strip), _shade(recipe.shade)
+    {
+        for (const NoiseField& field : recipe.fields)
+            _noise.emplace_back(field, set);
+        _strip.x = _x;
+    }
+
+    void bake(int yBegin, int yEnd, float* pixels)
+    {
+        for (int x = 0; x < _recipe.width; x += noiseColumns)
+        {
+            moveTo(x);
+            for (int y = yBegin; y < yEnd; y += NoiseStrip::bandRows)
+                bakeBand(x, y, std::min(y + NoiseStrip::bandRows, yEnd), yBegin, pixels);
+        }
+    }
+
+  private:
+    void moveTo(int column)
+    {
+        for (int i = 0; i < noiseColumns; ++i)
+            _x[i] = (static_cast<float>(column + i) + 0.5f) / static_cast<float>(_recipe.width);
+        for (NoiseStrip& noise : _noise)
+            noise.moveTo(column);
+    }
+
+    void bakeBand(int x, int bandBegin, int bandEnd, int yBegin, float* pixels)
+    {
+        const auto channels = static_cast<std::size_t>(_shade.channels);
+        const auto count = static_cast<std::size_t>(std::min(noiseColumns, _recipe.width - x));
+        const float* sums[mostNoiseLayers] = {};
+        for (std::size_t i = 0; i < _noise.size(); ++i)
+            sums[i] = _noise[i].sumRows(bandBegin, bandEnd);
+        for (int y = bandBegin; y < bandEnd; ++y)
+        {
+            for (std::size_t i = 0; i < _noise.size(); ++i)
+                _strip.noise[i] =
+                    sums[i] + static_cast<std::ptrdiff_t>(y - bandBegin) * noiseColumns;
+            // Rows go downwards, the pattern goes up.
+            _strip.y = 1.0f - (static_cast<float>(y) + 0.5f) / static_cast<float>(_recipe.height);
+            _recipe.row(_recipe.pattern, _strip, _mix, _factor);
+            sampleImages();
+            const std::size_t row =
+                static_cast<std::size_t>(y - yBegin) * static_cast<std::size_t>(_recipe.width);
+            _set.shadePattern(_mix, _factor, count, _shade,
+                              pixels + channels * (row + static_cast<std::size_t>(x)));
+        }
+    }
+
+    void sampleImages()
+    {
+        for (std::size_t i = 0; i < 2; ++i)
+            if (_recipe.images[i])
+            {
+                _recipe.images[i]->sample(_x, _strip.y, noiseColumns, _colors[i]);
+                for (int c = 0; c < 3; ++c)
+                    _shade.pixels[i][c] = _colors[i][c];
+            }
+    }
+
+    const Recipe& _recipe;
+    const KernelSet& _set;
+    PatternStrip _strip;
+    PatternShade _shade;
+    std::deque<NoiseStrip> _noise;
+    alignas(64) float _x[noiseColumns];
+    alignas(64) float _mix[noiseColumns];
+    alignas(64) float _factor[noiseColumns];
+    alignas(64) float _colors[2][3][noiseColumns];
+};
+
+template <class Kind> constexpr bool hasOwnHeights()
+{
+    if constexpr (requires { Kind::hasOwnHeights; })
+        return Kind::hasOwnHeights;
+    else
+        return false;
+}
+
+template <class Kind> void setColors(Recipe& recipe, const Kind& kind, const Pattern& bake)
+{
+    const bool isNumber = recipe.shade.channels == 1;
+    if constexpr (requires { kind.stops; })
+    {
+        recipe.stops = kind.stops;
+        if (isNumber)
+            for (ColorStop& stop : recipe.stops)
+                stop.color[0] = luminance(stop.color[0], stop.color[1], stop.color[2]);
+        recipe.shade.stops = recipe.stops.data();
+        recipe.shade.stopCount = recipe.stops.size();
+        recipe.shade.step = kind.step;
+    }
+    else
+        for (std::size_t i = 0; i < 2; ++i)
+        {
+            const std::array<float, 3>& given = bake.values.rows[Kind::colors[i]].front();
+            std::ranges::copy(given, recipe.shade.colors[i]);
+            if (isNumber)
+                recipe.shade.colors[i][0] = luminance(given[0], given[1], given[2]);
+        }
+}
+
+/// The first colour is high, the second one low.
+void setOwnHeights(PatternShade& shade)
+{
+    shade.colors[0][0] = 1.0f;
+    shade.colors[1][0] = 0.0f;
+}
+
+void setImages(Recipe& recipe, const Pattern& bake, const BakeSettings& settings,
+               const KernelSet& set)
+{
+    for (std::size_t i = 0; i < 2; ++i)
+        if (bake.images[i])
+            recipe.images[i].emplace(*bake.images[i], bake, recipe.shade.channels == 1, settings,
+                                     set);
+}
+
+template <class Kind> std::vector<NoiseField> fieldsOf(const Kind& kind, const Pattern& bake)
+{
+    std::vector<NoiseField> fields;
+    if constexpr (requires { kind.layers(); })
+        for (const NoiseLayer& layer : kind.layers())
+            fields.push_back({bake.width, bake.height, 1.0f, layer.cellsX, layer.cellsY,
+                              layer.phase, layer.octaves, layer.absolute});
+    return fields;
+}
+
+} // namespace
+
+OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels,
+                                const BakeSettings& settings, const KernelSet& set)
+{
+    const bool isColor = pixels == PatternPixels::Color || pixels == PatternPixels::Srgb;
+    OIIO::ImageBuf image =
+        uninitializedImage("pattern_image", OIIO::ImageSpec(bake.width, bake.height,
+                                                            isColor ? 3 : 1, OIIO::TypeFloat));
+    if (!image.initialized())
+        return image;
+    Recipe recipe{bake.width, bake.height};
+    recipe.strip.sizeX = 1.0f / static_cast<float>(bake.width);
+    recipe.strip.sizeY = 1.0f / static_cast<float>(bake.height);
+    recipe.strip.heights = pixels == PatternPixels::Heights;
+    recipe.shade.channels = isColor ? 3 : 1;
+    recipe.shade.srgb = pixels == PatternPixels::Srgb;
+    const auto run = [&]<class Kind>()
+    {
+        const Kind kind{Values(bake.values)};
+        recipe.pattern = &kind;
+        recipe.row = set.patternRows[bake.kind];
+        recipe.fields = fieldsOf(kind, bake);
+        setColors(recipe, kind, bake);
+        if (hasOwnHeights<Kind>() && recipe.strip.heights)
+            setOwnHeights(recipe.shade);
+        else
+            setImages(recipe, bake, settings, set);
+        forEachRowBlock(bake.width, bake.height, settings.threads,
+                        [&](int yBegin, int yEnd)
+                        {
+                            PatternRows(recipe, set)
+                                .bake(yBegin, yEnd,
+                                      static_cast<float*>(image.pixeladdr(0, yBegin)));
+                        });
+    };
+    withPatternKind(bake.kind, run);
+    return image;
+}
+
+} // namespace vyr::MaterialTranslation::baking

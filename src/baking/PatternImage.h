@@ -1,0 +1,28 @@
+#pragma once
+
+#include <OpenImageIO/imagebuf.h>
+
+#include "bakes/Patterns.h"
+#include "baking/kernels/Kernels.h"
+
+namespace vyr::MaterialTranslation::baking
+{
+
+/// What of a pattern is baked.
+enum class PatternPixels
+{
+    Color,   ///< three channels, linear
+    Srgb,    ///< three channels, the codes of sRGB
+    Number,  ///< one channel
+    Heights, ///< one channel
+};
+
+/// Bakes a pattern into 32-bit floats. docs/bakes.md has the formulas.
+///
+/// @param settings  The result is the same for every number of threads.
+/// @throws BakeError when an image in place of a colour cannot be read.
+/// @throws std::runtime_error when memory does not hold the result.
+OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels,
+                                const BakeSettings& settings, const KernelSet& set = kernels());
+
+} // namespace vyr::MaterialTranslation::baking
