@@ -17,7 +17,7 @@ char lower(char c)
     return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
 }
 
-/// "--joint-width" of "tile_JointWidth", "--color" of "gradient_Color#".
+/// "--joint-width" of "tile_JointWidth", "--color" of "gradient_Color#", which is given once for each number.
 std::string optionOf(std::string_view property)
 {
     std::string option = "-";
@@ -34,6 +34,8 @@ std::string optionOf(std::string_view property)
 std::string helpOf(const PropertyRow& row)
 {
     std::string help = row.meaning;
+    if (std::string_view(row.name).find('#') != std::string_view::npos)
+        help += "; once for each";
     if (*row.unit)
         help += std::string("; in ") + row.unit + "s";
     if (*row.choices)
@@ -42,10 +44,9 @@ std::string helpOf(const PropertyRow& row)
 }
 
 /// Adds the property, or each of the numbered ones, from the words of its option.
-bool setProperty(const PropertyRow& row, CLI::results_t words,
+bool setProperty(const PropertyRow& row, const CLI::results_t& words,
                  std::vector<MaterialTranslation::TextureProperty>& properties)
 {
-    std::erase(words, "%%"); // how CLI11 marks the end of an option with any number of words
     const std::string name = row.name;
     const std::string option = optionOf(name);
     if (row.kind == PropertyKind::Choice)
@@ -58,8 +59,6 @@ bool setProperty(const PropertyRow& row, CLI::results_t words,
         return true;
     }
     const std::size_t count = row.kind == PropertyKind::Color ? 3 : 1;
-    if (words.size() % count != 0)
-        throw CLI::ValidationError(option, "a colour is three numbers");
     for (std::size_t i = 0; i < words.size(); ++i)
     {
         const std::optional<float> number = base::numberFromText<float>(words[i]);
@@ -103,7 +102,7 @@ CLI::App* defineBakeTexture(CLI::App& bake, const MaterialTranslation::SchemaRow
             { return setProperty(row, words, command.options.properties); }, helpOf(row));
         option.expected(isColor ? 3 : 1)->type_name(*row.choices ? "NAME" : "N");
         if (isNumbered)
-            option.expected(1, CLI::detail::expected_max_vector_size);
+            option.multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     }
     return &app;
 }

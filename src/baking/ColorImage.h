@@ -2,6 +2,8 @@
 
 #include <vector>
 
+#include <MaterialTranslation/Bakes.h>
+
 #include "bakes/Patterns.h"
 #include "baking/kernels/Kernels.h"
 

@@ -112,8 +112,7 @@ OIIO::ImageBuf bakeMeetingNormals(const OIIO::ImageBuf& heights, int threads)
     return image;
 }
 
-BakeOutcome run(const bakes::PatternBake& bake, const BakeSettings& settings,
-                const fs::path& place)
+BakeOutcome run(const bakes::PatternBake& bake, const BakeSettings& settings, const fs::path& place)
 {
     BakeOutcome outcome;
     const auto work = [&]

@@ -164,8 +164,8 @@ template <class Kind> std::vector<NoiseField> fieldsOf(const Kind& kind, const P
 
 } // namespace
 
-OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels,
-                                const BakeSettings& settings, const KernelSet& set)
+OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels, const BakeSettings& settings,
+                           const KernelSet& set)
 {
     const bool isColor = pixels == PatternPixels::Color || pixels == PatternPixels::Srgb;
     OIIO::ImageBuf image =

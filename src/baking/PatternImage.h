@@ -2,6 +2,8 @@
 
 #include <OpenImageIO/imagebuf.h>
 
+#include <MaterialTranslation/Bakes.h>
+
 #include "bakes/Patterns.h"
 #include "baking/kernels/Kernels.h"
 
@@ -22,7 +24,7 @@ enum class PatternPixels
 /// @param settings  The result is the same for every number of threads.
 /// @throws BakeError when an image in place of a colour cannot be read.
 /// @throws std::runtime_error when memory does not hold the result.
-OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels,
-                                const BakeSettings& settings, const KernelSet& set = kernels());
+OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels, const BakeSettings& settings,
+                           const KernelSet& set = kernels());
 
 } // namespace vyr::MaterialTranslation::baking

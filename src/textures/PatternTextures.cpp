@@ -62,7 +62,8 @@ class PatternReader
             if (row.takesTexture && _asset[row.name].isConnected())
                 readImage(row.name, _pattern.images[i == colors[0] ? 0 : 1]);
         }
-        _pattern.width = static_cast<int>(std::min(_request.translation.options.imageSize, largest));
+        _pattern.width =
+            static_cast<int>(std::min(_request.translation.options.imageSize, largest));
         _pattern.height = _pattern.width;
         readPlacement();
         return std::move(_pattern);

@@ -43,7 +43,7 @@ std::optional<std::array<float, 2>> patternPeriod(std::size_t kind,
 {
     std::array<float, 2> period{};
     bakes::withPatternKind(kind,
-                            [&]<class Kind>() { period = Kind(bakes::Values(values)).period(); });
+                           [&]<class Kind>() { period = Kind(bakes::Values(values)).period(); });
     return period == bakes::noPeriod ? std::nullopt : std::optional(period);
 }
 
@@ -51,7 +51,7 @@ std::array<std::size_t, 2> patternColors(std::size_t kind)
 {
     std::array<std::size_t, 2> rows{};
     bakes::withPatternKind(kind, [&]<class Kind>()
-                            { rows = bakes::colorRows<Kind>(std::size(Kind::rows)); });
+                           { rows = bakes::colorRows<Kind>(std::size(Kind::rows)); });
     return rows;
 }
 

@@ -16,7 +16,7 @@ struct Gradient
          .meaning = "the shape along which the ramp runs",
          .choices = "gradient_linear gradient_quadratic gradient_mirrored gradient_diagonal "
                     "gradient_radial gradient_spherical gradient_box gradient_diamond "
-                    "gradient_sweep gradient_sweep_mirrored gradient_spiral gradient_tartan"},
+                    "gradient_sweep gradient_sweep_mirrored gradient_spiral gradient_cushion"},
         {.name = "gradient_Color#",
          .kind = PropertyKind::Color,
          .meaning = "of a stop; black and white when there is none"},
@@ -80,7 +80,7 @@ struct Gradient
         Sweep,
         SweepMirrored,
         Spiral,
-        Tartan,
+        Cushion,
     };
 
     explicit Gradient(const Values& values)
@@ -90,7 +90,7 @@ struct Gradient
           alternates(values.boolean(rowOf(rows, "gradient_Alternates"))),
           reversed(values.boolean(rowOf(rows, "gradient_Reversed"))),
           noiseAmount(values.number(rowOf(rows, "gradient_NoiseAmount"))),
-          isDistorted(noiseAmount > 0.0f)
+          isDistorted(noiseAmount > 0.0f), isRound(shape == Shape::Sweep || shape == Shape::Spiral)
     {
         const int type = values.integer(rowOf(rows, "gradient_NoiseType"));
         const int cells = cellsOf(values.number(rowOf(rows, "gradient_NoiseSize")));
@@ -112,7 +112,7 @@ struct Gradient
         auto t = placeOf<L>(p.x, p.y);
         if (isDistorted)
             t = M::add(t, M::mul(p.noise[0], noiseAmount));
-        if (repeats != 1.0f || isDistorted)
+        if (repeats != 1.0f || isRound)
             t = repeated<L>(M::mul(t, repeats));
         t = M::clamp01(t);
         return {reversed ? M::sub(1.0f, t) : t};
@@ -152,13 +152,15 @@ struct Gradient
             return mirrored(M::angle(dx, dy));
         case Shape::Spiral:
             return M::fraction(M::add(M::angle(dx, dy), L::squareRoot(squares)));
-        case Shape::Tartan:
-            return M::mul(M::add(mirrored(x), mirrored(y)), 0.5f);
+        case Shape::Cushion:
+            return M::mul(
+                M::add(M::add(M::sine(M::sub(x, 0.25f)), M::sine(M::sub(y, 0.25f))), 2.0f), 0.25f);
         }
         return x;
     }
 
-    /// The ramp runs once for each whole number; the end of the last run is its end.
+    /// The ramp runs once for each whole number. Round the middle it has no end; elsewhere the end of the last run is
+    /// its end.
     template <class L> typename L::Floats repeated(typename L::Floats t) const
     {
         using M = Math<L>;
@@ -168,9 +170,7 @@ struct Gradient
             return M::sub(1.0f, M::abs(M::sub(M::mul(half, 2.0f), 1.0f)));
         }
         const auto run = M::fraction(t);
-        if (isDistorted)
-            return run;
-        return M::less(t, repeats, run, M::all(1.0f));
+        return isRound ? run : M::less(t, repeats, run, M::all(1.0f));
     }
 
     Shape shape;
@@ -180,6 +180,7 @@ struct Gradient
     bool reversed;
     float noiseAmount;
     bool isDistorted;
+    bool isRound;
     std::vector<NoiseLayer> noise;
     /// Positions never fall.
     std::vector<ColorStop> stops;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "baking/kernels/Kernels.h"
 #include "bakes/patterns/Kinds.h"
+#include "baking/kernels/Kernels.h"
 
 /// @file
 /// The kernels of the patterns, as KernelTemplates.h has those of the other bakes.
