@@ -35,6 +35,8 @@ namespace vyr::MaterialTranslation
     X(GraphEmpty, "graph-empty")                                                \
     X(Inheritance, "inheritance")                                               \
     X(ConnectionLoop, "connection-loop")                                        \
+    X(ConnectionDepth, "connection-depth")                                      \
+    X(DefinitionLoop, "definition-loop")                                        \
     X(NameTwice, "name-twice")
 // clang-format on
 

@@ -29,8 +29,10 @@ struct Checks
     }
 };
 
-/// Loops of inheritance and of connections, on which MaterialX's functions do not end or throw.
-/// @return whether MaterialX can look elements up along inheritance; connections never keep it from that.
+/// Loops of inheritance, of connections and of definitions, on which MaterialX's functions do not end or throw,
+/// and chains that are too long for them.
+/// @return whether MaterialX can validate the document; loops of connections and definitions do not keep it from
+///         that.
 bool checkStructure(const MaterialX::DocumentPtr& document, Checks& checks);
 
 /// What MaterialX's own validation says about an element, without what it says about its children.

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 
 #include <MaterialXFormat/XmlIo.h>
 #include <fmt/format.h>
@@ -58,26 +60,41 @@ std::string parseFailure(std::string_view text, std::string_view content)
                        text.substr(opening.size(), at - opening.size()));
 }
 
+/// The value of an attribute, given in its quotes, as MaterialX reads it.
+std::string attributeValue(std::string_view quoted)
+{
+    if (quoted.find('&') == quoted.npos)
+        return std::string(quoted.substr(1, quoted.size() - 2));
+    const mx::DocumentPtr document = mx::createDocument();
+    mx::readFromXmlString(document, fmt::format("<materialx value={} />", quoted));
+    return document->getAttribute("value");
+}
+
 /// The start and end tags of a text that is known to be XML.
 class Tags
 {
   public:
-    explicit Tags(std::string_view text) : _text(text) {}
+    explicit Tags(std::string_view text) : _text(text)
+    {
+        constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+        _end = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+    }
 
     /// Goes to the next tag.
     bool next()
     {
         static constexpr std::pair<std::string_view, std::string_view> others[] = {
             {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
-        _begin = _text.find('<', _end);
+        _characters.reset();
+        goToMarkup(_end);
         while (_begin != _text.npos)
         {
             const auto* other = std::ranges::find_if(
                 others, [&](const auto& o) { return _text.substr(_begin).starts_with(o.first); });
             if (other != std::end(others))
-                _begin = _text.find('<', _text.find(other->second, _begin + other->first.size()));
+                goToMarkup(behind(other->second, _begin + other->first.size()));
             else if (_text.substr(_begin).starts_with("<!"))
-                _begin = _text.find('<', declarationEnd(_begin));
+                goToMarkup(declarationEnd(_begin));
             else
                 break;
         }
@@ -89,15 +106,18 @@ class Tags
                 quote = 0;
             else if (quote == 0 && (c == '"' || c == '\''))
                 quote = c;
+        ++_end;
         return true;
     }
 
     std::size_t offset() const { return _begin; }
     bool closes() const { return _text[_begin + 1] == '/'; }
-    bool closesItself() const { return _text[_end - 1] == '/'; }
+    bool closesItself() const { return _text[_end - 2] == '/'; }
+    /// Where there are characters between this tag and the one before it, or behind the last one.
+    std::optional<std::size_t> characters() const { return _characters; }
 
     /// The value of the attribute "name"; empty without one.
-    std::string_view name() const
+    std::string name() const
     {
         std::size_t at = _begin;
         while ((at = _text.find_first_of("\"'", at)) < _end)
@@ -110,25 +130,40 @@ class Tags
             trim("=");
             trim(" \t\r\n");
             if (before.ends_with("name") && before.find_last_of(" \t\r\n") + 5 == before.size())
-                return _text.substr(at + 1, close - at - 1);
+                return attributeValue(_text.substr(at, close - at + 1));
             at = close + 1;
         }
         return {};
     }
 
   private:
+    std::size_t behind(std::string_view what, std::size_t from) const
+    {
+        const std::size_t at = _text.find(what, from);
+        return at == _text.npos ? at : at + what.size();
+    }
+
+    /// Goes to the next tag, comment or declaration.
+    void goToMarkup(std::size_t from)
+    {
+        _begin = _text.find('<', from);
+        const std::size_t at = _text.find_first_not_of(" \t\r\n", from);
+        if (at != _begin && !_characters)
+            _characters = at;
+    }
+
     /// The end of a document type, which has declarations, comments and texts within.
     std::size_t declarationEnd(std::size_t at) const
     {
         int open = 0;
-        for (; at < _text.size(); ++at)
+        while (at < _text.size())
         {
             const char c = _text[at];
             if (_text.substr(at).starts_with("<!--"))
-                at = _text.find("-->", at) + 2;
+                at = behind("-->", at);
             else if (c == '"' || c == '\'')
-                at = _text.find(c, at + 1);
-            else if (c == '<')
+                at = behind(_text.substr(at, 1), at + 1);
+            else if (++at; c == '<')
                 ++open;
             else if (c == '>' && --open == 0)
                 break;
@@ -139,30 +174,41 @@ class Tags
     std::string_view _text;
     std::size_t _begin = 0;
     std::size_t _end = 0;
+    std::optional<std::size_t> _characters;
 };
 
-/// MaterialX leaves a second element of one name out. The first hundred are told.
-void findSecondNames(std::string_view content, const std::string& file,
-                     std::vector<ValidationMessage>& messages)
+/// Looks for what MaterialX leaves out without a word: a second element of one name, of which the first hundred are
+/// told, and everything outside of the root element.
+void checkTags(std::string_view content, const std::string& file,
+               std::vector<ValidationMessage>& messages)
 {
     constexpr std::size_t mostMessages = 100;
-    std::vector<std::unordered_set<std::string_view>> open(1);
+    std::vector<std::unordered_set<std::string>> open(1);
     std::size_t found = 0;
-    for (Tags tags(content); tags.next() && !open.empty() && found < mostMessages;)
+    bool hasRoot = false;
+    Tags tags(content);
+    for (bool more = true; more;)
     {
+        more = tags.next();
+        const bool isOutside = open.size() == 1;
+        if (isOutside && tags.characters())
+            throw UnreadableDocument(lineAndColumn(content, *tags.characters()) +
+                                     ": text outside of the root element");
+        if (!more)
+            break;
         if (tags.closes())
         {
             open.pop_back();
             continue;
         }
-        const std::string_view name = tags.name();
-        if (!name.empty() && !open.back().insert(name).second)
-        {
-            ++found;
+        if (isOutside && std::exchange(hasRoot, true))
+            throw UnreadableDocument(lineAndColumn(content, tags.offset()) +
+                                     ": a second root element");
+        const std::string name = tags.name();
+        if (!name.empty() && !open.back().insert(name).second && ++found <= mostMessages)
             messages.push_back({"", ValidationCode::NameTwice,
                                 fmt::format("{}{}: a second element \"{}\"", file,
                                             lineAndColumn(content, tags.offset()), name)});
-        }
         if (!tags.closesItself())
             open.emplace_back();
     }
@@ -222,7 +268,7 @@ class Reader
         {
             throw UnreadableDocument(parseFailure(error.what(), content));
         }
-        findSecondNames(content, prefix, _messages);
+        checkTags(content, prefix, _messages);
     }
 
     std::vector<ValidationMessage>& _messages;

@@ -61,6 +61,12 @@ std::string unknownUnit(const mx::Element& element)
                        fmt::join(names, ", "));
 }
 
+/// checkStructure tells of each loop once; MaterialX of each output that depends on one.
+std::string alreadyTold(const mx::Element&)
+{
+    return {};
+}
+
 /// A rule that says more to a reader in terms of the element.
 struct RuleWording
 {
@@ -78,6 +84,7 @@ constexpr RuleWording wordings[] = {
      unknownUnitType},
     {"Unit definition does not exist in document", ValidationCode::UnitUnknown, unknownUnit},
     {"Invalid value", ValidationCode::ValueInvalid, wrongValue},
+    {"Cycle in upstream path", ValidationCode::ConnectionLoop, alreadyTold},
 };
 
 void reportRule(const mx::Element& element, const std::string& rule, Checks& checks)

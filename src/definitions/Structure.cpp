@@ -1,6 +1,6 @@
 #include "definitions/Checks.h"
 
-#include <string_view>
+#include <algorithm>
 #include <unordered_map>
 
 #include <fmt/format.h>
@@ -13,8 +13,10 @@ namespace mx = MaterialX;
 namespace
 {
 
-/// MaterialX walks a chain of inheritance anew for each input, so that a long one takes it minutes.
+/// MaterialX walks a chain of inheritance anew for each input, and one of graphs anew for each graph, so that
+/// long ones take it minutes.
 constexpr int mostAncestors = 100;
+constexpr int mostInputs = 100;
 
 /// The lengths of the chains of inheritance that were walked.
 class Inheritance
@@ -62,14 +64,23 @@ class Inheritance
     bool _good = true;
 };
 
-/// Nodes, and the inputs and outputs of graphs, in the order in which values pass through them.
-class Connections
+using Elements = std::vector<mx::ElementPtr>;
+
+/// What an element needs, one element at a time, to any depth.
+class Loops
 {
   public:
-    explicit Connections(Checks& checks) : _checks(checks) {}
+    /// @param sourcesOf the elements that an element needs.
+    /// @param loop what is told of an element that needs itself.
+    Loops(Checks& checks, Elements (*sourcesOf)(const mx::ElementPtr&), ValidationCode code,
+          const char* loop)
+        : _checks(checks), _sourcesOf(sourcesOf), _code(code), _loop(loop)
+    {
+    }
 
-    /// Tells of loops among everything that the element depends on.
-    void check(const mx::ElementPtr& element)
+    /// Tells of loops among everything that the element needs.
+    /// @return whether MaterialX can follow what it needs through the inputs of graphs.
+    bool check(const mx::ElementPtr& element)
     {
         enter(element);
         while (!_way.empty())
@@ -77,78 +88,124 @@ class Connections
             Step& step = _way.back();
             if (step.next == step.sources.size())
             {
-                _isOnWay[step.element.get()] = false;
-                _way.pop_back();
+                leave();
                 continue;
             }
             const mx::ElementPtr source = step.sources[step.next++];
-            const auto known = _isOnWay.find(source.get());
-            if (known == _isOnWay.end())
+            const auto known = _known.find(source.get());
+            if (known == _known.end())
                 enter(source);
-            else if (known->second)
-                _checks.report(*source, ValidationCode::ConnectionLoop,
-                               "its connections lead back to it");
+            else if (known->second == onWay)
+            {
+                _checks.report(*source, _code, _loop);
+                known->second = toldOf;
+            }
+            else
+                step.inputs = std::max(step.inputs, known->second);
         }
+        return _canBeFollowed;
     }
 
   private:
+    static constexpr int onWay = -1;
+    static constexpr int toldOf = -2;
+
     struct Step
     {
         mx::ElementPtr element;
-        std::vector<mx::ElementPtr> sources;
+        Elements sources;
+        /// Inputs of graphs one behind the other.
+        int inputs = 0;
         std::size_t next = 0;
     };
 
     void enter(const mx::ElementPtr& element)
     {
-        if (_isOnWay.try_emplace(element.get(), true).second)
-            _way.push_back({element, sourcesOf(element)});
+        if (_known.try_emplace(element.get(), onWay).second)
+            _way.push_back({element, _sourcesOf(element)});
     }
 
-    static std::vector<mx::ElementPtr> sourcesOf(const mx::ElementPtr& element)
+    void leave()
     {
-        std::vector<mx::ElementPtr> sources;
-        if (const auto port = element->asA<mx::PortElement>())
-            addSources(*port, sources);
-        else
-            for (const mx::InputPtr& input : element->getChildrenOfType<mx::Input>())
-                addSources(*input, sources);
-        return sources;
-    }
-
-    static void addSources(const mx::PortElement& port, std::vector<mx::ElementPtr>& sources)
-    {
-        mx::ConstElementPtr scope = port.getParent();
-        if (port.isA<mx::Input>() && scope)
-            scope = scope->getParent();
-        if (!scope)
+        const Step done = std::move(_way.back());
+        _way.pop_back();
+        const int inputs = done.inputs + (done.element->isA<mx::Input>() ? 1 : 0);
+        _known[done.element.get()] = inputs;
+        if (!_way.empty())
+            _way.back().inputs = std::max(_way.back().inputs, inputs);
+        if (inputs != mostInputs + 1 || inputs == done.inputs)
             return;
-        const auto add = [&](const mx::ElementPtr& source)
-        {
-            if (source)
-                sources.push_back(source);
-        };
-        if (port.hasAttribute(mx::ValueElement::INTERFACE_NAME_ATTRIBUTE))
-            if (const auto graph = scope->asA<mx::NodeGraph>())
-                add(graph->getInput(port.getAttribute(mx::ValueElement::INTERFACE_NAME_ATTRIBUTE)));
-        for (const std::string& name : {port.getNodeName(), port.getNodeGraphString()})
-        {
-            const mx::ElementPtr source = name.empty() ? nullptr : scope->getChild(name);
-            const auto graph = source ? source->asA<mx::NodeGraph>() : nullptr;
-            if (!graph)
-                add(source);
-            else
-                for (const mx::OutputPtr& output : graph->getOutputs())
-                    if (!port.hasOutputString() || output->getName() == port.getOutputString())
-                        add(output);
-        }
+        _canBeFollowed = false;
+        _checks.report(
+            *done.element, ValidationCode::ConnectionDepth,
+            fmt::format("its value comes through more than {} inputs of graphs", mostInputs));
     }
 
     Checks& _checks;
+    Elements (*_sourcesOf)(const mx::ElementPtr&);
+    ValidationCode _code;
+    const char* _loop;
     std::vector<Step> _way;
-    /// Everything that was reached, and whether it is on the way.
-    std::unordered_map<const mx::Element*, bool> _isOnWay;
+    /// Everything that was reached: its inputs of graphs one behind the other, or whether it is on the way.
+    std::unordered_map<const mx::Element*, int> _known;
+    bool _canBeFollowed = true;
 };
+
+/// What a port reads: nodes, and the inputs and outputs of graphs.
+void addSources(const mx::PortElement& port, Elements& sources)
+{
+    mx::ConstElementPtr scope = port.getParent();
+    if (port.isA<mx::Input>() && scope)
+        scope = scope->getParent();
+    if (!scope)
+        return;
+    const auto add = [&](const mx::ElementPtr& source)
+    {
+        if (source)
+            sources.push_back(source);
+    };
+    if (port.hasAttribute(mx::ValueElement::INTERFACE_NAME_ATTRIBUTE))
+        if (const auto graph = scope->asA<mx::NodeGraph>())
+            add(graph->getInput(port.getAttribute(mx::ValueElement::INTERFACE_NAME_ATTRIBUTE)));
+    for (const std::string& name : {port.getNodeName(), port.getNodeGraphString()})
+    {
+        const mx::ElementPtr source = name.empty() ? nullptr : scope->getChild(name);
+        const auto graph = source ? source->asA<mx::NodeGraph>() : nullptr;
+        if (!graph)
+            add(source);
+        else
+            for (const mx::OutputPtr& output : graph->getOutputs())
+                if (!port.hasOutputString() || output->getName() == port.getOutputString())
+                    add(output);
+    }
+}
+
+/// What the value of a node, or of an input or output of a graph, is made of.
+Elements connectedTo(const mx::ElementPtr& element)
+{
+    Elements sources;
+    if (const auto port = element->asA<mx::PortElement>())
+        addSources(*port, sources);
+    else
+        for (const mx::InputPtr& input : element->getChildrenOfType<mx::Input>())
+            addSources(*input, sources);
+    return sources;
+}
+
+/// The definitions of the nodes that implement a definition. Those of the data library need none of the
+/// document's.
+Elements implementedBy(const mx::ElementPtr& definition)
+{
+    Elements sources;
+    const auto graph = std::dynamic_pointer_cast<mx::NodeGraph>(
+        definition->asA<mx::NodeDef>()->getImplementation());
+    if (graph)
+        for (const mx::NodePtr& node : graph->getNodes())
+            if (const mx::NodeDefPtr used = node->getNodeDef();
+                used && used->getParent() == definition->getParent())
+                sources.push_back(used);
+    return sources;
+}
 
 } // namespace
 
@@ -156,14 +213,23 @@ bool checkStructure(const mx::DocumentPtr& document, Checks& checks)
 {
     bool canBeWalked = true;
     Inheritance inheritance(checks);
-    Connections connections(checks);
+    Loops connections(checks, connectedTo, ValidationCode::ConnectionLoop,
+                      "its connections lead back to it");
     for (const mx::ElementPtr& element : document->traverseTree())
     {
         canBeWalked = inheritance.check(element) && canBeWalked;
         if (element->isA<mx::Node>() || element->isA<mx::Output>())
-            connections.check(element);
+            canBeWalked = connections.check(element) && canBeWalked;
     }
-    return canBeWalked;
+    // Definitions are looked up along inheritance.
+    if (!canBeWalked)
+        return false;
+    Loops definitions(checks, implementedBy, ValidationCode::DefinitionLoop,
+                      "its implementation contains it");
+    for (const mx::ElementPtr& child : document->getChildren())
+        if (child->isA<mx::NodeDef>())
+            definitions.check(child);
+    return true;
 }
 
 } // namespace vyr::MaterialTranslation::definitions

@@ -170,6 +170,16 @@ TEST(Validation, TellsWhatIsWrongAndWhere)
                 lines(validateFile(entry.path(), {{cases / "elsewhere"}, {}}));
     found["a folder"] = lines(validateFile(cases));
     found["none"] = lines(validateFile(cases / "none.mtlx"));
+    const mx::DocumentPtr chain = mx::createDocument();
+    for (int i = 0; i < 3000; ++i)
+    {
+        const mx::NodeGraphPtr graph = chain->addNodeGraph("g" + std::to_string(i));
+        graph->addInput("i", "float")->setNodeGraphString("g" + std::to_string(i - 1));
+        const mx::NodePtr node = graph->addNode("constant", "c", "float");
+        node->addInput("value", "float")->setInterfaceName("i");
+        graph->addOutput("o", "float")->setNodeName("c");
+    }
+    found["3,000 graphs"] = lines(validateDocument(chain));
     std::string text;
     for (const auto& [file, messages] : found)
         text += file + "\n" + messages;
