@@ -81,9 +81,9 @@ std::string declaredColorSpace(const Asset& asset, const Property& property, con
         return {};
     try
     {
-        const std::string choice = companion.choice("");
+        const std::vector<std::string> selected = companion.choices();
         for (const DeclarationRow& row : declarations)
-            if (choice.find(row.choice) != std::string::npos)
+            if (!selected.empty() && selected.front().find(row.choice) != std::string::npos)
                 return row.colorSpace;
     }
     catch (const PropertyError&)
