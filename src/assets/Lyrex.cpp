@@ -23,42 +23,42 @@ constexpr const char* length = base::distanceUnitType;
 
 /// All properties, those that several families share first.
 constexpr LyrexProperty properties[] = {
-    {"surface_albedo", Color, Display},
-    {"surface_roughness", Float, Linear},
-    {"surface_anisotropy", Float, Linear},
-    {"surface_rotation", Float, Linear, angle},
-    {"surface_normal", Vector, Linear},
-    {"surface_cutout", Color, Linear},
+    {"surface_albedo", Color},
+    {"surface_roughness", Float},
+    {"surface_anisotropy", Float},
+    {"surface_rotation", Float, angle},
+    {"surface_normal", Vector},
+    {"surface_cutout", LinearColor},
 
-    {"metal_f0", Color, Display},
+    {"metal_f0", Color},
 
-    {"opaque_albedo", Color, Display},
-    {"opaque_f0", Float, Linear},
+    {"opaque_albedo", Color},
+    {"opaque_f0", Float},
     {"opaque_translucency", Boolean},
-    {"opaque_mfp_modifier", Color, Linear},
-    {"opaque_mfp", Float, Linear, length},
+    {"opaque_mfp_modifier", LinearColor},
+    {"opaque_mfp", Float, length},
     {"opaque_emission", Boolean},
-    {"opaque_luminance", Float, Linear, base::luminanceUnitType,
+    {"opaque_luminance", Float, base::luminanceUnitType,
      kelvor::platform::assets::eUnit_CandelaPerSquareMeter},
-    {"opaque_luminance_modifier", Color, Display},
+    {"opaque_luminance_modifier", Color},
 
-    {"transparent_ior", Float, Linear},
-    {"transparent_color", Color, Display},
-    {"transparent_distance", Float, Linear, length},
+    {"transparent_ior", Float},
+    {"transparent_color", Color},
+    {"transparent_distance", Float, length},
 
-    {"layered_f0", Float, Linear},
-    {"layered_roughness", Float, Linear},
-    {"layered_anisotropy", Float, Linear},
-    {"layered_rotation", Float, Linear, angle},
-    {"layered_diffuse", Color, Display},
-    {"layered_bottom_f0", Color, Display},
-    {"layered_fraction", Float, Linear},
+    {"layered_f0", Float},
+    {"layered_roughness", Float},
+    {"layered_anisotropy", Float},
+    {"layered_rotation", Float, angle},
+    {"layered_diffuse", Color},
+    {"layered_bottom_f0", Color},
+    {"layered_fraction", Float},
     {"layered_fraction_invert", Boolean},
-    {"layered_normal", Vector, Linear},
+    {"layered_normal", Vector},
 
-    {"glazing_transmission_color", Color, Display},
-    {"glazing_transmission_roughness", Float, Linear},
-    {"glazing_f0", Color, Display},
+    {"glazing_transmission_color", Color},
+    {"glazing_transmission_roughness", Float},
+    {"glazing_f0", Color},
     {"glazing_backface_culling", Boolean},
 };
 
@@ -157,6 +157,7 @@ const char* typeName(LyrexType type)
     switch (type)
     {
     case Color:
+    case LinearColor:
         return "color3";
     case Vector:
         return "vector3";
@@ -184,7 +185,9 @@ ColorMeaning propertyMeaning(std::string_view property)
     const auto* found =
         std::ranges::find_if(properties, [&](const LyrexProperty& p)
                              { return base::equalsIgnoringCase(p.name, property); });
-    return found == std::end(properties) ? Unknown : found->meaning;
+    if (found == std::end(properties) || found->type == Boolean)
+        return Unknown;
+    return found->type == Color ? Display : Linear;
 }
 
 bool hasLyrexPrefix(std::string_view name)

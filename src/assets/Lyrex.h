@@ -22,7 +22,10 @@ enum class ColorMeaning
 
 enum class LyrexType
 {
+    /// A display-referred colour, as most are.
     Color,
+    /// Numbers in three channels.
+    LinearColor,
     Float,
     Vector,
     Boolean,
@@ -36,7 +39,6 @@ struct LyrexProperty
 {
     const char* name;
     LyrexType type;
-    ColorMeaning meaning = ColorMeaning::Unknown;
     /// Of the numbers that it takes; empty for numbers without a unit.
     const char* unitType = "";
     /// Where documents give bare numbers whatever the asset's unit: the code of the unit that they are

@@ -110,6 +110,7 @@ class LyrexReader
             plain.value = property.boolean();
             break;
         case LyrexType::Color:
+        case LyrexType::LinearColor:
         {
             const assets::Color3 color = property.color();
             plain.value = mx::Color3(color[0], color[1], color[2]);
@@ -126,7 +127,7 @@ class LyrexReader
                 row.bareUnit != 0 ? property.bareNumber(_log, row.bareUnit) : property.number();
             break;
         }
-        if (row.type == LyrexType::Color || row.type == LyrexType::Vector)
+        if (row.type != LyrexType::Boolean && row.type != LyrexType::Float)
             plain.colorSpace = assets::inputColorSpace(
                 {_asset, _asset, row.name, false, typeName(row.type)}, _log);
         if (row.bareUnit == 0)
