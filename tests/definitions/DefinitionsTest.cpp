@@ -131,33 +131,46 @@ TEST(Registry, HasTheShadingNodesOfTheDefinitionsWithTheirInputs)
     EXPECT_EQ(registered, defined);
 }
 
-/// A row that no golden case speaks of is a promise that nobody checks.
-TEST(Registry, HasEveryRowInAGoldenCase)
+/// A row that no golden case, page or sample speaks of is a promise that nobody checks or knows of.
+TEST(Registry, HasEveryRowInCasesDocumentsAndSamples)
 {
-    std::string all;
-    for (const auto& entry :
-         std::filesystem::recursive_directory_iterator(VYR_SOURCE_DIR "/tests/cases"))
-        if (entry.path().filename() == "assets.json")
-            all += support::readFile(entry.path());
-    std::vector<std::string> rows = materials::genericPropertyNames();
-    const std::string root = VYR_SOURCE_DIR;
-    const std::string used =
-        support::readFile(root + "/tests/cases/description/expected/verbose/messages");
-    for (const std::string& row : rows)
-        EXPECT_NE(used.find(row), std::string::npos) << row << " is read by no rule";
-    for (const std::string& schema : textures::textureSchemas())
-        rows.push_back(schema);
-    const std::string page = support::readFile(root + "/docs/textures.md");
-    for (const std::string& row : rows)
-        EXPECT_NE(page.find(row), std::string::npos) << row << " is not in textures.md";
+    const std::string root = VYR_SOURCE_DIR "/";
+    const std::vector<std::string> generic = materials::genericPropertyNames();
+    const std::vector<std::string> textures = textures::textureSchemas();
+    std::vector<std::string> schemas = textures, rows = generic;
     for (const auto& family : assets::lyrexFamilies())
     {
-        rows.emplace_back(family.schema);
+        schemas.emplace_back(family.schema);
         for (const auto* property : family.properties)
             rows.emplace_back(property->name);
     }
-    for (const std::string& row : rows)
-        EXPECT_NE(all.find('"' + row + '"'), std::string::npos) << row;
+    rows.insert(rows.end(), schemas.begin(), schemas.end());
+
+    const auto expectIn = [&](const char* where, char quote, const std::vector<std::string>& names)
+    {
+        std::string text;
+        if (std::filesystem::is_regular_file(root + where))
+            text = support::readFile(root + where);
+        else
+            for (const auto& entry : std::filesystem::recursive_directory_iterator(root + where))
+                if (entry.path().extension() == ".json")
+                    text += support::readFile(entry.path());
+        for (const std::string& name : names)
+            EXPECT_NE(text.find(quote + name + quote), text.npos) << name << " is not in " << where;
+    };
+    expectIn("tests/cases", '"', rows);
+    expectIn("samples", '"', rows);
+    expectIn("assetlib/schema/asset-library.schema.json", '"', schemas);
+    expectIn("docs/textures.md", '`', generic);
+    expectIn("docs/textures.md", '`', textures);
+    expectIn("docs/bakes.md", '`', textures);
+
+    const std::string used =
+        support::readFile(root + "tests/cases/generic/expected/verbose/messages");
+    for (const std::string& row : generic)
+        EXPECT_TRUE(used.find('\n' + row + ": ") != used.npos ||
+                    used.find('\n' + row + " has ") != used.npos)
+            << row << " is read by no rule";
 }
 
 /// What is wrong in the documents of the folder "cases" is what "messages.txt" has.

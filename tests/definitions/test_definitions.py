@@ -1,6 +1,7 @@
 """The kvor definitions: complete, valid, and able to generate shaders for every target."""
 
 import pathlib
+import re
 import unittest
 
 import kvor_library as kv
@@ -52,17 +53,18 @@ class Definitions(unittest.TestCase):
                     if value.getUnitType() in ("angle", "luminance"):
                         self.assertTrue(value.getUnit(), "MaterialX converts to the unit of the scene's lengths without one")
 
-
-    def test_every_input_has_an_effect_and_every_node_a_picture(self):
+    def test_every_input_has_an_effect_and_a_value_measured_and_every_node_a_picture(self):
         shown = (ROOT / "tools/gallery/src/examples.js").read_text()
+        measured = set(re.findall(r"\w+", (ROOT / "tests/definitions/test_values.py").read_text()))
         for definition in nodes():
             node = definition.getNodeString()
             self.assertIn(f'"{node}"', shown)
             self.assertTrue((ROOT / f"docs/pictures/node-{node}.webp").exists(), node)
             # MaterialX has no way to cull.
-            used = {"glazing_backface_culling"} | {e.getInterfaceName() for e in definition.getImplementation().traverseTree() if e.isA(mx.Input)}
-            for value in definition.getInputs():
-                self.assertIn(value.getName(), used, node)
+            used = {e.getInterfaceName() for e in definition.getImplementation().traverseTree() if e.isA(mx.Input)}
+            for name in {value.getName() for value in definition.getInputs()} - {"glazing_backface_culling"}:
+                self.assertIn(name, used, node)
+                self.assertIn(name, measured, "has no row in test_values.py")
 
 
 class Shaders(unittest.TestCase):
