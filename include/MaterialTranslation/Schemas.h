@@ -43,6 +43,10 @@ struct PropertyRow
     const char* choices = "";
     /// Whether a connected texture drives it.
     bool takesTexture = false;
+    /// What it does to the shader, and why; empty where the meaning says it.
+    const char* effect = "";
+    /// Where figures come from.
+    const char* source = "";
 };
 
 /// A schema and its properties, in the order in which documents of it are best written.
@@ -53,6 +57,9 @@ struct SchemaRow
     const PropertyRow* properties;
     std::size_t propertyCount;
 };
+
+/// The legacy family of materials, for ConverterOptions::translationPath 1.
+VYR_MTLX_API const std::vector<SchemaRow>& legacyMaterials();
 
 /// The procedural textures. Their placement, "texture_RealWorldScaleX" and so on, is not repeated here.
 VYR_MTLX_API const std::vector<SchemaRow>& proceduralTextures();

@@ -108,6 +108,11 @@ ShaderColor encodeLinear(const ShaderColor& color, std::int32_t colorMode)
     return toPower(color, 1.0 / rowOf(colorMode).takenFor.exponent, "");
 }
 
+ShaderColor statedColor(const ShaderColor& color, std::int32_t colorMode)
+{
+    return toPower(color, 1.0 / rowOf(colorMode).written.exponent, "");
+}
+
 ShaderColor writtenColor(const ShaderColor& color, std::int32_t colorMode, const char* property)
 {
     const ColorModeRow& row = rowOf(colorMode);

@@ -48,6 +48,9 @@ struct ColorReader
 /// A linear colour in the encoding that the colour mode takes undeclared colours to have.
 ShaderColor encodeLinear(const ShaderColor& color, std::int32_t colorMode);
 
+/// A linear colour as documents of the colour mode state it.
+ShaderColor statedColor(const ShaderColor& color, std::int32_t colorMode);
+
 /// A colour in that encoding as documents of the colour mode state it: linear in some modes.
 /// @param property named in the error.
 /// @throws PropertyError for a colour that would become too large for a float.

@@ -51,11 +51,7 @@ bool runTranslator(const Translation& translation)
         return materials::translateLyrex(translation);
     constexpr std::int32_t legacyPath = 1;
     if (translation.options.translationPath == legacyPath)
-    {
-        translation.log.error(DiagnosticCode::LegacyUnavailable, "",
-                              "this version has no translator of the legacy family");
-        return false;
-    }
+        return materials::translateLegacy(translation);
     return materials::translateGeneric(translation);
 }
 

@@ -2,12 +2,12 @@
 #include <cmath>
 #include <iostream>
 #include <iterator>
-#include <string_view>
 
 #include <kelvor/platform/assets/IAssetInstance.h>
 
 #include "assets/Asset.h"
 #include "materials/Translators.h"
+#include "materials/legacy/Rows.h"
 #include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::materials
@@ -17,21 +17,6 @@ namespace
 {
 
 using Color = StandardSurfaceParams::Color;
-
-/// The metal that the choice "metal_type" names, by a word in the choice's name.
-struct FlakeRow
-{
-    std::string_view word;
-    Color color; ///< reflectance at normal incidence, linear Rec.709
-};
-
-// Rounded reflectances of polished metals, as tables of physically based values commonly give them.
-const FlakeRow flakes[] = {
-    {"alumin", {0.912f, 0.914f, 0.920f}}, {"brass", {0.887f, 0.789f, 0.434f}},
-    {"bronze", {0.800f, 0.590f, 0.350f}}, {"chrom", {0.549f, 0.556f, 0.554f}},
-    {"copper", {0.955f, 0.638f, 0.538f}}, {"gold", {1.000f, 0.782f, 0.344f}},
-    {"silver", {0.962f, 0.949f, 0.922f}}, {"steel", {0.562f, 0.565f, 0.578f}},
-};
 
 /// Flakes of a metal under a clear coat: the flakes mirror in their colour, the lacquer above them
 /// is smooth.
@@ -43,16 +28,15 @@ void adjustMetallicPaint(StandardSurfaceParams& params, const assets::ColorReade
     const std::string metal = own.asset[property].choice("");
     if (metal.empty())
         return;
-    const auto* flake = std::ranges::find_if(flakes, [&](const FlakeRow& row)
-                                             { return metal.find(row.word) != std::string::npos; });
-    if (flake == std::end(flakes))
+    const auto flake = legacy::metalReflectance(metal);
+    if (!flake)
     {
         own.log.warning(DiagnosticCode::ChoiceUnknown, property,
                         "\"" + metal +
                             "\" is no metal that is known; the paint keeps its own colour");
         return;
     }
-    params.base_color = assets::encodeLinear(flake->color, own.colorMode);
+    params.base_color = assets::encodeLinear(*flake, own.colorMode);
     params.metalness = 1.0f;
 }
 
@@ -66,40 +50,21 @@ void adjustSolidGlass(StandardSurfaceParams& params, const assets::ColorReader& 
     params.specular = 1.0f;
     if (!own.asset[property].hasValue())
         return;
-    constexpr float highest = 0.9f; // an index of 38; a perfect mirror has none
     const float reflectance = own.asset[property].number();
-    const float used = std::clamp(reflectance, 0.0f, highest);
+    const float used = std::clamp(reflectance, 0.0f, legacy::highestReflectance);
     if (used != reflectance)
         own.log.warning(DiagnosticCode::ValueAdjusted, property,
                         "taken as the nearest of 0 to 0.9");
-    const float root = std::sqrt(used);
-    params.specular_IOR = (1.0f + root) / (1.0f - root);
+    params.specular_IOR = legacy::indexOfReflectance(used);
 }
-
-/// Water by where it stands.
-struct WaterRow
-{
-    std::string_view type;
-    Color base;         ///< what the bottom sends back, linear Rec.709
-    Color transmission; ///< what the water leaves of the light, linear Rec.709
-};
-
-// Appearance, not measurement: a lit pool with light tiles, and a dark basin that mirrors.
-const WaterRow waters[] = {
-    {"water_swimming_pool", {0.055f, 0.396f, 0.551f}, {0.455f, 0.840f, 0.907f}},
-    {"water_reflecting_pool", {0.001f, 0.002f, 0.002f}, {0.238f, 0.356f, 0.369f}},
-};
 
 void adjustWater(StandardSurfaceParams& params, const assets::ColorReader& own)
 {
     constexpr const char* property = "water_type";
-    constexpr float waterIndex = 1.333f; // at 20 degrees Celsius, 589 nm
     params.specular = 1.0f;
-    params.specular_IOR = waterIndex;
+    params.specular_IOR = legacy::waterIndex;
     const std::string type = own.asset[property].choice("");
-    const auto* water =
-        std::ranges::find_if(waters, [&](const WaterRow& row) { return row.type == type; });
-    if (water != std::end(waters))
+    if (const auto water = legacy::waterColors(type))
     {
         params.base_color = assets::encodeLinear(water->base, own.colorMode);
         params.transmission_color = assets::encodeLinear(water->transmission, own.colorMode);
@@ -143,18 +108,6 @@ const assets::IPropertyConstTable* genericTable(const assets::IAssetInstance& as
     return schema == assets::genericSchema ? &asset : asset.GetGenericPropertyTable();
 }
 
-/// The tint of a hardwood; nothing when it has none or its tint is switched off.
-std::optional<assets::DeclaredColor> readTint(const std::string& schema,
-                                              const assets::ColorReader& own)
-{
-    constexpr const char* color = "hardwood_tint_color";
-    if (schema != assets::hardwoodSchema ||
-        own.asset["hardwood_tint_enabled"].choice("") != "hardwood_color_choice" ||
-        !own.asset[color].hasValue())
-        return std::nullopt;
-    return own.readDeclared(color);
-}
-
 StandardSurface readFrom(const assets::IPropertyConstTable& table, const std::string& schema,
                          const Translation& translation)
 {
@@ -175,13 +128,21 @@ StandardSurface readFrom(const assets::IPropertyConstTable& table, const std::st
     if (material.tint && !material.textures.contains("base_color"))
         translation.log.warning(DiagnosticCode::TintIgnored, "hardwood_tint_color",
                                 "only an image is tinted; the plain colour stays as it is");
-    // Gathering names them itself: a user's image may want the name.
-    if (!options.copyTextures)
-        textures::publishBakes(translation);
     return material;
 }
 
 } // namespace
+
+std::optional<assets::DeclaredColor> readTint(const std::string& schema,
+                                              const assets::ColorReader& own)
+{
+    constexpr const char* color = "hardwood_tint_color";
+    if (schema != assets::hardwoodSchema ||
+        own.asset["hardwood_tint_enabled"].choice("") != "hardwood_color_choice" ||
+        !own.asset[color].hasValue())
+        return std::nullopt;
+    return own.readDeclared(color);
+}
 
 bool translateGeneric(const Translation& translation)
 {
@@ -196,13 +157,8 @@ bool translateGeneric(const Translation& translation)
                               "a material of schema \"" + schema + "\" without generic properties");
         return false;
     }
-    if (!Skeleton::isPossible(placeOf(translation), standardSurfaceGraphSuffix))
-        return false;
-    const auto material = assets::readOrReport(translation.log, [&]
-                                               { return readFrom(*table, schema, translation); });
-    if (material)
-        buildStandardSurface(*material, translation);
-    return material.has_value();
+    return translateStandardSurface(translation,
+                                    [&] { return readFrom(*table, schema, translation); });
 }
 
 } // namespace vyr::MaterialTranslation::materials

@@ -35,6 +35,19 @@ struct PlainWriter
     }
 };
 
+bool isDefault(const Params& params, const StandardSurfaceInput::Field& field)
+{
+    static const Params standard;
+    const auto compare = [&](auto member)
+    {
+        if constexpr (std::is_same_v<decltype(member), std::monostate>)
+            return true;
+        else
+            return params.*member == standard.*member;
+    };
+    return std::visit(compare, field);
+}
+
 } // namespace
 
 void writeStandardSurface(const mx::NodePtr& shader, const Params& params, const char* colorSpace,
@@ -43,7 +56,7 @@ void writeStandardSurface(const mx::NodePtr& shader, const Params& params, const
     for (const StandardSurfaceInput& row : standardSurfaceInputs)
         if (const mx::OutputPtr output = driver(row))
             graph::addConnectedInput(shader, row.name, output);
-        else
+        else if (!row.onlyWhenSet || !isDefault(params, row.field))
             std::visit(PlainWriter{shader, params, colorSpace, row.name}, row.field);
 }
 
@@ -64,6 +77,25 @@ void buildStandardSurface(const StandardSurface& material, const Translation& tr
     };
     writeStandardSurface(skeleton.shader(), material.params,
                          assets::plainColorSpace(translation.options.colorMode), driver);
+}
+
+bool translateStandardSurface(const Translation& translation,
+                              const std::function<StandardSurface()>& read)
+{
+    if (!Skeleton::isPossible(placeOf(translation), standardSurfaceGraphSuffix))
+        return false;
+    const auto readAll = [&]
+    {
+        StandardSurface material = read();
+        // Gathering names them itself: a user's image may want the name.
+        if (!translation.options.copyTextures)
+            textures::publishBakes(translation);
+        return material;
+    };
+    const auto material = assets::readOrReport(translation.log, readAll);
+    if (material)
+        buildStandardSurface(*material, translation);
+    return material.has_value();
 }
 
 } // namespace vyr::MaterialTranslation::materials

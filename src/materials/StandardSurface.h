@@ -83,6 +83,8 @@ struct StandardSurfaceInput
     /// Without a field the input is only written when a texture drives it.
     Field field;
     const char* type = "float";
+    /// Whether documents leave it out at its default.
+    bool onlyWhenSet = false;
 };
 
 // The inputs in the order in which documents have them: the four that make the material's nature, then
@@ -105,6 +107,9 @@ inline constexpr StandardSurfaceInput standardSurfaceInputs[] = {
     {"emission_color", &StandardSurfaceParams::emission_color, "color3"},
     {"opacity", &StandardSurfaceParams::opacity, "color3"},
     {"thin_walled", &StandardSurfaceParams::thin_walled},
+    {"specular_anisotropy", &StandardSurfaceParams::specular_anisotropy, "float", true},
+    {"sheen", &StandardSurfaceParams::sheen, "float", true},
+    {"sheen_color", &StandardSurfaceParams::sheen_color, "color3", true},
     {"normal", std::monostate(), "vector3"},
 };
 
@@ -152,6 +157,12 @@ inline constexpr const char* standardSurfaceGraphSuffix = "_nodegraph";
 /// Adds a material to the translation's document: shader node, material node, the look when it is
 /// asked for, and a node graph when textures drive shader inputs. The skeleton must be possible.
 void buildStandardSurface(const StandardSurface& material, const Translation& translation);
+
+/// Translates a material that becomes a `standard_surface`: builds what is read.
+/// @param read  May throw assets::PropertyError.
+/// @return false, with the reason in the log and nothing built, when a name is taken or reading fails.
+bool translateStandardSurface(const Translation& translation,
+                              const std::function<StandardSurface()>& read);
 
 /// Where the elements of a material go, and what they are called after. Everything is borrowed.
 struct MaterialPlace

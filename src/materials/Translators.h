@@ -20,6 +20,15 @@ namespace vyr::MaterialTranslation::materials
 /// @throws what the asset library and MaterialX throw, `std::invalid_argument` apart.
 bool translateGeneric(const Translation& translation);
 
+/// Translates a material of one of the legacy schemas by its own properties, and one of "GenericSchema" as
+/// translateGeneric does.
+/// @return as translateGeneric; false also for any other schema.
+bool translateLegacy(const Translation& translation);
+
+/// The tint of a hardwood; nothing when it has none or its tint is switched off.
+std::optional<assets::DeclaredColor> readTint(const std::string& schema,
+                                              const assets::ColorReader& own);
+
 /// All properties that the rules of the generic table know.
 std::vector<std::string> genericPropertyNames();
 

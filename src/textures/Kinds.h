@@ -22,6 +22,9 @@ Reading readNoise(const TextureRequest& request);
 /// A procedural texture that is baked: its colours, their luminance, or as relief the heights that this is.
 Reading readPattern(const TextureRequest& request);
 
+/// The same made of the properties of the material, which is also the request's texture.
+Reading readMadePattern(const TextureRequest& request, const MadePattern& made);
+
 /// A node that reads a height map; "depth" in the unit that the asset states.
 /// @param imageProperty names the image.
 /// @param givenDepth replaces the asset's own depth; it borrows the unit of the image's size in the

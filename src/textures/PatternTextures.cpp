@@ -2,11 +2,11 @@
 #include <limits>
 
 #include "assets/Asset.h"
-#include "assets/ColorModes.h"
 #include "assets/ColorSpaces.h"
 #include "base/Paths.h"
 #include "textures/Kinds.h"
 #include "textures/Patterns.h"
+#include "textures/PropertyValues.h"
 #include "textures/Translation.h"
 
 namespace vyr::MaterialTranslation::textures
@@ -19,15 +19,9 @@ using bakes::Pattern;
 using bakes::PatternUse;
 using Value = std::array<float, 3>;
 
-const char* unitTypeOf(const PropertyRow& row)
-{
-    const std::string_view unit = row.unit;
-    return unit == "meter" ? base::distanceUnitType : unit == "degree" ? base::angleUnitType : "";
-}
-
 PatternUse useOf(const TextureRequest& request)
 {
-    if (request.role == TextureRole::Relief)
+    if (request.role == TextureRole::Relief || request.role == TextureRole::AnyRelief)
         return PatternUse::Relief;
     return std::string_view(request.type) == "color3" ? PatternUse::Color : PatternUse::Number;
 }
@@ -37,30 +31,33 @@ class PatternReader
 {
   public:
     /// @param isInner  Whether the pattern stands in another one's colour.
-    PatternReader(const TextureRequest& request, PatternUse use, bool isInner)
+    /// @param made  Null: the properties are the request's texture's own.
+    PatternReader(const TextureRequest& request, PatternUse use, bool isInner,
+                  const MadePattern* made = nullptr)
         : _request(request), _asset(request.texture), _log(request.textureLog), _use(use),
-          _isInner(isInner)
+          _isInner(isInner), _made(made)
     {
     }
 
     Pattern read()
     {
         constexpr std::uint64_t largest = std::numeric_limits<int>::max();
-        _pattern.kind = findPattern(_asset.schema()).value();
+        _pattern.kind = findPattern(_made ? _made->schema : _asset.schema()).value();
         const SchemaRow& schema = proceduralTextures()[_pattern.kind];
         const auto colors = patternColors(_pattern.kind);
         for (std::size_t i = 0; i < schema.propertyCount; ++i)
         {
             const PropertyRow& row = schema.properties[i];
             auto& list = _pattern.values.rows.emplace_back();
+            const std::string own = nameOf(row);
             if (!isNumbered(row))
-                list.push_back(readValue(row, row.name).value_or(row.fallback));
-            else
+                list.push_back(readValue(row, own).value_or(fallbackOf(row)));
+            else if (!_made)
                 for (std::string name = numbered(row, 1); _asset[name.c_str()].hasValue();
                      name = numbered(row, list.size() + 1))
-                    list.push_back(*readValue(row, name.c_str()));
-            if (row.takesTexture && _asset[row.name].isConnected())
-                readImage(row.name, _pattern.images[i == colors[0] ? 0 : 1]);
+                    list.push_back(*readValue(row, name));
+            if (row.takesTexture && !own.empty() && _asset[own.c_str()].isConnected())
+                readImage(own.c_str(), _pattern.images[i == colors[0] ? 0 : 1]);
         }
         _pattern.width =
             static_cast<int>(std::min(_request.translation.options.imageSize, largest));
@@ -74,70 +71,41 @@ class PatternReader
   private:
     bool isColor() const { return _use == PatternUse::Color; }
 
-    std::optional<Value> readValue(const PropertyRow& row, const char* name) const
+    /// Name of the property that says what a row wants to know; empty when none does.
+    std::string nameOf(const PropertyRow& row) const
     {
-        const assets::Property property = _asset[name];
-        if (!property.hasValue())
+        if (!_made)
+            return row.name;
+        const auto link = std::ranges::find(_made->links, std::string_view(row.name),
+                                            &MadePattern::Link::patternProperty);
+        return link == _made->links.end() ? std::string() : link->materialProperty;
+    }
+
+    Value fallbackOf(const PropertyRow& row) const
+    {
+        if (_made)
+            for (const MadePattern::Constant& constant : _made->constants)
+                if (std::string_view(constant.patternProperty) == row.name)
+                    return constant.value;
+        return row.fallback;
+    }
+
+    std::optional<Value> readValue(const PropertyRow& row, const std::string& name) const
+    {
+        if (name.empty())
             return std::nullopt;
-        Value value{};
-        switch (row.kind)
-        {
-        case PropertyKind::Boolean:
-            value[0] = property.boolean() ? 1.0f : 0.0f;
-            break;
-        case PropertyKind::Integer:
-            value[0] = static_cast<float>(property.integer());
-            break;
-        case PropertyKind::Scalar:
-            value[0] = readNumber(row, property);
-            break;
-        case PropertyKind::Color:
-            value = readColor(property);
-            break;
-        case PropertyKind::Choice:
-            value[0] = readChoice(row, property);
-            break;
-        }
-        if (const std::string done = takeInside(row, value); !done.empty())
-            _log.warning(DiagnosticCode::ValueAdjusted, name, done);
-        return value;
-    }
-
-    float readNumber(const PropertyRow& row, const assets::Property& property) const
-    {
-        const char* const type = unitTypeOf(row);
-        if (!*type)
-            return property.bareNumber(_log);
-        property.unit(type, _log); // says when it is none of this kind
-        return static_cast<float>(static_cast<double>(property.number()) *
-                                  base::unitSize(property.unitCode(), type));
-    }
-
-    Value readColor(const assets::Property& property) const
-    {
-        if (!isColor())
-            return property.color();
-        const assets::ShaderColor color =
-            assets::ColorReader{_asset, _request.translation.options.colorMode, _log}.linear(
-                property.name(), assets::ShaderColor(0.0f));
-        Value value{color[0], color[1], color[2]};
-        for (float& channel : value)
+        const std::optional<std::int32_t> colorMode =
+            isColor() ? std::optional(_request.translation.options.colorMode) : std::nullopt;
+        std::optional<Value> value = readPropertyValue(_asset, row, name.c_str(), colorMode, _log);
+        if (!value || row.kind != PropertyKind::Color || !isColor())
+            return value;
+        const Value given = *value;
+        for (float& channel : *value)
             channel = std::clamp(channel, 0.0f, 1.0f);
-        if (value != Value{color[0], color[1], color[2]})
-            _log.warning(DiagnosticCode::ValueAdjusted, property.name(),
+        if (*value != given)
+            _log.warning(DiagnosticCode::ValueAdjusted, name,
                          "an image holds 0 to 1; the colour is cut to it");
         return value;
-    }
-
-    float readChoice(const PropertyRow& row, const assets::Property& property) const
-    {
-        const std::string choice = property.choice("");
-        const auto place = choicePlace(row, choice);
-        if (!place && !choice.empty())
-            _log.warning(DiagnosticCode::ChoiceUnknown, property.name(),
-                         "\"" + choice + "\" is none of " + row.choices +
-                             "; taken as the first of them");
-        return static_cast<float>(place.value_or(0));
     }
 
     /// The texture that stands in for a colour.
@@ -197,8 +165,14 @@ class PatternReader
         _placement.repeatU = _asset["texture_URepeat"].boolean(true);
         _placement.repeatV = _asset["texture_VRepeat"].boolean(true);
         _pattern.placement = inMetres(_placement, _asset);
+        const bool isPlaced = _asset["texture_RealWorldScaleX"].hasValue();
+        if (_made && !isPlaced)
+        {
+            _pattern.placement.size = {_made->size, _made->size};
+            _placement.realWorldScale = inUnit(_pattern.placement.size);
+        }
         const auto period = patternPeriod(_pattern.kind, _pattern.values);
-        if (!period || _asset["texture_RealWorldScaleX"].hasValue())
+        if (!period || isPlaced)
             return;
         _pattern.placement.size = *period;
         _placement.realWorldScale = inUnit(*period);
@@ -211,7 +185,8 @@ class PatternReader
         for (std::size_t i = 0; i < schema.propertyCount; ++i)
         {
             const PropertyRow& row = schema.properties[i];
-            const assets::Property property = _asset[row.name];
+            const std::string name = nameOf(row);
+            const assets::Property property = _asset[name.c_str()];
             if (unitTypeOf(row) != base::distanceUnitType || !property.hasValue())
                 continue;
             const std::uint32_t code = property.unitCode();
@@ -252,16 +227,15 @@ class PatternReader
     const Log& _log;
     PatternUse _use;
     bool _isInner;
+    const MadePattern* _made;
     Pattern _pattern;
     Placement _placement;
 };
 
-} // namespace
-
-Reading readPattern(const TextureRequest& request)
+Reading readFrom(const TextureRequest& request, const MadePattern* made)
 {
     const PatternUse use = useOf(request);
-    PatternReader reader(request, use, false);
+    PatternReader reader(request, use, false, made);
     const auto pattern = std::make_shared<const Pattern>(reader.read());
     const bool isRelief = use == PatternUse::Relief;
     if (isRelief && isFlat(pattern->kind, pattern->values))
@@ -287,6 +261,18 @@ Reading readPattern(const TextureRequest& request)
     reading.bake = {std::string(request.property) + "_" + std::to_string(pattern->width) + ".png",
                     bakes::PatternBake{pattern, use}};
     return reading;
+}
+
+} // namespace
+
+Reading readPattern(const TextureRequest& request)
+{
+    return readFrom(request, nullptr);
+}
+
+Reading readMadePattern(const TextureRequest& request, const MadePattern& made)
+{
+    return readFrom(request, &made);
 }
 
 } // namespace vyr::MaterialTranslation::textures

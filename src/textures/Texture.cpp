@@ -33,6 +33,7 @@ constexpr KindRow ownKinds[] = {
     {TextureRole::Relief, assets::bitmapSchema, readBump},
     {TextureRole::Relief, assets::noiseSchema, readNoise},
     {TextureRole::Relief, assets::gradientSchema, readPattern},
+    {TextureRole::AnyRelief, assets::bitmapSchema, readBump},
     {TextureRole::Lyrex, assets::bitmapSchema, readLyrexBitmap},
     {TextureRole::Lyrex, assets::bumpMapSchema, readLyrexMap},
 };
@@ -44,7 +45,8 @@ const std::vector<KindRow>& kinds()
     {
         std::vector<KindRow> all(std::begin(ownKinds), std::end(ownKinds));
         for (const SchemaRow& schema : proceduralTextures())
-            all.push_back({TextureRole::Value, schema.name, readPattern});
+            for (const TextureRole role : {TextureRole::Value, TextureRole::AnyRelief})
+                all.push_back({role, schema.name, readPattern});
         return all;
     }();
     return rows;
@@ -60,8 +62,9 @@ const KindRow* findKind(TextureRole role, const std::string& schema)
 /// What stands in for a texture that cannot be used.
 const char* substituteFor(TextureRole role)
 {
-    return role == TextureRole::Relief ? "the surface stays without relief"
-                                       : "the plain value is used";
+    return role == TextureRole::Relief || role == TextureRole::AnyRelief
+               ? "the surface stays without relief"
+               : "the plain value is used";
 }
 
 /// The "Lyrex" family refuses a texture that it does not know; elsewhere it is left out.
@@ -119,6 +122,24 @@ void TextureSet::read(const char* name, TextureRole role, const char* type, floa
     try
     {
         readInto(entry, property, role, type, bumpAmount);
+    }
+    catch (const assets::PropertyError&)
+    {
+        entry.error = std::current_exception();
+    }
+}
+
+void TextureSet::make(const char* name, TextureRole role, const char* type, float bumpAmount,
+                      const MadePattern& pattern)
+{
+    Entry& entry = _entries.emplace_back();
+    entry.property = name;
+    entry.role = role;
+    const Log log = _translation.log.into(entry.messages);
+    try
+    {
+        entry.reading = readMadePattern(
+            {_translation, _material, _material, name, role, type, bumpAmount, log, log}, pattern);
     }
     catch (const assets::PropertyError&)
     {
@@ -219,11 +240,22 @@ std::optional<Texture> TextureSet::take(const assets::Property& property)
         return std::nullopt;
     property.settleConnection();
     _material.trace(property);
-    entry->taken = true;
-    _translation.log.append(std::move(entry->messages));
-    if (entry->error)
-        std::rethrow_exception(entry->error);
-    return entry->reading ? std::optional(entry->reading->texture) : std::nullopt;
+    return takeFrom(*entry);
+}
+
+std::optional<Texture> TextureSet::take(const std::string& name)
+{
+    const auto entry = std::ranges::find(_entries, name, &Entry::property);
+    return entry == _entries.end() ? std::nullopt : takeFrom(*entry);
+}
+
+std::optional<Texture> TextureSet::takeFrom(Entry& entry)
+{
+    entry.taken = true;
+    _translation.log.append(std::move(entry.messages));
+    if (entry.error)
+        std::rethrow_exception(entry.error);
+    return entry.reading ? std::optional(entry.reading->texture) : std::nullopt;
 }
 
 void TextureSet::dropUnused()

@@ -30,6 +30,8 @@ enum class TextureRole
     Value,
     /// It gives the height of the surface's relief.
     Relief,
+    /// The same, of any kind.
+    AnyRelief,
     /// It drives a property of the "Lyrex" family: a bitmap for its value, or a height or normal map.
     Lyrex,
 };
@@ -117,6 +119,28 @@ struct TextureRequest
     const Log& textureLog;
 };
 
+/// A procedural texture that a material's own properties make, without a texture asset.
+struct MadePattern
+{
+    struct Link
+    {
+        const char* patternProperty;
+        std::string materialProperty;
+    };
+    struct Constant
+    {
+        const char* patternProperty;
+        std::array<float, 3> value;
+    };
+
+    const char* schema;
+    /// What the material has no value for is constant, or the pattern's own fallback.
+    std::vector<Link> links;
+    std::vector<Constant> constants;
+    /// What the image covers, in metres, where neither pattern nor material say.
+    float size = 1.0f;
+};
+
 /// The textures of one material.
 class TextureSet
 {
@@ -133,6 +157,11 @@ class TextureSet
     void read(const char* property, TextureRole role, const char* type = "",
               float bumpAmount = 0.0f);
 
+    /// First stage: makes a texture of the material's own properties.
+    /// @param name of the node, and for take.
+    void make(const char* name, TextureRole role, const char* type, float bumpAmount,
+              const MadePattern& pattern);
+
     /// Second stage: bakes what has to be baked. A texture of which nothing comes counts as none.
     /// @throws assets::PropertyError with DiagnosticCode::ImageNotWritten when a result cannot be written.
     void bake();
@@ -145,6 +174,9 @@ class TextureSet
     /// @throws assets::PropertyError, with the property's path, for a texture's property of the wrong
     ///         type; "Unhandled Schema <schema>" for a schema that the "Lyrex" family does not know.
     std::optional<Texture> take(const assets::Property& property);
+
+    /// Takes a texture that was made.
+    std::optional<Texture> take(const std::string& name);
 
     /// Drops the images of textures that nobody took.
     void dropUnused();
@@ -160,6 +192,7 @@ class TextureSet
         bool taken = false;
     };
 
+    std::optional<Texture> takeFrom(Entry& entry);
     void readInto(Entry& entry, const assets::Property& property, TextureRole role,
                   const char* type, float bumpAmount);
     void dropBake(Entry& entry, const std::string& reason);

@@ -1,0 +1,152 @@
+#include <algorithm>
+#include <cmath>
+
+#include "materials/legacy/Common.h"
+
+namespace vyr::MaterialTranslation::materials::legacy
+{
+
+namespace
+{
+
+// Alkyd and acrylic binders: 1.49 to 1.53 (manufacturers' tables, not opened here).
+constexpr Assignment binder[] = {{&Params::specular_IOR, {1.5f}}};
+
+constexpr Relief rolled{"NoiseSchema",
+                        0.2f,
+                        0.6f,
+                        {{"noise_Type", {1.0f}}, {"noise_Size", {2.0f}}, {"noise_Levels", {2.0f}}}};
+constexpr Relief brushed{"GradientSchema",
+                         0.03f,
+                         0.4f,
+                         {{"gradient_Type", {2.0f}},
+                          {"gradient_Repeats", {6.0f}},
+                          {"gradient_Alternates", {1.0f}},
+                          {"gradient_NoiseAmount", {0.3f}},
+                          {"gradient_NoiseSize", {30.0f}}}};
+
+constexpr Preset paintFinishes[] = {
+    {"flat", {{&Params::specular_roughness, {0.9f}}, {&Params::diffuse_roughness, {0.5f}}}},
+    {"eggshell", {{&Params::specular_roughness, {0.65f}}, {&Params::diffuse_roughness, {0.3f}}}},
+    {"pearl", {{&Params::specular_roughness, {0.5f}}}},
+    {"semigloss", {{&Params::specular_roughness, {0.3f}}}},
+    {"gloss", {{&Params::specular_roughness, {0.1f}}}},
+};
+
+constexpr Preset applications[] = {{"spray"}, {"roller", {}, &rolled}, {"brush", {}, &brushed}};
+
+constexpr Row wallPaintOwn[] = {
+    {choiceRow("finish", "sheen of the paint", "roughness"), {}, Duty::None, paintFinishes},
+    {choiceRow("application", "how it was put on", "relief"), {}, Duty::None, applications},
+};
+
+constexpr Preset plasticTypes[] = {
+    {"solid", {{&Params::specular_IOR, {1.5f}}}},
+    {"transparent", {{&Params::transmission, {1.0f}}, {&Params::specular_IOR, {1.49f}}}},
+    {"vinyl", {{&Params::specular_IOR, {1.53f}}}},
+};
+
+constexpr Preset plasticFinishes[] = {
+    {"polished", {{&Params::specular_roughness, {0.04f}}}},
+    {"glossy", {{&Params::specular_roughness, {0.15f}}}},
+    {"matte", {{&Params::specular_roughness, {0.55f}}, {&Params::diffuse_roughness, {0.2f}}}},
+};
+
+constexpr Row plasticOwn[] = {
+    {choiceRow("type", "solid or transparent plastic, or vinyl", "transmission, specular_IOR",
+               "acrylic 1.49, PVC 1.53 (CRC Handbook, not opened here)"),
+     {},
+     Duty::None,
+     plasticTypes},
+    {choiceRow("finish", "of the surface", "roughness"), {}, Duty::None, plasticFinishes},
+};
+
+/// The light that passes has the colour.
+void colorTransparent(Params& params, const LegacyValues& values)
+{
+    constexpr std::size_t transparent = 1;
+    if (values.choice("type") == transparent)
+        params.transmission_color = params.base_color;
+}
+
+constexpr Assignment wood[] = {{&Params::specular_IOR, {1.5f}},
+                               {&Params::base_color, {0.3f, 0.17f, 0.08f}}};
+
+constexpr Preset woodFinishes[] = {
+    {"gloss",
+     {{&Params::specular_roughness, {0.4f}},
+      {&Params::coat, {1.0f}},
+      {&Params::coat_roughness, {0.05f}}}},
+    {"semigloss",
+     {{&Params::specular_roughness, {0.4f}},
+      {&Params::coat, {1.0f}},
+      {&Params::coat_roughness, {0.2f}}}},
+    {"satin",
+     {{&Params::specular_roughness, {0.45f}},
+      {&Params::coat, {0.6f}},
+      {&Params::coat_roughness, {0.4f}}}},
+    {"unfinished", {{&Params::specular_roughness, {0.75f}}, {&Params::diffuse_roughness, {0.3f}}}},
+};
+
+constexpr Preset uses[] = {
+    {"furniture", {}},
+    {"flooring", {{&Params::diffuse_roughness, {0.15f}}}},
+};
+
+constexpr Preset grains[] = {{"none"}, {"plank"}, {"end"}};
+
+constexpr Preset stains[] = {{"no_stain"}, {"color_choice"}};
+
+constexpr Row hardwoodOwn[] = {
+    {choiceRow(":hardwood_tint_enabled", "whether a texture of the colour is stained"),
+     {},
+     Duty::None,
+     stains},
+    {colorRow(":hardwood_tint_color", "of the stain", {1.0f, 1.0f, 1.0f},
+              "blended over the texture of the colour")},
+    {choiceRow("finish", "varnish over the wood", "a coat, and roughness"),
+     {},
+     Duty::None,
+     woodFinishes},
+    {choiceRow("application", "what it is used for", "floors are worn a little"),
+     {},
+     Duty::None,
+     uses},
+    {choiceRow("grain", "growth rings drawn from the two colours, along or across"),
+     {},
+     Duty::None,
+     grains,
+     "wood_Type"},
+    {colorRow("late_color", "of the late wood of the grain", {0.18f, 0.08f, 0.03f}),
+     {},
+     Duty::None,
+     {},
+     "wood_Color2"},
+    {lengthRow("ring_width", "of a growth ring", 0.01f), {}, Duty::None, {}, "wood_RingWidth"},
+    {shareRow("fibres", "how much the fibres show", 0.3f), {}, Duty::None, {}, "wood_Fibres"},
+};
+
+constexpr Pattern rings{"WoodSchema", "grain", "wood_Color1", 0.3f, {"base_color", "normal"}};
+
+} // namespace
+
+constinit const Schema wallPaint{"WallPaintSchema",
+                                 "wallpaint",
+                                 "paint on walls",
+                                 {colorRows, wallPaintOwn, reliefRows},
+                                 binder};
+constinit const Schema plasticVinyl{"PlasticVinylSchema",
+                                    "plasticvinyl",
+                                    "plastics and vinyl",
+                                    {colorRows, plasticOwn, reliefRows, cutOutRows},
+                                    binder,
+                                    nullptr,
+                                    colorTransparent};
+constinit const Schema hardwood{"HardwoodSchema",
+                                "hardwood",
+                                "wood, stained and varnished",
+                                {colorRows, hardwoodOwn, reliefRows},
+                                wood,
+                                &rings};
+
+} // namespace vyr::MaterialTranslation::materials::legacy

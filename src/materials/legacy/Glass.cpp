@@ -1,0 +1,277 @@
+#include <algorithm>
+#include <cmath>
+
+#include "materials/legacy/Common.h"
+
+namespace vyr::MaterialTranslation::materials::legacy
+{
+
+namespace
+{
+
+/// Absorption of pure water in 1/m at 620, 550 and 450 nm: Pope and Fry, Applied Optics 36 (1997), table 3 (not opened
+/// here).
+constexpr float waterAbsorption[3] = {0.2755f, 0.0565f, 0.0092f};
+
+// Soda-lime glass has an index of 1.52 at 589 nm (Schott, data sheets; not opened here). Tints are of a pane of 6 mm,
+// by appearance.
+constexpr Assignment pane[] = {{&Params::transmission, {1.0f}},
+                               {&Params::base_color, {1.0f, 1.0f, 1.0f}},
+                               {&Params::specular_roughness, {0.0f}},
+                               {&Params::thin_walled, {1.0f}}};
+constexpr Assignment block[] = {{&Params::transmission, {1.0f}},
+                                {&Params::base_color, {1.0f, 1.0f, 1.0f}},
+                                {&Params::specular_roughness, {0.0f}}};
+
+constexpr Preset tints[] = {
+    {"clear", {{&Params::transmission_color, {0.97f, 0.98f, 0.97f}}}},
+    {"green", {{&Params::transmission_color, {0.66f, 0.85f, 0.7f}}}},
+    {"grey", {{&Params::transmission_color, {0.42f, 0.43f, 0.44f}}}},
+    {"blue", {{&Params::transmission_color, {0.4f, 0.58f, 0.75f}}}},
+    {"bluegreen", {{&Params::transmission_color, {0.45f, 0.72f, 0.7f}}}},
+    {"bronze", {{&Params::transmission_color, {0.55f, 0.44f, 0.33f}}}},
+    {"custom"},
+};
+
+Params::Color toPower(Params::Color color, float exponent)
+{
+    for (float& channel : color)
+        channel = static_cast<float>(
+            std::pow(static_cast<double>(std::max(channel, 0.0f)), static_cast<double>(exponent)));
+    return color;
+}
+
+void useCustomTint(Params& params, const LegacyValues& values)
+{
+    constexpr std::size_t custom = std::size(tints) - 1;
+    if (values.choice("tint") != custom)
+        return;
+    const auto color = values.color("color");
+    params.transmission_color = {color[0], color[1], color[2]};
+}
+
+/// Of n sheets that reflect the share R and absorb nothing, n R / (1 + (n - 1) R) comes back: Stokes' pile of plates.
+/// What is absorbed grows with the glass on the way.
+void stackPanes(Params& params, const LegacyValues& values)
+{
+    useCustomTint(params, values);
+    const float sheets = values.number("sheets");
+    const float thickness = values.number("thickness");
+    const float reflectance = values.number("reflectance");
+    params.transmission_color = toPower(params.transmission_color, sheets * thickness / 0.006f);
+    params.specular_IOR =
+        indexOfReflectance(sheets * reflectance / (1.0f + (sheets - 1.0f) * reflectance));
+}
+
+constexpr Row glazingOwn[] = {
+    {choiceRow("tint", "of the glass; custom: the colour", "transmission_color"),
+     {},
+     Duty::None,
+     tints},
+    {colorRow("color", "of the light that passes 6 mm of glass, with the custom tint",
+              {0.9f, 0.9f, 0.9f}, "transmission_color"),
+     &Params::transmission_color, Duty::TextureOnly},
+    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
+    {[]
+     {
+         PropertyRow row = shareRow("reflectance", "of one sheet, at normal incidence", 0.08f,
+                                    "specular_IOR by Fresnel's formula, of all sheets");
+         row.most = highestReflectance;
+         row.source = "two surfaces of index 1.52 reflect 0.082";
+         return row;
+     }()},
+    {countRow("sheets", "how many", 1.0f, 10.0f)},
+    {lengthRow("thickness", "of a sheet", 0.006f,
+               "the tint to the power of thickness / 6 mm (Beer and Lambert)")},
+    {shareRow("roughness", "0 clear, 1 frosted", 0.0f, "specular_roughness"),
+     &Params::specular_roughness},
+};
+
+constexpr Preset indices[] = {
+    {"glass", {{&Params::specular_IOR, {1.52f}}}},
+    {"air", {{&Params::specular_IOR, {1.0f}}}},
+    {"water", {{&Params::specular_IOR, {1.333f}}}},
+    {"alcohol", {{&Params::specular_IOR, {1.361f}}}},
+    {"quartz", {{&Params::specular_IOR, {1.458f}}}},
+    {"acrylic", {{&Params::specular_IOR, {1.49f}}}},
+    {"crystal", {{&Params::specular_IOR, {1.6f}}}},
+    {"diamond", {{&Params::specular_IOR, {2.417f}}}},
+    {"custom"},
+};
+
+constexpr Row solidGlassOwn[] = {
+    {choiceRow("tint", "of the glass; custom: the colour", "transmission_color"),
+     {},
+     Duty::None,
+     tints},
+    {colorRow("color", "of the light that passes the reference depth, with the custom tint",
+              {0.9f, 0.9f, 0.9f}, "transmission_color"),
+     &Params::transmission_color, Duty::TextureOnly},
+    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
+    {choiceRow("refraction", "what it refracts like", "specular_IOR",
+               "indices at 589 nm, CRC Handbook (not opened here)"),
+     {},
+     Duty::None,
+     indices},
+    {[]
+     {
+         PropertyRow row = amountRow("index", "index of refraction, with the custom refraction",
+                                     1.52f, 10.0f, "specular_IOR");
+         row.least = 1.0f;
+         return row;
+     }()},
+    {[]
+     {
+         PropertyRow row =
+             shareRow(":glazing_reflectance", "at normal incidence; given, it decides the index",
+                      0.0f, "specular_IOR by Fresnel's formula");
+         row.most = highestReflectance;
+         return row;
+     }()},
+    {lengthRow("depth", "of the glass", 0.006f,
+               "the tint to the power of depth / 6 mm (Beer and Lambert)")},
+    {shareRow("roughness", "0 clear, 1 frosted", 0.0f, "specular_roughness"),
+     &Params::specular_roughness},
+};
+
+void fillGlass(Params& params, const LegacyValues& values)
+{
+    constexpr std::size_t custom = std::size(indices) - 1;
+    useCustomTint(params, values);
+    params.transmission_color = toPower(params.transmission_color, values.number("depth") / 0.006f);
+    if (values.choice("refraction") == custom)
+        params.specular_IOR = values.number("index");
+    if (values.isGiven(":glazing_reflectance"))
+        params.specular_IOR = indexOfReflectance(values.number(":glazing_reflectance"));
+}
+
+constexpr Relief ripples{
+    "WaveSchema",
+    0.0f,
+    1.0f,
+    {{"wave_Sources", {8.0f}}, {"wave_Length", {0.15f}}, {"wave_LengthVariation", {0.6f}}}};
+constexpr Relief current{"WaveSchema",
+                         0.0f,
+                         2.0f,
+                         {{"wave_Type", {1.0f}},
+                          {"wave_Sources", {8.0f}},
+                          {"wave_Length", {0.3f}},
+                          {"wave_LengthVariation", {0.7f}}}};
+constexpr Relief sea{"WaveSchema",
+                     0.0f,
+                     4.0f,
+                     {{"wave_Type", {1.0f}},
+                      {"wave_Sources", {16.0f}},
+                      {"wave_Length", {1.5f}},
+                      {"wave_LengthVariation", {0.8f}}}};
+
+// What the bottom sends back and what the water leaves of the light, linear: appearance, not measurement.
+constexpr Preset waters[] = {
+    {"swimming_pool",
+     {{&Params::base_color, {0.055f, 0.396f, 0.551f}},
+      {&Params::transmission_color, {0.455f, 0.84f, 0.907f}}},
+     &ripples},
+    {"reflecting_pool",
+     {{&Params::base_color, {0.001f, 0.002f, 0.002f}},
+      {&Params::transmission_color, {0.238f, 0.356f, 0.369f}}}},
+    {"stream",
+     {{&Params::base_color, {0.05f, 0.06f, 0.035f}},
+      {&Params::transmission_color, {0.62f, 0.72f, 0.58f}}},
+     &current},
+    {"pond",
+     {{&Params::base_color, {0.025f, 0.04f, 0.015f}},
+      {&Params::transmission_color, {0.35f, 0.45f, 0.22f}}},
+     &ripples},
+    {"sea",
+     {{&Params::base_color, {0.004f, 0.02f, 0.035f}},
+      {&Params::transmission_color, {0.1f, 0.33f, 0.45f}}},
+     &sea},
+    {"custom"},
+};
+
+// At 20 degrees Celsius, 589 nm: 1.333 (IAPWS release on the refractive index of water, 1997; not opened here).
+constexpr Assignment liquid[] = {{&Params::specular_IOR, {waterIndex}},
+                                 {&Params::specular_roughness, {0.0f}},
+                                 {&Params::transmission, {0.9f}}};
+
+constexpr Row waterOwn[] = {
+    {choiceRow("type", "where it stands; custom: the colour",
+               "base_color, transmission_color and waves"),
+     {},
+     Duty::None,
+     waters},
+    {colorRow("color", "with the custom type", {0.05f, 0.2f, 0.25f},
+              "base_color, transmission_color"),
+     &Params::base_color, Duty::TextureOnly},
+    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
+    {lengthRow("depth", "down to the ground; what the water itself takes of the light on the way",
+               0.0f,
+               "transmission_color times exp(-a depth), a 0.2755, 0.0565 and 0.0092 per metre")},
+};
+
+void fillWater(Params& params, const LegacyValues& values)
+{
+    constexpr std::size_t custom = std::size(waters) - 1;
+    if (values.choice("type") == custom)
+    {
+        const auto color = values.color("color");
+        params.base_color = {color[0], color[1], color[2]};
+        params.transmission_color = params.base_color;
+    }
+    for (std::size_t i = 0; i < 3; ++i)
+        params.transmission_color[i] *= static_cast<float>(
+            std::exp(-static_cast<double>(waterAbsorption[i] * values.number("depth"))));
+}
+
+// Evaporated aluminium behind glass: Real-Time Rendering, 4th edition, table 9.2 (not opened here).
+constexpr Assignment silvered[] = {{&Params::metalness, {1.0f}},
+                                   {&Params::specular_roughness, {0.0f}}};
+
+constexpr Row mirrorOwn[] = {
+    {colorRow("color", "its tint", {0.91f, 0.92f, 0.92f}, "base_color"), &Params::base_color},
+    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
+    {shareRow("roughness", "0 clear, 1 blind", 0.0f, "specular_roughness"),
+     &Params::specular_roughness},
+};
+
+} // namespace
+
+float indexOfReflectance(float reflectance)
+{
+    const float root = std::sqrt(std::min(reflectance, highestReflectance));
+    return (1.0f + root) / (1.0f - root);
+}
+
+std::optional<WaterColors> waterColors(const std::string& choice)
+{
+    const auto* found =
+        std::ranges::find_if(waters, [&](const Preset& preset)
+                             { return "water_" + std::string(preset.name) == choice; });
+    if (found == std::end(waters) || std::holds_alternative<std::monostate>(found->sets[0].field))
+        return std::nullopt;
+    const auto& [base, transmission] = std::tie(found->sets[0].value, found->sets[1].value);
+    return WaterColors{{base[0], base[1], base[2]},
+                       {transmission[0], transmission[1], transmission[2]}};
+}
+
+constinit const Schema glazing{"GlazingSchema",
+                               "glazing",
+                               "panes of glass, one or several, thin",
+                               {glazingOwn, reliefRows, cutOutRows},
+                               pane,
+                               nullptr,
+                               stackPanes};
+constinit const Schema solidGlass{"SolidGlassSchema",
+                                  "solidglass",
+                                  "glass that is solid through and through",
+                                  {solidGlassOwn, reliefRows, cutOutRows},
+                                  block,
+                                  nullptr,
+                                  fillGlass};
+constinit const Schema water{
+    "WaterSchema", "water",  "water, by where it stands", {waterOwn, reliefRows}, liquid,
+    nullptr,       fillWater};
+constinit const Schema mirror{
+    "MirrorSchema", "mirror", "mirrors", {mirrorOwn, reliefRows, cutOutRows}, silvered};
+
+} // namespace vyr::MaterialTranslation::materials::legacy

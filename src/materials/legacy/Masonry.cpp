@@ -1,0 +1,203 @@
+#include <algorithm>
+#include <cmath>
+
+#include "materials/legacy/Common.h"
+
+namespace vyr::MaterialTranslation::materials::legacy
+{
+
+namespace
+{
+
+// Indices of refraction: quartz 1.54 and calcite 1.49 to 1.66 (CRC Handbook, not opened here), fired clay and cement
+// between; glazes are silicate glasses of 1.5 to 1.6.
+constexpr Assignment mineral[] = {{&Params::specular_IOR, {1.54f}}};
+constexpr Assignment glassy[] = {{&Params::specular_IOR, {1.52f}}};
+
+constexpr Preset bonds[] = {{"none"},        {"stack"},  {"running"}, {"third"},
+                            {"herringbone"}, {"basket"}, {"custom"}};
+
+/// The pattern's choices have no "none": a bond is made when it is given.
+constexpr Row tileRows[] = {
+    {choiceRow("bond", "how the units lie; none: no joints are drawn"),
+     {},
+     Duty::None,
+     bonds,
+     "tile_Bond"},
+    {lengthRow("unit_width", "of a unit", 0.2f), {}, Duty::None, {}, "tile_Width"},
+    {lengthRow("unit_height", "of a unit", 0.2f), {}, Duty::None, {}, "tile_Height"},
+    {lengthRow("joint_width", "of the joints", 0.005f), {}, Duty::None, {}, "tile_JointWidth"},
+    {colorRow("joint_color", "of the joints", {0.3f, 0.29f, 0.27f}),
+     {},
+     Duty::None,
+     {},
+     "tile_JointColor"},
+    {shareRow("bond_offset", "shift of every second row in the custom bond, as a share of a unit",
+              0.25f),
+     {},
+     Duty::None,
+     {},
+     "tile_Offset"},
+    {shareRow("variation", "how much darker than its colour a unit may be", 0.15f),
+     {},
+     Duty::None,
+     {},
+     "tile_Variation"},
+    {countRow("columns", "units side by side in the image", 8.0f, 256.0f),
+     {},
+     Duty::None,
+     {},
+     "tile_Columns"},
+    {countRow("rows", "rows of units in the image", 8.0f, 256.0f), {}, Duty::None, {}, "tile_Rows"},
+};
+
+constexpr Pattern tiles{"TileSchema", "bond", "tile_Color", 1.0f, {"base_color", "normal"}};
+
+constexpr Preset ceramicFinishes[] = {
+    {"glossy",
+     {{&Params::specular_roughness, {0.05f}},
+      {&Params::coat, {1.0f}},
+      {&Params::coat_roughness, {0.03f}}}},
+    {"satin", {{&Params::specular_roughness, {0.3f}}}},
+    {"matte", {{&Params::specular_roughness, {0.55f}}, {&Params::diffuse_roughness, {0.3f}}}},
+};
+
+constexpr Preset ceramicTypes[] = {
+    {"ceramic", {{&Params::specular_IOR, {1.52f}}}},
+    {"porcelain", {{&Params::specular_IOR, {1.5f}}, {&Params::subsurface, {0.05f}}}},
+};
+
+constexpr Row ceramicOwn[] = {
+    {choiceRow("type", "what it is made of", "index of the glaze; porcelain lets a little light in",
+               "glazes are silicate glasses, 1.5 to 1.6"),
+     {},
+     Duty::None,
+     ceramicTypes},
+    {choiceRow("finish", "of the glaze", "roughness, and a clear layer where it is glossy"),
+     {},
+     Duty::None,
+     ceramicFinishes},
+};
+
+// Reliefs of worked surfaces, by noise: sizes in metres, strengths by eye.
+constexpr Relief broomed{"GradientSchema",
+                         0.02f,
+                         0.6f,
+                         {{"gradient_Type", {2.0f}},
+                          {"gradient_Repeats", {4.0f}},
+                          {"gradient_Alternates", {1.0f}},
+                          {"gradient_NoiseAmount", {0.4f}},
+                          {"gradient_NoiseSize", {20.0f}}}};
+constexpr Relief curved{
+    "WaveSchema", 0.0f, 0.6f, {{"wave_Sources", {1.0f}}, {"wave_Length", {0.03f}}}};
+constexpr Relief exposed{"SpeckleSchema",
+                         0.0f,
+                         1.5f,
+                         {{"speckle_Size", {0.012f}},
+                          {"speckle_Soften", {1.0f}},
+                          {"speckle_Amount", {0.95f}},
+                          {"speckle_Color1", {0.0f, 0.0f, 0.0f}},
+                          {"speckle_Color2", {1.0f, 1.0f, 1.0f}}}};
+constexpr Relief cast{"NoiseSchema",
+                      0.5f,
+                      0.5f,
+                      {{"noise_Type", {1.0f}}, {"noise_Size", {6.0f}}, {"noise_Levels", {4.0f}}}};
+
+constexpr Preset concreteFinishes[] = {
+    {"cast", {{&Params::specular_roughness, {0.8f}}, {&Params::diffuse_roughness, {0.5f}}}, &cast},
+    {"broom_straight",
+     {{&Params::specular_roughness, {0.9f}}, {&Params::diffuse_roughness, {0.6f}}},
+     &broomed},
+    {"broom_curved",
+     {{&Params::specular_roughness, {0.9f}}, {&Params::diffuse_roughness, {0.6f}}},
+     &curved},
+    {"exposed",
+     {{&Params::specular_roughness, {0.85f}}, {&Params::diffuse_roughness, {0.5f}}},
+     &exposed},
+    {"smooth", {{&Params::specular_roughness, {0.6f}}, {&Params::diffuse_roughness, {0.4f}}}},
+    {"polished", {{&Params::specular_roughness, {0.15f}}}},
+};
+
+constexpr Row concreteOwn[] = {
+    {choiceRow("finish", "how the surface was worked", "roughness and relief"),
+     {},
+     Duty::None,
+     concreteFinishes},
+    {choiceRow("sealant", "over the surface", "a coat of index 1.5"), {}, Duty::None, sealants},
+    {shareRow("weathering", "0 new, 1 old and dirty", 0.0f, "darker by up to 0.4")},
+};
+
+/// Dirt takes light away; wet and worn surfaces are a little rougher.
+void weather(Params& params, const LegacyValues& values)
+{
+    params.base_color = params.base_color * (1.0f - 0.4f * values.number("weathering"));
+}
+
+constexpr Preset masonryTypes[] = {
+    {"brick", {{&Params::specular_roughness, {0.8f}}, {&Params::diffuse_roughness, {0.4f}}}},
+    {"cmu", {{&Params::specular_roughness, {0.9f}}, {&Params::diffuse_roughness, {0.6f}}}},
+    {"glazed",
+     {{&Params::specular_roughness, {0.1f}},
+      {&Params::coat, {1.0f}},
+      {&Params::coat_roughness, {0.05f}}}},
+};
+
+constexpr Row masonryOwn[] = {
+    {choiceRow("type", "fired brick, concrete masonry units, or glazed brick", "roughness"),
+     {},
+     Duty::None,
+     masonryTypes},
+    {choiceRow("sealant", "over the wall", "a coat of index 1.5"), {}, Duty::None, sealants},
+};
+
+constexpr Relief hewn{"NoiseSchema",
+                      0.4f,
+                      1.5f,
+                      {{"noise_Type", {1.0f}}, {"noise_Size", {10.0f}}, {"noise_Levels", {5.0f}}}};
+
+constexpr Preset stoneFinishes[] = {
+    {"polished", {{&Params::specular_roughness, {0.04f}}}},
+    {"glossy", {{&Params::specular_roughness, {0.18f}}}},
+    {"matte", {{&Params::specular_roughness, {0.5f}}, {&Params::diffuse_roughness, {0.2f}}}},
+    {"unfinished",
+     {{&Params::specular_roughness, {0.85f}}, {&Params::diffuse_roughness, {0.5f}}},
+     &hewn},
+};
+
+constexpr Row stoneOwn[] = {
+    {choiceRow("finish", "how it was worked", "roughness, and relief where it is rough"),
+     {},
+     Duty::None,
+     stoneFinishes},
+    {choiceRow("sealant", "over the stone", "a coat of index 1.5"), {}, Duty::None, sealants},
+};
+
+} // namespace
+
+constinit const Schema ceramic{"CeramicSchema",
+                               "ceramic",
+                               "glazed and unglazed ceramics, in pieces or tiled",
+                               {colorRows, ceramicOwn, tileRows, reliefRows},
+                               glassy,
+                               &tiles};
+constinit const Schema concrete{"ConcreteSchema",
+                                "concrete",
+                                "concrete, as it was worked and sealed",
+                                {colorRows, concreteOwn, reliefRows},
+                                mineral,
+                                nullptr,
+                                weather};
+constinit const Schema masonry{"MasonryCMUSchema",
+                               "masonrycmu",
+                               "walls of brick or concrete units",
+                               {colorRows, masonryOwn, tileRows, reliefRows},
+                               mineral,
+                               &tiles};
+constinit const Schema stone{"StoneSchema",
+                             "stone",
+                             "natural stone, as it was worked and sealed",
+                             {colorRows, stoneOwn, tileRows, reliefRows},
+                             mineral,
+                             &tiles};
+
+} // namespace vyr::MaterialTranslation::materials::legacy

@@ -1,0 +1,197 @@
+#include <algorithm>
+#include <cmath>
+
+#include "materials/legacy/Common.h"
+
+namespace vyr::MaterialTranslation::materials::legacy
+{
+
+namespace
+{
+
+constexpr Assignment bare[] = {{&Params::metalness, {1.0f}}};
+
+constexpr Assignment of(std::array<float, 3> reflectance)
+{
+    return {&Params::base_color, reflectance};
+}
+
+// Reflectances at normal incidence, linear Rec.709: Real-Time Rendering, 4th edition, table 9.2 (not opened here);
+// stainless steel, bronze and anodised aluminium by appearance.
+constexpr Preset metals[] = {
+    {"aluminum", {of({0.913f, 0.922f, 0.924f})}},
+    {"anodized", {}},
+    {"brass", {of({0.91f, 0.778f, 0.423f})}},
+    {"bronze", {of({0.8f, 0.59f, 0.35f})}},
+    {"chrome", {of({0.549f, 0.556f, 0.554f})}},
+    {"copper", {of({0.955f, 0.638f, 0.538f})}},
+    {"gold", {of({1.0f, 0.782f, 0.344f})}},
+    {"iron", {of({0.562f, 0.565f, 0.578f})}},
+    {"nickel", {of({0.66f, 0.609f, 0.526f})}},
+    {"platinum", {of({0.673f, 0.637f, 0.585f})}},
+    {"silver", {of({0.972f, 0.96f, 0.915f})}},
+    {"stainless_steel", {of({0.58f, 0.57f, 0.55f})}},
+    {"titanium", {of({0.542f, 0.497f, 0.449f})}},
+    {"zinc", {of({0.664f, 0.824f, 0.85f})}},
+    {"custom", {}},
+};
+constexpr std::size_t anodized = 1;
+constexpr std::size_t custom = std::size(metals) - 1;
+
+constexpr Relief knurled{"GradientSchema", 0.004f, 2.0f, {{"gradient_Type", {11.0f}}}};
+constexpr Relief hammered{"SpeckleSchema",
+                          0.0f,
+                          2.0f,
+                          {{"speckle_Size", {0.015f}},
+                           {"speckle_Soften", {1.0f}},
+                           {"speckle_Amount", {1.0f}},
+                           {"speckle_Color1", {1.0f, 1.0f, 1.0f}},
+                           {"speckle_Color2", {0.0f, 0.0f, 0.0f}}}};
+
+constexpr Preset metalFinishes[] = {
+    {"polished", {{&Params::specular_roughness, {0.03f}}}},
+    {"semipolished", {{&Params::specular_roughness, {0.15f}}}},
+    {"satin", {{&Params::specular_roughness, {0.3f}}}},
+    {"brushed", {{&Params::specular_roughness, {0.3f}}, {&Params::specular_anisotropy, {0.8f}}}},
+    {"matte", {{&Params::specular_roughness, {0.5f}}}},
+    {"knurled", {{&Params::specular_roughness, {0.15f}}}, &knurled},
+    {"hammered", {{&Params::specular_roughness, {0.15f}}}, &hammered},
+};
+
+constexpr Preset perforations[] = {{"none"}, {"stack"}, {"running"}};
+
+constexpr Row metalOwn[] = {
+    {choiceRow("type", "which metal; anodized and custom: the colour", "base_color",
+               "Real-Time Rendering, 4th edition, table 9.2 (not opened here)"),
+     {},
+     Duty::None,
+     metals},
+    {colorRow("color", "of anodised aluminium, or the custom metal's reflectance",
+              {0.6f, 0.6f, 0.6f}, "base_color"),
+     &Params::base_color, Duty::TextureOnly},
+    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
+    {booleanRow(":color_by_object", "the object brings its own colour; the material is grey"),
+     {},
+     Duty::ColorByObject},
+    {choiceRow("finish", "how it was worked", "roughness, anisotropy and relief"),
+     {},
+     Duty::None,
+     metalFinishes},
+    {shareRow(
+        "patina", "0 bright, 1 covered", 0.0f,
+        "towards a rough green crust on copper, brass and bronze, a dull grey one on others")},
+    {choiceRow("perforation", "rows of holes, straight or staggered"),
+     {},
+     Duty::None,
+     perforations,
+     "tile_Bond"},
+    {lengthRow("hole_width", "of a hole", 0.006f), {}, Duty::None, {}, "tile_Width"},
+    {lengthRow("hole_height", "of a hole", 0.006f), {}, Duty::None, {}, "tile_Height"},
+    {lengthRow("hole_distance", "of metal between holes", 0.006f),
+     {},
+     Duty::None,
+     {},
+     "tile_JointWidth"},
+    {shareRow("hole_rounding", "0 square, 1 round", 1.0f), {}, Duty::None, {}, "tile_Rounding"},
+};
+
+constexpr Pattern holes{
+    "TileSchema",
+    "perforation",
+    nullptr,
+    0.0f,
+    {"opacity", nullptr},
+    {{"tile_Color", {0.0f, 0.0f, 0.0f}}, {"tile_JointColor", {1.0f, 1.0f, 1.0f}}}};
+
+void coverMetal(Params& params, const LegacyValues& values)
+{
+    const std::size_t type = values.choice("type");
+    if (type == anodized || type == custom)
+    {
+        const auto color = values.color("color");
+        params.base_color = {color[0], color[1], color[2]};
+    }
+    const float patina = values.number("patina");
+    const bool hasCopper = type == 2 || type == 3 || type == 5;
+    const Params::Color crust =
+        hasCopper ? Params::Color(0.17f, 0.42f, 0.32f) : Params::Color(0.2f, 0.2f, 0.2f);
+    params.base_color = params.base_color * (1.0f - patina) + crust * patina;
+    params.metalness = 1.0f - patina;
+    params.specular_roughness += (0.85f - params.specular_roughness) * patina;
+}
+
+constexpr Preset lacquers[] = {
+    {"glossy", {{&Params::coat_roughness, {0.02f}}}},
+    {"satin", {{&Params::coat_roughness, {0.2f}}}},
+    {"matte", {{&Params::coat_roughness, {0.45f}}}},
+};
+
+// Lacquers of acrylic and polyurethane: 1.49 to 1.5.
+constexpr Assignment lacquered[] = {{&Params::specular, {1.0f}},
+                                    {&Params::coat, {1.0f}},
+                                    {&Params::coat_IOR, {1.5f}},
+                                    {&Params::specular_roughness, {0.35f}}};
+
+constexpr Row metallicPaintOwn[] = {
+    {choiceRow("finish", "of the clear lacquer", "coat_roughness"), {}, Duty::None, lacquers},
+    {shareRow("flakes", "how much of the colour are metal flakes", 0.6f, "metalness"),
+     &Params::metalness},
+    {shareRow("flake_roughness", "how far flakes lie from flat", 0.35f, "specular_roughness"),
+     &Params::specular_roughness},
+    {choiceRow(":metal_type", "metal of the flakes; custom: the paint's colour", "base_color"),
+     {},
+     Duty::None,
+     metals},
+    {shareRow("pearl", "strength of a pearl layer", 0.0f, "sheen")},
+    {colorRow("pearl_color", "of the pearl layer", {0.9f, 0.85f, 1.0f}, "sheen_color")},
+};
+
+void addFlakes(Params& params, const LegacyValues& values)
+{
+    if (!values.isGiven(":metal_type") || values.choice(":metal_type") == anodized ||
+        values.choice(":metal_type") == custom)
+    {
+        const auto color = values.color("color");
+        params.base_color = {color[0], color[1], color[2]};
+    }
+    params.sheen = values.number("pearl");
+    if (params.sheen > 0.0f)
+    {
+        const auto pearl = values.color("pearl_color");
+        params.sheen_color = {pearl[0], pearl[1], pearl[2]};
+    }
+}
+
+} // namespace
+
+std::optional<Params::Color> metalReflectance(const std::string& choice)
+{
+    // "aluminium" and "aluminum", "chromium" and "chrome", "steel" and "stainless_steel".
+    constexpr std::size_t letters = 5;
+    const auto isIn = [&](const Preset& preset)
+    {
+        const std::string_view name = preset.name;
+        return !std::holds_alternative<std::monostate>(preset.sets[0].field) &&
+               (choice.find(name.substr(0, letters)) != std::string::npos ||
+                choice.find(name.substr(name.size() - std::min(letters, name.size()))) !=
+                    std::string::npos);
+    };
+    const auto* found = std::ranges::find_if(metals, isIn);
+    if (found == std::end(metals))
+        return std::nullopt;
+    const auto& color = found->sets[0].value;
+    return Params::Color(color[0], color[1], color[2]);
+}
+
+constinit const Schema metal{
+    "MetalSchema", "metal", "bare metals", {metalOwn, reliefRows, cutOutRows},
+    bare,          &holes,  coverMetal};
+constinit const Schema metallicPaint{"MetallicPaintSchema",
+                                     "metallicpaint",
+                                     "paint with metal flakes under a clear lacquer",
+                                     {colorRows, metallicPaintOwn, reliefRows, cutOutRows},
+                                     lacquered,
+                                     nullptr,
+                                     addFlakes};
+
+} // namespace vyr::MaterialTranslation::materials::legacy

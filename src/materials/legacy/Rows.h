@@ -1,0 +1,160 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <MaterialTranslation/Schemas.h>
+
+#include "materials/StandardSurface.h"
+
+/// @file
+/// What the tables of the legacy family are made of. A schema is a table: its rows say which properties it has and what
+/// each does; what no row can say is a function of a few lines beside the table.
+namespace vyr::MaterialTranslation::materials::legacy
+{
+
+using Params = StandardSurfaceParams;
+using Field = StandardSurfaceInput::Field;
+
+/// A value that a choice gives to a shader input.
+struct Assignment
+{
+    Field field{};
+    std::array<float, 3> value{};
+};
+
+/// A property of a procedural texture.
+struct Constant
+{
+    const char* property = nullptr;
+    std::array<float, 3> value{};
+};
+
+/// A procedural texture whose properties are constant.
+struct Relief
+{
+    const char* schema;
+    float size;   ///< of the image, metres
+    float amount; ///< of the relief when no property says otherwise
+    Constant constants[5]{};
+};
+
+/// What a choice does.
+struct Preset
+{
+    /// Behind the schema's prefix.
+    const char* name;
+    Assignment sets[4]{};
+    /// The relief that it makes; null: none.
+    const Relief* relief = nullptr;
+};
+
+/// What a row does beside giving its value to a shader input.
+enum class Duty
+{
+    None,
+    ColorByObject, ///< the base colour is grey
+    Fade,          ///< of the texture of the row before it
+    ReliefTexture, ///< a connected texture is the relief
+    ReliefAmount,
+    CutOut, ///< a connected texture is the opacity
+    TextureOnly, ///< a connected texture drives the field; the value is for the function beside the table
+};
+
+/// A property. Its name, and those of its choices, follow the schema's prefix, unless they begin with a colon.
+struct Row
+{
+    PropertyRow property;
+    Field field{};
+    Duty duty = Duty::None;
+    std::span<const Preset> presets{};
+    /// The property of the schema's pattern that it is.
+    const char* pattern = nullptr;
+};
+
+/// A pattern that the properties of a material make: it drives the base colour and the relief, or the opacity.
+struct Pattern
+{
+    const char* schema;
+    /// It is made when this property has a value and is not the first of its choices.
+    const char* property;
+    /// The pattern's property that the schema's colour is; null: none.
+    const char* color;
+    float amount;          ///< of the relief
+    const char* inputs[2]; ///< of the shader
+    Constant constants[2]{};
+};
+
+/// The values of a material's properties, by the names of their rows, for the functions beside the tables.
+class LegacyValues;
+using Finish = void (*)(Params& params, const LegacyValues& values);
+
+struct Schema
+{
+    const char* name;
+    const char* prefix;
+    const char* meaning;
+    std::array<std::span<const Row>, 4> groups;
+    /// What holds before any property is read.
+    std::span<const Assignment> defaults;
+    const Pattern* pattern = nullptr;
+    Finish finish = nullptr;
+};
+
+class LegacyValues
+{
+  public:
+    virtual float number(const char* row) const = 0;
+    virtual std::array<float, 3> color(const char* row) const = 0;
+    /// Whether the asset has a value for it.
+    virtual bool isGiven(const char* row) const = 0;
+    /// The place of the choice.
+    std::size_t choice(const char* row) const { return static_cast<std::size_t>(number(row)); }
+
+  protected:
+    ~LegacyValues() = default;
+};
+
+// Facts that the generic table of such schemas shares.
+
+inline constexpr float waterIndex = 1.333f; ///< at 20 degrees Celsius, 589 nm
+inline constexpr float highestReflectance =
+    0.9f; ///< of a dielectric: an index of 38; a perfect mirror has none
+
+/// The index of refraction of a surface in air by its reflectance at normal incidence R, at most
+/// highestReflectance: (1 + sqrt R) / (1 - sqrt R), Fresnel's formula.
+float indexOfReflectance(float reflectance);
+
+/// The reflectance of the metal that a choice names by a word in it, linear.
+std::optional<Params::Color> metalReflectance(const std::string& choice);
+
+/// What the bottom sends back and what the water leaves of the light, linear.
+struct WaterColors
+{
+    Params::Color base;
+    Params::Color transmission;
+};
+std::optional<WaterColors> waterColors(const std::string& choice);
+
+/// All schemas. A further one is a table in one of the files beside this one, and a line in Schemas.cpp.
+std::span<const Schema* const> schemas();
+
+extern const Schema ceramic;
+extern const Schema concrete;
+extern const Schema glazing;
+extern const Schema hardwood;
+extern const Schema masonry;
+extern const Schema metal;
+extern const Schema metallicPaint;
+extern const Schema mirror;
+extern const Schema plasticVinyl;
+extern const Schema solidGlass;
+extern const Schema stone;
+extern const Schema wallPaint;
+extern const Schema water;
+
+} // namespace vyr::MaterialTranslation::materials::legacy
