@@ -229,6 +229,9 @@ class Asset
 
     Property operator[](const char* name) const;
 
+    /// Whether it is an asset of this instance.
+    bool isOf(const IAssetInstance& instance) const { return &_instance == &instance; }
+
     /// The asset's own name; empty when it has no identity.
     std::string name() const;
     /// The name shown to people, in English.

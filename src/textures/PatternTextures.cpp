@@ -123,6 +123,8 @@ class PatternReader
         const assets::AssetHandle connected = color.connected();
         if (!connected)
             return refuse("the connection leads to no asset");
+        if (_asset.isOf(*connected))
+            return refuse("a texture cannot stand in its own colour");
         const assets::Asset texture(*connected);
         const std::string schema = texture.schema();
         const Log log = _log.below(property);
