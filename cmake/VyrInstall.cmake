@@ -9,6 +9,7 @@ set_target_properties(vyr_headers PROPERTIES EXPORT_NAME headers)
 install(
     TARGETS vyr_mtlx_converter vyr_mtlx_bakes vyr_headers vyr_platform
     EXPORT vyr_mtlx_converter
+    RUNTIME_DEPENDENCY_SET vyr_dependencies
     RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
@@ -34,7 +35,11 @@ if(TARGET vyr_assetlib)
 endif()
 if(TARGET vyr-mtlx)
     vyr_install_rpath(vyr-mtlx "/../${CMAKE_INSTALL_LIBDIR}" MaterialXCore)
-    install(TARGETS vyr-mtlx RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+    install(
+        TARGETS vyr-mtlx
+        RUNTIME_DEPENDENCY_SET vyr_dependencies
+        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
+    )
 endif()
 if(IS_DIRECTORY "${PROJECT_SOURCE_DIR}/libraries")
     install(
@@ -43,6 +48,10 @@ if(IS_DIRECTORY "${PROJECT_SOURCE_DIR}/libraries")
         FILES_MATCHING
         PATTERN "*.mtlx"
     )
+endif()
+
+if(VYR_INSTALL_DEPENDENCIES)
+    include("${CMAKE_CURRENT_LIST_DIR}/VyrInstallDependencies.cmake")
 endif()
 
 install(EXPORT vyr_mtlx_converter NAMESPACE vyr:: DESTINATION "${package_folder}")
@@ -62,3 +71,11 @@ install(
         "${PROJECT_SOURCE_DIR}/cmake/Findutf8proc.cmake"
     DESTINATION "${package_folder}"
 )
+
+configure_file(
+    "${PROJECT_SOURCE_DIR}/cmake/vyr_mtlx_converter.pc.in" "${PROJECT_BINARY_DIR}/vyr_mtlx_converter.pc" @ONLY
+)
+install(
+    FILES "${PROJECT_BINARY_DIR}/vyr_mtlx_converter.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+)
+include("${CMAKE_CURRENT_LIST_DIR}/VyrPackage.cmake")

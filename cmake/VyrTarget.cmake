@@ -56,15 +56,19 @@ function(vyr_target_defaults target)
 endfunction()
 
 # vyr_install_rpath(<target> <folder> <dependency>...): where an installed program or library looks for libraries: in a
-# folder relative to its own, then where the dependencies were found, which may be anywhere.
+# folder relative to its own; where the dependencies are not installed with it, then where they were found, which may be
+# anywhere.
 function(vyr_install_rpath target folder)
     if(APPLE)
         set(origin "@loader_path")
     else()
         set(origin "$ORIGIN")
     endif()
-    set(folders "${ARGN}")
-    list(TRANSFORM folders REPLACE "(.+)" "$<TARGET_FILE_DIR:\\1>")
+    set(folders "")
+    if(NOT VYR_INSTALL_DEPENDENCIES)
+        set(folders "${ARGN}")
+        list(TRANSFORM folders REPLACE "(.+)" "$<TARGET_FILE_DIR:\\1>")
+    endif()
     set_target_properties(
         ${target} PROPERTIES INSTALL_RPATH "${origin}${folder};${folders}"
     )

@@ -1,5 +1,6 @@
 # Installs a build into a folder, then configures, builds and runs the example of a host against what was installed.
-# Arguments: SOURCE (the project's), BUILD, FOLDER, PREFIX_PATH, GENERATOR, MAKE_PROGRAM, COMPILER.
+# What is installed stands alone: it is moved first, and nothing else is named.
+# Arguments: SOURCE (the project's), BUILD, FOLDER, GENERATOR, MAKE_PROGRAM, COMPILER.
 
 file(REMOVE_RECURSE "${FOLDER}")
 
@@ -15,10 +16,11 @@ function(expect pattern)
 endfunction()
 
 run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${FOLDER}/installed")
+file(RENAME "${FOLDER}/installed" "${FOLDER}/moved")
 foreach(standard IN ITEMS 20 17)
     run("${CMAKE_COMMAND}" -S "${SOURCE}/examples/host" -B "${FOLDER}/build" -G "${GENERATOR}"
         "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}" "-DCMAKE_CXX_COMPILER=${COMPILER}"
-        "-DCMAKE_PREFIX_PATH=${FOLDER}/installed\;${PREFIX_PATH}" -DCMAKE_CXX_STANDARD=${standard}
+        "-DCMAKE_PREFIX_PATH=${FOLDER}/moved" -DCMAKE_CXX_STANDARD=${standard}
     )
     run("${CMAKE_COMMAND}" --build "${FOLDER}/build")
 endforeach()
@@ -36,3 +38,17 @@ file(READ "${FOLDER}/out/RedPaint.mtlx" paint)
 expect("name=\"base_color\" type=\"color3\" value=\"0.5, 0.25, 0.125\"" "${paint}")
 file(READ "${FOLDER}/out/Oak.mtlx" oak)
 expect("value=\"[^\"]*/samples/textures/oak_color.jpg\"" "${oak}")
+
+# The tool finds libraries, bakes and definitions in the moved folder.
+file(GLOB_RECURSE programs "${FOLDER}/moved/bin/*" "${FOLDER}/moved/lib/*.so*")
+foreach(program IN LISTS programs)
+    execute_process(COMMAND readelf -d "${program}" OUTPUT_VARIABLE needs ERROR_QUIET)
+    if(needs MATCHES "R(UN)?PATH[^\n]*[[:]/[^\n]*")
+        message(FATAL_ERROR "${program} looks for libraries elsewhere: ${CMAKE_MATCH_0}")
+    endif()
+endforeach()
+if(EXISTS "${FOLDER}/moved/bin/vyr-mtlx")
+    run("${CMAKE_COMMAND}" -E env --unset=LD_LIBRARY_PATH "${FOLDER}/moved/bin/vyr-mtlx" convert
+        "${SOURCE}/samples/hardwood.json" --output "${FOLDER}/converted" --image-size 16 --validate
+    )
+endif()
