@@ -102,7 +102,7 @@ struct Materials
 
     fs::path file;
     assetlib::Library library;
-    std::vector<HandDocument> byHand;
+    std::vector<HandMaterial> byHand;
 };
 
 mt::ConverterOptions options()
@@ -134,8 +134,10 @@ const Materials& materials(std::size_t count)
     for (const assetlib::Material& material : made.library.materials())
     {
         const std::string xml = convert(converter, material);
-        made.byHand.push_back(contentsOf(xml));
-        if (writeByHand(made.byHand.back()) != xml)
+        const mx::DocumentPtr document = mx::createDocument();
+        mx::readFromXmlString(document, xml);
+        made.byHand.push_back(valuesOf(document));
+        if (mx::writeToXmlString(buildByHand(made.byHand.back())) != xml)
             throw std::runtime_error("the document by hand is not that of the converter:\n" + xml);
     }
     return made;
@@ -176,7 +178,8 @@ void documents(benchmark::State& state)
             {
                 for (std::size_t repeat = 0; repeat < repeats; ++repeat)
                     for (std::size_t i = first; i < last; ++i)
-                        benchmark::DoNotOptimize(writeByHand(input.byHand[i]));
+                        benchmark::DoNotOptimize(
+                            mx::writeToXmlString(buildByHand(input.byHand[i])));
             };
             seconds += timing.measure(piece, ours, floor);
         }
@@ -297,9 +300,9 @@ void tool(benchmark::State& state)
         };
         const auto write = [&]
         {
-            for (const HandDocument& material : input.byHand)
+            for (const HandMaterial& material : input.byHand)
                 mx::writeToXmlFile(buildByHand(material),
-                                   (byHand / (material.top.back().name + ".mtlx")).string());
+                                   (byHand / (material.name + ".mtlx")).string());
         };
         state.SetIterationTime(timing.measure(0, runTool, write));
         reading.measure(

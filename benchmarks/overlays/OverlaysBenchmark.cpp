@@ -16,7 +16,6 @@
 #include <MaterialTranslation/MaterialXConverter.h>
 #include <MaterialTranslation/ThreadInfo.h>
 
-#include "ByHand.h"
 #include "PairedTiming.h"
 
 namespace vyr::benchmarks
@@ -37,6 +36,133 @@ class Text final : public IString
     void Assign(const UTF8String& assigned) override { text = assigned.str(); }
     std::string text;
 };
+
+struct HandInput
+{
+    std::string name;
+    std::string type;
+    /// Null where the input is connected.
+    mx::ValuePtr value;
+    /// Of a value with more digits than MaterialX writes; else empty.
+    std::string digits;
+    std::string node, graph, output;
+    std::string colorSpace, unit, unitType;
+};
+
+struct HandNode
+{
+    std::string category;
+    std::string name;
+    std::string type;
+    std::string converter;
+    std::vector<HandInput> inputs;
+};
+
+/// An overlay's document, as somebody knows it who writes it by hand: an output of the graph comes right behind its
+/// node.
+struct HandDocument
+{
+    std::vector<HandNode> top;
+    std::string graph;
+    /// Those of the category "output" are outputs, with one input that has their source.
+    std::vector<HandNode> nodes;
+};
+
+HandInput inputOf(const mx::PortElementPtr& port)
+{
+    const mx::ValuePtr value = port->getValue();
+    const bool isExact = !value || value->getValueString() == port->getValueString();
+    return {port->getName(),
+            port->getType(),
+            value,
+            isExact ? std::string() : port->getValueString(),
+            port->getNodeName(),
+            port->getAttribute("nodegraph"),
+            port->getAttribute("output"),
+            port->getAttribute("colorspace"),
+            port->getAttribute("unit"),
+            port->getAttribute("unittype")};
+}
+
+HandNode nodeOf(const mx::ElementPtr& element)
+{
+    HandNode node{element->getCategory(),
+                  element->getName(),
+                  element->getAttribute("type"),
+                  element->getAttribute("vyr_converter"),
+                  {}};
+    if (const auto output = element->asA<mx::Output>())
+        node.inputs.push_back(inputOf(output));
+    for (const mx::ElementPtr& child : element->getChildren())
+        node.inputs.push_back(inputOf(child->asA<mx::PortElement>()));
+    return node;
+}
+
+HandDocument contentsOf(const std::string& text)
+{
+    const mx::DocumentPtr document = mx::createDocument();
+    mx::readFromXmlString(document, text);
+    HandDocument hand;
+    for (const mx::ElementPtr& child : document->getChildren())
+        if (!child->isA<mx::NodeGraph>())
+            hand.top.push_back(nodeOf(child));
+        else
+        {
+            hand.graph = child->getName();
+            for (const mx::ElementPtr& node : child->getChildren())
+                hand.nodes.push_back(nodeOf(node));
+        }
+    return hand;
+}
+
+void addInput(const mx::NodePtr& node, const HandInput& hand)
+{
+    const mx::InputPtr input = node->addInput(hand.name, hand.type);
+    if (hand.value)
+        input->setValueString(hand.digits.empty() ? hand.value->getValueString() : hand.digits);
+    if (!hand.node.empty())
+        input->setNodeName(hand.node);
+    if (!hand.graph.empty())
+    {
+        input->setOutputString(hand.output);
+        input->setNodeGraphString(hand.graph);
+    }
+    if (!hand.colorSpace.empty())
+        input->setColorSpace(hand.colorSpace);
+    if (!hand.unit.empty())
+    {
+        input->setUnit(hand.unit);
+        input->setUnitType(hand.unitType);
+    }
+}
+
+void addNode(const mx::GraphElementPtr& graph, const HandNode& hand)
+{
+    if (hand.category == "output")
+    {
+        graph->asA<mx::NodeGraph>()
+            ->addOutput(hand.name, hand.type)
+            ->setNodeName(hand.inputs[0].node);
+        return;
+    }
+    const mx::NodePtr node = graph->addNode(hand.category, hand.name, hand.type);
+    if (!hand.converter.empty())
+        node->setAttribute("vyr_converter", hand.converter);
+    for (const HandInput& input : hand.inputs)
+        addInput(node, input);
+}
+
+std::string writeByHand(const HandDocument& hand)
+{
+    const mx::DocumentPtr document = mx::createDocument();
+    document->setColorSpace("lin_rec709");
+    for (const HandNode& node : hand.top)
+        addNode(document, node);
+    const mx::NodeGraphPtr graph = document->addNodeGraph(hand.graph);
+    for (const HandNode& node : hand.nodes)
+        addNode(graph, node);
+    return mx::writeToXmlString(document);
+}
 
 mt::TextureInfo image()
 {
