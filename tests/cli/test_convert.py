@@ -162,9 +162,15 @@ class ListAndOverlay(ToolTest):
         bitmaps = [{"schema": "UnifiedBitmapSchema", "id": f"t{i}", "properties": {
             "unifiedbitmap_Bitmap": {"type": "uri", "value": f"{i}.png", "connected": f"t{i + 1}"}}} for i in range(count)]
         del bitmaps[-1]["properties"]["unifiedbitmap_Bitmap"]["connected"]
-        self.library(material("m", "Wall", {"generic_diffuse": {"type": "reference", "connected": "t0"}}), textures=bitmaps)
+        properties = {"generic_diffuse": {"type": "reference", "connected": "t0"}, "generic_bump_amount": 1,
+                      "generic_bump_map": {"type": "reference", "connected": {"schema": "NoiseSchema"}}}
+        self.library(material("m", "Wall", properties), textures=bitmaps)
         images = json.loads(self.tool("list", "lib.json", "--json").stdout)["materials"][0]["textures"]
         self.assertEqual(images, [f"{i}.png" for i in range(count)])
+        # A bake might take the name of one of them.
+        done = self.tool("convert", "lib.json", "--output", "out")
+        self.assertIn("more assets are connected than can be looked through", done.stderr)
+        self.assertFalse((self.folder / "out/Wall").exists())
 
     def test_overlays_in_a_report(self):
         self.tool("overlay", "lib.json", "--output", "out", "--report", "report.json", status=1)
