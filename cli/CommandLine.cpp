@@ -127,6 +127,14 @@ CLI::App& defineList(CLI::App& root, ListCommand& command)
     return app;
 }
 
+CLI::App& defineSchema(CLI::App& root, SchemaCommand& command)
+{
+    CLI::App& app = *root.add_subcommand("schema", "print the properties that schemas have");
+    app.add_option("NAME", command.name, "only this schema")->type_name("");
+    app.add_flag("--json", command.json, "print JSON");
+    return app;
+}
+
 CLI::App& defineValidate(CLI::App& root, ValidateCommand& command)
 {
     CLI::App& app = *root.add_subcommand(
@@ -226,6 +234,7 @@ Request parseCommandLine(int count, const char* const* arguments)
     ConvertCommand convert;
     OverlayCommand overlay;
     ListCommand list;
+    SchemaCommand schemas;
     ValidateCommand validate;
     BakeNormalCommand normal;
     BakeNoiseCommand noise;
@@ -235,6 +244,7 @@ Request parseCommandLine(int count, const char* const* arguments)
     choose(defineConvert(app, convert), convert);
     choose(defineOverlay(app, overlay), overlay);
     choose(defineList(app, list), list);
+    choose(defineSchema(app, schemas), schemas);
     choose(defineValidate(app, validate), validate);
     CLI::App& bake = *app.add_subcommand("bake", "bake images")->require_subcommand(1);
     choose(defineBakeNormal(bake, normal), normal);

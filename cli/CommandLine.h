@@ -72,6 +72,14 @@ struct ListCommand
     bool json = false;
 };
 
+/// `vyr-mtlx schema`.
+struct SchemaCommand
+{
+    /// Empty: all.
+    std::string name;
+    bool json = false;
+};
+
 /// `vyr-mtlx validate`.
 struct ValidateCommand
 {
@@ -110,8 +118,8 @@ struct BakeTextureCommand
 
 /// A command, or nothing but to end, because help was printed or the arguments are wrong.
 using Request =
-    std::variant<ExitStatus, ConvertCommand, OverlayCommand, ListCommand, ValidateCommand,
-                 BakeNormalCommand, BakeNoiseCommand, BakeTextureCommand>;
+    std::variant<ExitStatus, ConvertCommand, OverlayCommand, ListCommand, SchemaCommand,
+                 ValidateCommand, BakeNormalCommand, BakeNoiseCommand, BakeTextureCommand>;
 
 /// Reads the arguments; prints the help and the version to standard output, and what is wrong to
 /// standard error.
@@ -120,6 +128,7 @@ Request parseCommandLine(int count, const char* const* arguments);
 ExitStatus run(const ConvertCommand& command);
 ExitStatus run(const OverlayCommand& command);
 ExitStatus run(const ListCommand& command);
+ExitStatus run(const SchemaCommand& command);
 ExitStatus run(const ValidateCommand& command);
 ExitStatus run(const BakeNormalCommand& command);
 ExitStatus run(const BakeNoiseCommand& command);

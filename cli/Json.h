@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +34,25 @@ class JsonNode
     {
         const std::string valid = base::validUtf8(text);
         require(yyjson_mut_obj_add_strncpy(_document, _value, key, valid.data(), valid.size()));
+    }
+
+    void addFlag(const char* key, bool flag) const
+    {
+        require(yyjson_mut_obj_add_bool(_document, _value, key, flag));
+    }
+
+    /// In as few digits as tell it from its neighbours; null for what is not finite.
+    void addNumber(const char* key, float number) const
+    {
+        require(std::isfinite(number) ? yyjson_mut_obj_add_float(_document, _value, key, number)
+                                      : yyjson_mut_obj_add_null(_document, _value, key));
+    }
+
+    void addNumbers(const char* key, std::span<const float> numbers) const
+    {
+        const JsonNode list = addList(key);
+        for (const float number : numbers)
+            require(yyjson_mut_arr_add_float(_document, list._value, number));
     }
 
     /// Null in place of a text that there is none of.

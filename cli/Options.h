@@ -104,6 +104,12 @@ inline void addImageFile(CLI::App& app, std::string& output)
         ->type_name("FILE");
 }
 
+/// Whether the property's name stands for many, one for each number.
+inline bool isNumbered(const MaterialTranslation::PropertyRow& row)
+{
+    return std::string_view(row.name).find('#') != std::string_view::npos;
+}
+
 /// Adds `vyr-mtlx bake KIND` for a procedural texture, with an option for each of its properties.
 /// @return null for noise, which has its own command.
 CLI::App* defineBakeTexture(CLI::App& bake, const MaterialTranslation::SchemaRow& schema,

@@ -34,7 +34,7 @@ std::string optionOf(std::string_view property)
 std::string helpOf(const PropertyRow& row)
 {
     std::string help = row.meaning;
-    if (std::string_view(row.name).find('#') != std::string_view::npos)
+    if (isNumbered(row))
         help += "; once for each";
     if (*row.unit)
         help += std::string("; in ") + row.unit + "s";
@@ -59,6 +59,8 @@ bool setProperty(const PropertyRow& row, const CLI::results_t& words,
         return true;
     }
     const std::size_t count = row.kind == PropertyKind::Color ? 3 : 1;
+    if (words.size() % count != 0)
+        throw CLI::ValidationError(option, "needs three numbers each time");
     for (std::size_t i = 0; i < words.size(); ++i)
     {
         const std::optional<float> number = base::numberFromText<float>(words[i]);
@@ -95,13 +97,12 @@ CLI::App* defineBakeTexture(CLI::App& bake, const MaterialTranslation::SchemaRow
     for (std::size_t i = 0; i < schema.propertyCount; ++i)
     {
         const PropertyRow& row = schema.properties[i];
-        const bool isNumbered = std::string_view(row.name).find('#') != std::string_view::npos;
         const bool isColor = row.kind == PropertyKind::Color;
         CLI::Option& option = *app.add_option(
             optionOf(row.name), [&command, &row](const CLI::results_t& words)
             { return setProperty(row, words, command.options.properties); }, helpOf(row));
         option.expected(isColor ? 3 : 1)->type_name(*row.choices ? "NAME" : "N");
-        if (isNumbered)
+        if (isNumbered(row))
             option.multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     }
     return &app;

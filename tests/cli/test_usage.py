@@ -22,6 +22,7 @@ class Usage(ToolTest):
     def test_wrong_arguments(self):
         self.refused("subcommand is required")
         self.refused("--output is required", "convert", "lib.json")
+        self.refused('did you mean "WaveSchema"', "schema", "WavesSchema")
         self.refused("FILE is required", "convert", "--output", "out")
         self.refused('looks like an option ("./-x"', "convert", "lib.json", "--output", "out", "--report=-x")
         for option in ("--bogus", "--output=other", "--report=", "--asset=", "--texture-path=", "--jobs=0", "--jobs=1025",
@@ -37,6 +38,8 @@ class Usage(ToolTest):
             ("--color1", "noise", "--resolution", 8, "--color1", 1, 0),
             ("--type", "noise", "--resolution", 8, "--type", "white"),
             ("--bump-scale", "normal", "lib.json", "--bump-scale", 1),
+            ('"tile_brick" is none of tile_stack', "tile", "--bond", "tile_brick"),
+            ("--color", "gradient", "--color", 1, 0),
             ("IMAGE is required", "normal"),
             ("missing.png: ", "normal", "missing.png"),
         ]:
