@@ -5,7 +5,7 @@
 namespace vyr::MaterialTranslation::bakes
 {
 
-/// Veins that run upwards through a ground and are bent by noise.
+/// Veins that run obliquely through a ground, are bent by noise, and come and go with another one.
 struct Marble
 {
     static constexpr const char* schema = "MarbleSchema";
@@ -23,7 +23,7 @@ struct Marble
          .takesTexture = true},
         {.name = "marble_Size",
          .kind = PropertyKind::Scalar,
-         .meaning = "distance from vein to vein; the image holds eight",
+         .meaning = "distance from vein to vein; the image is eight wide",
          .fallback = {0.1f},
          .unit = "meter",
          .least = 1e-6f,
@@ -37,13 +37,13 @@ struct Marble
         {.name = "marble_Turbulence",
          .kind = PropertyKind::Scalar,
          .meaning = "how far veins are bent, in distances",
-         .fallback = {2.0f},
+         .fallback = {1.5f},
          .least = 0.0f,
          .most = 100.0f},
         {.name = "marble_Levels",
          .kind = PropertyKind::Integer,
          .meaning = "octaves of the noise that bends them",
-         .fallback = {4.0f},
+         .fallback = {6.0f},
          .least = 1.0f,
          .most = 16.0f},
         {.name = "marble_Phase",
@@ -64,18 +64,24 @@ struct Marble
 
     std::array<float, 2> period() const { return {veins * size, veins * size}; }
 
-    std::vector<NoiseLayer> layers() const { return {{4, 4, levels, phase}}; }
+    std::vector<NoiseLayer> layers() const
+    {
+        return {{3, 3, levels, phase}, {5, 5, 2, phase}};
+    }
 
     template <class L> Sample<L> sample(const Pixels<L>& p) const
     {
         using M = Math<L>;
-        const auto place = M::add(M::mul(p.x, veins), M::mul(p.noise[0], turbulence));
+        // Whole numbers of veins across and upwards, together about eight to a length of the image.
+        const auto across = M::add(M::mul(p.x, 7.0f), M::mul(p.y, 4.0f));
+        const auto place = M::add(across, M::mul(p.noise[0], turbulence));
         const auto fromVein = M::abs(M::sub(M::mul(M::fraction(place), 2.0f), 1.0f));
         // A vein that is thinner than a pixel still shows.
         const float pixel = 2.0f * veins * p.sizeX;
         const auto width_ = M::all(width < pixel ? pixel : width);
         const auto inside = M::smooth(M::clamp01(M::sub(1.0f, M::div(fromVein, width_))));
-        return {width > 0.0f ? inside : M::all(0.0f)};
+        const auto strength = M::clamp01(M::add(M::mul(p.noise[1], 1.5f), 0.5f));
+        return {width > 0.0f ? M::mul(inside, strength) : M::all(0.0f)};
     }
 
     float size;

@@ -67,6 +67,14 @@ template <class L> struct Math
         return mul(polynomial(c, mul(t, t)), t);
     }
 
+    /// A distance on an axis that repeats, in whole images: near 0 itself, and smooth where it turns round in the
+    /// middle between. s (1 + s^2 / 3) / pi with s = sin(pi a).
+    static Floats apart(Floats a)
+    {
+        const Floats s = sine(mul(a, 0.5f));
+        return mul(add(mul(mul(s, s), s), mul(s, 3.0f)), 0.10610330f);
+    }
+
     /// The angle of a vector in turns, counter-clockwise from x, 0 to 1; 0 for no length; error 1e-7.
     static Floats angle(Floats x, Floats y)
     {

@@ -120,16 +120,15 @@ struct Wave
         return {M::clamp01(M::add(height, 0.5f))};
     }
 
-    /// Near the point its distance; elsewhere it bends so that it meets itself at the image's edges:
-    /// sqrt(sin(pi dx)^2 + sin(pi dy)^2) / pi.
+    /// The distance from the point, bent so that it meets itself half an image away.
     template <class L>
     static typename L::Floats radial(const Pixels<L>& p, const Source& source)
     {
         using M = Math<L>;
-        const auto dx = M::sine(M::mul(M::sub(p.x, source.x), 0.5f));
-        const auto dy = M::sine(M::mul(M::sub(p.y, source.y), 0.5f));
+        const auto dx = M::apart(M::sub(p.x, source.x));
+        const auto dy = M::apart(M::sub(p.y, source.y));
         const auto far = L::squareRoot(M::add(M::mul(dx, dx), M::mul(dy, dy)));
-        return M::mul(far, source.frequency * 0.31830987f);
+        return M::mul(far, source.frequency);
     }
 
     bool isRadial;

@@ -87,10 +87,10 @@ struct Wood
             place = M::add(M::add(place, M::mul(p.x, rings)), M::mul(M::sine(p.y), axialNoise));
         else
         {
-            const auto dx = M::sine(M::mul(M::sub(p.x, 0.5f), 0.5f));
-            const auto dy = M::sine(M::mul(M::sub(p.y, 0.5f), 0.5f));
+            const auto dx = M::apart(M::sub(p.x, 0.5f));
+            const auto dy = M::apart(M::sub(p.y, 0.5f));
             const auto far = L::squareRoot(M::add(M::mul(dx, dx), M::mul(dy, dy)));
-            place = M::add(place, M::mul(far, rings * 0.31830987f * 1.5f));
+            place = M::add(place, M::mul(far, rings));
         }
         // The late wood comes slowly and ends with the year.
         constexpr float endOfYear = 0.85f;
