@@ -64,10 +64,7 @@ struct Marble
 
     std::array<float, 2> period() const { return {veins * size, veins * size}; }
 
-    std::vector<NoiseLayer> layers() const
-    {
-        return {{3, 3, levels, phase}, {5, 5, 2, phase}};
-    }
+    std::vector<NoiseLayer> layers() const { return {{3, 3, levels, phase}, {5, 5, 2, phase}}; }
 
     template <class L> Sample<L> sample(const Pixels<L>& p) const
     {
