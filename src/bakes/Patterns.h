@@ -59,6 +59,9 @@ struct PatternBake
 {
     std::shared_ptr<const Pattern> pattern;
     PatternUse use{};
+    /// Strength of a relief for the image as a whole, as that of a noise is; 0 leaves slopes as they are from
+    /// pixel to pixel.
+    float bumpAmount = 0.0f;
 };
 
 } // namespace vyr::MaterialTranslation::bakes

@@ -86,7 +86,7 @@ bool holdsWholeNumbers(const fs::path& place)
 }
 
 /// Normals of heights whose opposite edges meet.
-OIIO::ImageBuf bakeMeetingNormals(const OIIO::ImageBuf& heights, int threads)
+OIIO::ImageBuf bakeMeetingNormals(const OIIO::ImageBuf& heights, NormalBakeOptions options)
 {
     const OIIO::ImageSpec& spec = heights.spec();
     OIIO::ImageBuf wide = uninitializedImage(
@@ -100,8 +100,9 @@ OIIO::ImageBuf bakeMeetingNormals(const OIIO::ImageBuf& heights, int threads)
         std::copy_n(from, spec.width, to + 1);
         to[spec.width + 1] = from[0];
     }
-    NormalBakeOptions options;
-    options.threads = threads;
+    const auto share = [](int pixels)
+    { return static_cast<float>(pixels) / static_cast<float>(pixels + 2); };
+    options.bumpScale = {share(spec.width), share(spec.height)};
     const OIIO::ImageBuf normals = bakeNormals(wide, options);
     OIIO::ImageSpec inner(spec.width, spec.height, 3, OIIO::TypeFloat);
     inner.attribute("oiio:ColorSpace", "Linear");
@@ -122,8 +123,14 @@ BakeOutcome run(const bakes::PatternBake& bake, const BakeSettings& settings, co
         checkPixels(place, pattern.width, pattern.height, settings.limits);
         OIIO::ImageBuf image;
         if (bake.use == bakes::PatternUse::Relief)
-            image = bakeMeetingNormals(bakePattern(pattern, PatternPixels::Heights, settings),
-                                       settings.threads);
+        {
+            NormalBakeOptions options;
+            options.bumpAmount = bake.bumpAmount;
+            options.threads = settings.threads;
+            checkStrength(place, options);
+            image =
+                bakeMeetingNormals(bakePattern(pattern, PatternPixels::Heights, settings), options);
+        }
         else if (bake.use == bakes::PatternUse::Number)
             image = bakePattern(pattern, PatternPixels::Number, settings);
         else

@@ -251,7 +251,8 @@ Reading readFrom(const TextureRequest& request, const MadePattern* made)
     if (isRelief)
     {
         reading.texture = bakedNormalMap();
-        reading.texture.strength = {"normal_scale", {request.bumpAmount, {}}};
+        // The amount is baked: slopes from pixel to pixel are too small for eight bits.
+        reading.texture.strength = {"normal_scale", {request.bumpAmount != 0.0f ? 1.0f : 0.0f, {}}};
     }
     else
     {
@@ -261,7 +262,7 @@ Reading readFrom(const TextureRequest& request, const MadePattern* made)
     }
     reading.texture.placement = reader.placement();
     reading.bake = {std::string(request.property) + "_" + std::to_string(pattern->width) + ".png",
-                    bakes::PatternBake{pattern, use}};
+                    bakes::PatternBake{pattern, use, request.bumpAmount}};
     return reading;
 }
 
