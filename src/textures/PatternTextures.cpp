@@ -59,6 +59,8 @@ class PatternReader
             if (row.takesTexture && !own.empty() && _asset[own.c_str()].isConnected())
                 readImage(own.c_str(), _pattern.images[i == colors[0] ? 0 : 1]);
         }
+        if (const std::string done = unevenNumbers(schema, _pattern.values); !done.empty())
+            _request.log.warning(DiagnosticCode::ValueAdjusted, _request.property, done);
         _pattern.width =
             static_cast<int>(std::min(_request.translation.options.imageSize, largest));
         _pattern.height = _pattern.width;
@@ -97,7 +99,7 @@ class PatternReader
         const std::optional<std::int32_t> colorMode =
             isColor() ? std::optional(_request.translation.options.colorMode) : std::nullopt;
         std::optional<Value> value = readPropertyValue(_asset, row, name.c_str(), colorMode, _log);
-        if (!value || row.kind != PropertyKind::Color || !isColor())
+        if (!value || row.kind != PropertyKind::Color || _use == PatternUse::Relief)
             return value;
         const Value given = *value;
         for (float& channel : *value)
@@ -118,6 +120,10 @@ class PatternReader
             _log.warning(DiagnosticCode::TextureNotTranslated, property,
                          why + "; the plain colour is used");
         };
+        if (const std::size_t count = color.connectionCount(); count > 1)
+            _log.warning(DiagnosticCode::ConnectionsIgnored, property,
+                         "only the first of " + std::to_string(count) +
+                             " connected assets is used");
         if (_isInner)
             return refuse("a texture within the colour of a texture's colour is not baked");
         const assets::AssetHandle connected = color.connected();

@@ -84,6 +84,24 @@ std::string takeInside(const PropertyRow& row, std::array<float, 3>& value)
                        value[0]);
 }
 
+std::string unevenNumbers(const SchemaRow& schema, const bakes::PatternValues& values)
+{
+    std::optional<std::size_t> first;
+    for (std::size_t i = 0; i < schema.propertyCount; ++i)
+    {
+        const std::size_t count = values.rows[i].size();
+        if (!isNumbered(schema.properties[i]))
+            continue;
+        if (!first)
+            first = i;
+        else if (const std::size_t wanted = values.rows[*first].size(); count && count != wanted)
+            return fmt::format("there are {} of {} for {} of {}; {}", count,
+                               schema.properties[i].name, wanted, schema.properties[*first].name,
+                               count < wanted ? "none of them counts" : "the rest is left out");
+    }
+    return {};
+}
+
 std::optional<std::size_t> choicePlace(const PropertyRow& row, std::string_view choice)
 {
     std::istringstream names(row.choices);
@@ -132,6 +150,8 @@ class GivenProperties
                 while (const auto value = find(row, numbered(row, list.size() + 1)))
                     list.push_back(*value);
         }
+        if (const std::string done = unevenNumbers(schema, values); !done.empty())
+            warnings.push_back(done);
         for (std::size_t i = 0; i < _used.size(); ++i)
             if (!_used[i])
                 throw std::invalid_argument(_options.properties[i].name + ": not a property of " +

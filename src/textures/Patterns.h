@@ -31,6 +31,10 @@ bool isFlat(std::size_t kind, const bakes::PatternValues& values);
 /// @return what was done, in words; empty when nothing was.
 std::string takeInside(const PropertyRow& row, std::array<float, 3>& value);
 
+/// Numbered properties go together, as the colours and positions of stops.
+/// @return what is not as many as the first of them, in words; empty when all are, or are not there at all.
+std::string unevenNumbers(const SchemaRow& schema, const bakes::PatternValues& values);
+
 /// The place of a choice in its row; nothing for one that is not there.
 std::optional<std::size_t> choicePlace(const PropertyRow& row, std::string_view choice);
 
