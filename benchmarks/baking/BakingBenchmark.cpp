@@ -154,7 +154,8 @@ std::vector<NoiseKind> noiseKinds()
 
 void runNoiseKernel(const KernelSet& set, const NoiseKind& kind, int size, int threads)
 {
-    const NoiseField field{size, size, kind.noise.size, kind.noise.phase, kind.octaves, false};
+    const NoiseField field{size,         size, kind.noise.size, 0, 0, kind.noise.phase,
+                           kind.octaves, false};
     const NoiseShade shade{true, kind.noise.thresholdLow, kind.noise.thresholdHigh, 1, {}, {}};
     Buffers& b = buffers(size);
     forEachRowBlock(size, size, threads,
