@@ -14,11 +14,13 @@
 
 #include <MaterialTranslation/Bakes.h>
 
+#include "PatternReference.h"
 #include "Reference.h"
 #include "bakes/BakeLibrary.h"
 #include "baking/ImageFile.h"
 #include "baking/NoiseImage.h"
 #include "baking/NormalImage.h"
+#include "baking/PatternImage.h"
 
 /// @file
 /// Every bake, every kernel set and the road from file to file, beside the plain reference and beside the memory
@@ -31,7 +33,7 @@ namespace
 
 using benchmark::State;
 
-constexpr int sizes[] = {64, 1024, 4096, 8192};
+constexpr int sizes[] = {64, 1024, 2048, 4096, 8192};
 constexpr int threadCounts[] = {1, 2};
 
 void addBenchmark(const std::string& name, int size, int threads, bool once,
@@ -239,6 +241,104 @@ void addBakes(int size, int threads)
     }
 }
 
+struct PatternCase
+{
+    const char* name;
+    const char* property; ///< that is not as its row has it; null: none
+    float value;
+};
+
+/// The names begin with that of the kind.
+constexpr PatternCase patternCases[] = {
+    {"checker", nullptr, 0.0f},
+    {"gradient", nullptr, 0.0f},
+    {"gradient_radial", "gradient_Type", 4.0f},
+    {"gradient_sweep", "gradient_Type", 8.0f},
+    {"gradient_distorted", "gradient_NoiseAmount", 0.2f},
+    {"marble", nullptr, 0.0f},
+    {"noise", "noise_Size", 6.25f},
+    {"speckle", nullptr, 0.0f},
+    {"tile", nullptr, 0.0f},
+    {"tile_herringbone", "tile_Bond", 3.0f},
+    {"wave", nullptr, 0.0f},
+    {"wave_plane", "wave_Type", 1.0f},
+    {"wood", nullptr, 0.0f},
+    {"wood_end", "wood_Type", 1.0f},
+};
+
+Pattern patternOf(const PatternCase& wanted, int size)
+{
+    Pattern pattern;
+    pattern.width = pattern.height = size;
+    for (std::size_t kind = 0; kind < patternKindCount; ++kind)
+        withPatternKind(kind,
+                        [&]<class Kind>()
+                        {
+                            const std::string property = Kind::rows[1].name;
+                            const std::string name = property.substr(0, property.find('_'));
+                            if (!std::string(wanted.name).starts_with(name))
+                                return;
+                            pattern.kind = kind;
+                            for (const PropertyRow& row : Kind::rows)
+                            {
+                                auto& values = pattern.values.rows.emplace_back();
+                                if (std::strchr(row.name, '#') == nullptr)
+                                    values.push_back(row.fallback);
+                                if (wanted.property && std::strcmp(row.name, wanted.property) == 0)
+                                    values[0][0] = wanted.value;
+                            }
+                        });
+    return pattern;
+}
+
+OIIO::ImageBuf colorImage(int size)
+{
+    return uninitializedImage("pattern", OIIO::ImageSpec(size, size, 3, OIIO::TypeFloat));
+}
+
+/// A copy of an image of colours into a new one.
+void copyColors(int size, int threads)
+{
+    const OIIO::ImageBuf& from = buffers(size).normals;
+    OIIO::ImageBuf image = colorImage(size);
+    forEachRowBlock(size, size, threads,
+                    [&](int yBegin, int yEnd)
+                    {
+                        std::memcpy(image.pixeladdr(0, yBegin), from.pixeladdr(0, yBegin),
+                                    static_cast<std::size_t>(yEnd - yBegin) *
+                                        image.spec().scanline_bytes());
+                    });
+}
+
+void runPlainPattern(const Pattern& pattern, int threads)
+{
+    OIIO::ImageBuf image = colorImage(pattern.width);
+    forEachRowBlock(
+        pattern.width, pattern.height, threads, [&](int yBegin, int yEnd)
+        { reference::bakePatternRows(pattern, PatternPixels::Color, yBegin, yEnd, image); });
+}
+
+void addPatterns(int size, int threads)
+{
+    addBenchmark(
+        "PatternBake/copy", size, threads, false, [=] { buffers(size); },
+        [=] { copyColors(size, threads); });
+    for (const PatternCase& one : patternCases)
+    {
+        const std::string name = std::string("PatternBake_") + one.name + '/';
+        const Pattern pattern = patternOf(one, size);
+        for (const KernelSet& set : kernelSets())
+            addBenchmark(
+                name + set.name, size, threads, false, [] {},
+                [=] { bakePattern(pattern, PatternPixels::Color, {{}, threads}, set); });
+        addBenchmark(
+            name + "srgb", size, threads, false, [] {},
+            [=] { bakePattern(pattern, PatternPixels::Srgb, {{}, threads}); });
+        addBenchmark(
+            name + "plain", size, threads, true, [] {}, [=] { runPlainPattern(pattern, threads); });
+    }
+}
+
 std::filesystem::path folder()
 {
     const char* given = std::getenv("VYR_BENCH_FOLDER");
@@ -330,6 +430,7 @@ const bool registered = []
         {
             addKernels(size, threads);
             addBakes(size, threads);
+            addPatterns(size, threads);
             addRoads(size, threads);
         }
     }

@@ -137,9 +137,14 @@ float threshold(float v, float low, float high)
 
 } // namespace
 
-float noise4(float x, float y, float z, float w)
+float noise4(float x, float y, float z, float w, int periodX, int periodY)
 {
     const Lattice at[4] = {lattice(x), lattice(y), lattice(z), lattice(w)};
+    const auto wrapped = [](std::uint32_t corner, int period)
+    {
+        const auto cells = static_cast<std::uint32_t>(period);
+        return cells == 0 ? corner : (corner + cells) % cells;
+    };
     float value[16];
     for (std::uint32_t corner = 0; corner < 16; ++corner)
     {
@@ -151,6 +156,8 @@ float noise4(float x, float y, float z, float w)
             cell[c] = at[c].cell + upper;
             d[c] = upper != 0 ? at[c].fraction - 1.0f : at[c].fraction;
         }
+        cell[0] = wrapped(cell[0], periodX);
+        cell[1] = wrapped(cell[1], periodY);
         value[corner] = gradient(hash(cell), d[0], d[1], d[2], d[3]);
     }
     int values = 16;

@@ -161,11 +161,13 @@ struct Tile
                                                          : inRows<L>(x, y);
         const auto share = [&](typename L::Floats from, float cell, float pixel)
         {
-            // In metres; a slope at least a pixel wide keeps edges smooth.
+            // In metres; a slope at least a pixel wide keeps edges smooth, and a joint that is narrower than a pixel
+            // counts by its share of it.
             const auto inside = M::sub(M::mul(from, cell), halfJoint);
             if (p.heights && bevel > pixel)
                 return M::clamp01(M::div(inside, M::all(bevel)));
-            return M::clamp01(M::add(M::div(inside, M::all(pixel)), 0.5f));
+            const auto tile = M::clamp01(M::add(M::div(inside, M::all(pixel)), 0.5f));
+            return M::max(tile, M::all(1.0f - 2.0f * halfJoint / pixel));
         };
         auto tile = M::min(share(place.fromSide, width / columns, width * p.sizeX),
                            share(place.fromEnd, height / rowCount, height * p.sizeY));

@@ -1,0 +1,345 @@
+#include <array>
+#include <complex>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+#include "baking/Images.h"
+#include "baking/PatternImage.h"
+#include "baking/PatternReference.h"
+
+namespace vyr::MaterialTranslation::baking
+{
+
+namespace
+{
+
+std::span<const PropertyRow> rowsOf(std::size_t kind)
+{
+    std::span<const PropertyRow> rows;
+    withPatternKind(kind, [&]<class Kind>() { rows = Kind::rows; });
+    return rows;
+}
+
+std::size_t kindOf(std::string_view schema)
+{
+    for (std::size_t kind = 0; kind < patternKindCount; ++kind)
+    {
+        bool found = false;
+        withPatternKind(kind, [&]<class Kind>() { found = schema == Kind::schema; });
+        if (found)
+            return kind;
+    }
+    throw std::invalid_argument("no such kind");
+}
+
+using Given = std::vector<std::pair<std::string_view, std::vector<std::array<float, 3>>>>;
+
+Pattern patternOf(std::string_view schema, int width, int height, const Given& given = {})
+{
+    Pattern pattern;
+    pattern.kind = kindOf(schema);
+    pattern.width = width;
+    pattern.height = height;
+    std::size_t taken = 0;
+    for (const PropertyRow& row : rowsOf(pattern.kind))
+    {
+        auto& values = pattern.values.rows.emplace_back();
+        if (std::string_view(row.name).find('#') == std::string_view::npos)
+            values.push_back(row.fallback);
+        for (const auto& [name, list] : given)
+            if (name == row.name)
+            {
+                values = list;
+                ++taken;
+            }
+    }
+    EXPECT_EQ(taken, given.size());
+    return pattern;
+}
+
+std::size_t choices(const PropertyRow& row)
+{
+    return 1 + static_cast<std::size_t>(std::ranges::count(std::string_view(row.choices), ' '));
+}
+
+/// Values within their rows' ranges: what is usual, the ends, and what is odd.
+class AnyValues
+{
+  public:
+    explicit AnyValues(unsigned seed) : _random(seed) {}
+
+    std::size_t below(std::size_t count) { return _random() % count; }
+
+    PatternValues of(std::size_t kind)
+    {
+        PatternValues values;
+        for (const PropertyRow& row : rowsOf(kind))
+        {
+            const bool numbered = std::string_view(row.name).find('#') != std::string_view::npos;
+            auto& list = values.rows.emplace_back();
+            for (std::size_t count = numbered ? below(6) : 1; count > 0; --count)
+                list.push_back(of(row));
+        }
+        return values;
+    }
+
+  private:
+    std::array<float, 3> of(const PropertyRow& row)
+    {
+        const auto number = [&](std::size_t n) { return static_cast<float>(n); };
+        switch (row.kind)
+        {
+        case PropertyKind::Boolean:
+            return {number(below(2))};
+        case PropertyKind::Choice:
+            return {number(below(choices(row)))};
+        case PropertyKind::Color:
+            return {unit(), below(9) == 0 ? 1e30f : unit(), below(9) == 0 ? -3.0f : unit()};
+        case PropertyKind::Integer:
+        case PropertyKind::Scalar:
+            break;
+        }
+        constexpr float odd[] = {0.0f,  -0.0f,  1.0f, -1.0f, 0.5f,  1e-30f, -1e30f,
+                                 3e38f, 1e-41f, 2.5f, 7e5f,  25.0f, 1e-4f};
+        const std::size_t way = below(6);
+        float value = way < 2   ? row.fallback[0]
+                      : way < 3 ? odd[below(std::size(odd))]
+                      : way < 5 ? row.fallback[0] * 2.0f * unit() + 0.1f * unit()
+                                : (below(2) == 0 ? row.least : row.most);
+        value = std::isfinite(value) ? std::clamp(value, row.least, row.most) : 0.3f;
+        return {row.kind == PropertyKind::Integer ? std::floor(value) : value};
+    }
+
+    float unit() { return static_cast<float>(_random() % 1001) / 1000.0f; }
+
+    std::mt19937 _random;
+};
+
+constexpr PatternPixels allPixels[] = {PatternPixels::Color, PatternPixels::Srgb,
+                                       PatternPixels::Number, PatternPixels::Heights};
+
+OIIO::ImageBuf plainPattern(const Pattern& pattern, PatternPixels pixels)
+{
+    const bool isColor = pixels == PatternPixels::Color || pixels == PatternPixels::Srgb;
+    OIIO::ImageBuf image(
+        OIIO::ImageSpec(pattern.width, pattern.height, isColor ? 3 : 1, OIIO::TypeFloat));
+    reference::bakePatternRows(pattern, pixels, 0, pattern.height, image);
+    return image;
+}
+
+const float* at(const OIIO::ImageBuf& image, int x, int y)
+{
+    return static_cast<const float*>(image.pixeladdr(x, y));
+}
+
+/// The largest difference of neighbours across the rows or along them: inside, and between opposite edges.
+std::array<float, 2> differences(const OIIO::ImageBuf& image, int dx, int dy)
+{
+    const OIIO::ImageSpec& spec = image.spec();
+    std::array<float, 2> largest{};
+    for (int y = 0; y < spec.height; ++y)
+        for (int x = 0; x < spec.width; ++x)
+        {
+            const bool isSeam = x + dx == spec.width || y + dy == spec.height;
+            const float* next = at(image, (x + dx) % spec.width, (y + dy) % spec.height);
+            for (int c = 0; c < spec.nchannels; ++c)
+                largest[isSeam] =
+                    std::max(largest[isSeam], std::fabs(next[c] - at(image, x, y)[c]));
+        }
+    return largest;
+}
+
+constexpr double pi = 3.14159265358979323846;
+
+double cushion(double x, double y)
+{
+    return (2 - std::cos(2 * pi * x) - std::cos(2 * pi * y)) / 4;
+}
+
+void expectNear(const OIIO::ImageBuf& image, double (*value)(double x, double y))
+{
+    for (OIIO::ImageBuf::ConstIterator<float> i(image); !i.done(); ++i)
+        ASSERT_NEAR(
+            i[0],
+            value((i.x() + 0.5) / image.spec().width, 1.0 - (i.y() + 0.5) / image.spec().height),
+            3e-6)
+            << i.x() << ", " << i.y();
+}
+
+} // namespace
+
+TEST(PatternKernels, EqualTheReferenceInEveryBit)
+{
+    constexpr int shapes[][2] = {{61, 43}, {1, 1}, {257, 9}, {3, 70}, {16, 16}, {1, 77}};
+    AnyValues any(7);
+    for (int i = 0; i < 700; ++i)
+    {
+        Pattern pattern;
+        pattern.kind = static_cast<std::size_t>(i) % patternKindCount;
+        pattern.values = any.of(pattern.kind);
+        const auto& [width, height] = shapes[any.below(std::size(shapes))];
+        pattern.width = width;
+        pattern.height = height;
+        const PatternPixels pixels = allPixels[any.below(std::size(allPixels))];
+        const OIIO::ImageBuf expected = plainPattern(pattern, pixels);
+        for (const KernelSet& set : kernelSets())
+            ASSERT_TRUE(sameBits(bakePattern(pattern, pixels, {{}, 1}, set), expected))
+                << rowsOf(pattern.kind)[0].name << ", case " << i << ", " << set.name;
+    }
+    // In blocks of rows, side by side; for gradients each shape.
+    for (std::size_t kind = 0; kind < patternKindCount; ++kind)
+        for (std::size_t choice = 0; choice < choices(rowsOf(kind)[0]); ++choice)
+        {
+            Pattern pattern{kind, any.of(kind), 331, 149, {}, {}};
+            if (rowsOf(kind)[0].kind == PropertyKind::Choice)
+                pattern.values.rows[0][0][0] = static_cast<float>(choice);
+            const OIIO::ImageBuf expected = plainPattern(pattern, PatternPixels::Srgb);
+            for (const int threads : {1, 3})
+                EXPECT_TRUE(
+                    sameBits(bakePattern(pattern, PatternPixels::Srgb, {{}, threads}), expected))
+                    << rowsOf(kind)[0].name << ", choice " << choice;
+        }
+}
+
+/// Against a fault that reference and kernels share.
+TEST(PatternKernels, AreNearTheExactFunctions)
+{
+    double worst[2] = {};
+    std::vector<float> decoded;
+    for (int i = 0; i <= 100000; ++i)
+    {
+        const double x = i / 1e5;
+        decoded.push_back(static_cast<float>(x));
+        const double code = x < 0.0031308 ? x * 12.92 : 1.055 * std::pow(x, 1.0 / 2.4) - 0.055;
+        const double value = x < 0.04045 ? x / 12.92 : std::pow((x + 0.055) / 1.055, 2.4);
+        const auto f = static_cast<float>(x);
+        worst[0] = std::max(worst[0], std::fabs(double{reference::srgbCode(f)} - code));
+        worst[1] = std::max(worst[1], std::fabs(double{reference::srgbValue(f)} - value));
+    }
+    EXPECT_LT(worst[0], 2e-6);
+    EXPECT_LT(worst[1], 3e-6);
+    decoded.insert(decoded.end(), {nan, infinity, -1.0f, 2.0f});
+    for (const KernelSet& set : kernelSets())
+    {
+        std::vector<float> values = decoded;
+        set.decodeSrgb(values.data(), values.size());
+        for (std::size_t i = 0; i < values.size(); ++i)
+            ASSERT_EQ(values[i], reference::srgbValue(decoded[i])) << set.name;
+    }
+    expectNear(bakePattern(patternOf("GradientSchema", 93, 64, {{"gradient_Type", {{8.0f}}}}),
+                           PatternPixels::Number, {}),
+               [](double x, double y)
+               {
+                   const double turns = std::atan2(2 * y - 1, 2 * x - 1) / (2 * pi);
+                   return turns < 0 ? turns + 1 : turns;
+               });
+    expectNear(bakePattern(patternOf("GradientSchema", 93, 64, {{"gradient_Type", {{11.0f}}}}),
+                           PatternPixels::Number, {}),
+               cushion);
+}
+
+TEST(Patterns, MeetAtOppositeEdges)
+{
+    // With soft edges, so that what does not meet is a larger step than any inside.
+    std::vector<Pattern> patterns{
+        patternOf("CheckerSchema", 160, 128, {{"checker_Soften", {{1.0f}}}}),
+        patternOf("SpeckleSchema", 400, 360, {{"speckle_Soften", {{1.0f}}}}),
+    };
+    const auto add = [&](std::string_view schema, std::string_view type, int count, Given given)
+    {
+        given.push_back({type, {{}}});
+        for (int i = 0; i < count; ++i)
+        {
+            given.back().second[0][0] = static_cast<float>(i);
+            patterns.push_back(patternOf(schema, 360, 320, given));
+        }
+    };
+    const std::array<float, 3> phase{0.4f};
+    add("TileSchema", "tile_Bond", 6,
+        {{"tile_Width", {{0.6f}}}, {"tile_Bevel", {{0.09f}}}, {"tile_Columns", {{5.0f}}}});
+    add("WaveSchema", "wave_Type", 2,
+        {{"wave_Sources", {{9.0f}}}, {"wave_LengthVariation", {{0.4f}}}});
+    add("WoodSchema", "wood_Type", 2, {{"wood_Phase", {phase}}, {"wood_Fibres", {{0.1f}}}});
+    add("NoiseSchema", "noise_Type", 3,
+        {{"noise_Size", {{19.0f}}}, {"noise_Levels", {{3.0f}}}, {"noise_Phase", {phase}}});
+    add("MarbleSchema", "marble_Phase", 2,
+        {{"marble_Turbulence", {{0.6f}}}, {"marble_Width", {{1.0f}}}});
+    for (const float shape : {2.0f, 4.0f, 5.0f, 6.0f, 7.0f, 11.0f})
+        patterns.push_back(patternOf("GradientSchema", 240, 240,
+                                     {{"gradient_Type", {{shape}}},
+                                      {"gradient_NoiseAmount", {{0.2f}}},
+                                      {"gradient_NoiseLevels", {{2.0f}}}}));
+    for (const Pattern& pattern : patterns)
+        for (const PatternPixels pixels : {PatternPixels::Heights, PatternPixels::Srgb})
+        {
+            if (pixels == PatternPixels::Srgb && pattern.kind == kindOf("TileSchema"))
+                continue; // sharp
+            const OIIO::ImageBuf image = bakePattern(pattern, pixels, {});
+            for (const int dx : {0, 1})
+            {
+                const auto [inside, seam] = differences(image, dx, 1 - dx);
+                EXPECT_LE(seam, inside) << rowsOf(pattern.kind)[0].name << ' '
+                                        << pattern.values.rows[0][0][0] << ", dx " << dx;
+                EXPECT_LT(inside, 0.7f) << "too sharp to tell";
+            }
+        }
+}
+
+TEST(Patterns, DrawThinJointsByTheirShare)
+{
+    Pattern pattern = patternOf("TileSchema", 64, 64, {{"tile_JointWidth", {{0.0f}}}});
+    EXPECT_EQ(differences(bakePattern(pattern, PatternPixels::Color, {}), 1, 0)[0], 0.0f);
+    EXPECT_EQ(differences(bakePattern(pattern, PatternPixels::Heights, {}), 0, 1)[0], 0.0f);
+}
+
+TEST(Patterns, TakeImagesInPlaceOfColors)
+{
+    const ImagePlacement cases[][2] = {
+        {{{0.3f, -0.2f}, {0.7f, 1.1f}, {0.1f, 0.2f}, {2.0f, 0.5f}, {true, true}, 33.0f}, {}},
+        {{{0.3f, 0.2f}, {0.4f, 0.6f}, {}, {1.0f, 1.0f}, {false, true}, 200.0f},
+         {{0.5f, 0.1f}, {1.5f, 1.2f}, {0.3f, 0.1f}, {1.0f, 3.0f}, {true, true}, -71.0f}},
+        {{{}, {0.0f, 2.0f}, {}, {0.0f, -1.0f}, {false, false}, 90.0f}, {{}, {2.0f, 2.0f}}},
+    };
+    // A smooth image in the ground of a marble without veins.
+    Pattern pattern = patternOf("MarbleSchema", 145, 138, {{"marble_Width", {{0.0f}}}});
+    auto child = std::make_shared<ColorImage>();
+    child->pattern = std::make_shared<Pattern>(
+        patternOf("GradientSchema", 60, 57, {{"gradient_Type", {{11.0f}}}}));
+    pattern.images[0] = child;
+    using Point = std::complex<double>;
+    const auto orOne = [](double a) { return a == 0.0 ? 1.0 : a; };
+    const auto times = [&](const ImagePlacement& p, int axis)
+    {
+        const auto i = static_cast<std::size_t>(axis);
+        return orOne(p.uvScale[i]) / orOne(p.size[i]);
+    };
+    const auto point = [](const std::array<float, 2>& p) { return Point(p[0], p[1]); };
+    for (const auto& [own, parent] : cases)
+    {
+        child->placement = own;
+        pattern.placement = parent;
+        const OIIO::ImageBuf image = bakePattern(pattern, PatternPixels::Color, {});
+        for (OIIO::ImageBuf::ConstIterator<float> i(image); !i.done(); ++i)
+        {
+            // Back from the parent's place to the surface, and on to the child as the node of a bitmap goes.
+            Point at = Point((i.x() + 0.5) / 145, 1 - (i.y() + 0.5) / 138) + point(parent.uvOffset);
+            at = Point(at.real() / times(parent, 0), at.imag() / times(parent, 1));
+            at = at * std::polar(1.0, double{parent.degrees} * pi / 180.0) + point(parent.offset);
+            at = (at - point(own.offset)) * std::polar(1.0, -double{own.degrees} * pi / 180.0);
+            at = Point(at.real() * times(own, 0), at.imag() * times(own, 1)) - point(own.uvOffset);
+            const double u = own.repeats[0] ? at.real() : std::clamp(at.real(), 0.0, 1.0);
+            const double v = own.repeats[1] ? at.imag() : std::clamp(at.imag(), 0.0, 1.0);
+            ASSERT_NEAR(i[0], cushion(u, v), 1e-3) << i.x() << ", " << i.y();
+        }
+    }
+    // What is smaller than a pixel is averaged.
+    child->placement = {{}, {1.0f, 1.0f}, {}, {300.0f, 300.0f}};
+    pattern.placement = {};
+    child->pattern = std::make_shared<Pattern>(patternOf("CheckerSchema", 128, 128));
+    const OIIO::ImageBuf dense = bakePattern(pattern, PatternPixels::Color, {});
+    for (OIIO::ImageBuf::ConstIterator<float> i(dense); !i.done(); ++i)
+        ASSERT_NEAR(i[0], 0.5f, 1e-3f);
+}
+
+} // namespace vyr::MaterialTranslation::baking
