@@ -15,6 +15,7 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -120,6 +121,17 @@ bool Results::onTerminal()
 {
     static const bool terminal = isTerminal(stdout);
     return terminal;
+}
+
+bool Results::intoFile()
+{
+#if defined(_WIN32)
+    return false;
+#else
+    struct stat status = {};
+    static const bool file = ::fstat(STDOUT_FILENO, &status) == 0 && S_ISREG(status.st_mode);
+    return file;
+#endif
 }
 
 Progress::Progress(bool wanted, std::size_t total)

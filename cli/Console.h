@@ -33,6 +33,9 @@ class Results
     /// Whether a person is looking at them, in the same window as at standard error.
     static bool onTerminal();
 
+    /// Whether they go to an ordinary file, where nobody waits for each.
+    static bool intoFile();
+
   private:
     bool _delivered = true;
 };

@@ -73,7 +73,7 @@ ExitStatus convertMaterials(const ConvertCommand& command, const std::vector<Tas
 
 ExitStatus run(const ConvertCommand& command)
 {
-    const std::optional<Source> source = loadFiles(command.files, command.texturePaths);
+    const std::optional<Source> source = loadFiles(command);
     if (!source)
         return ExitStatus::WrongUse;
     const std::optional<std::vector<Task>> tasks = makeTasks(command, *source);

@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <thread>
+#include <utility>
 
 #include <MaterialTranslation/Bakes.h>
 #include <MaterialTranslation/Diagnostics.h>
@@ -110,6 +111,14 @@ Outcome convert(const Translate& translate, std::size_t worker, const Task& task
     return outcome;
 }
 
+/// How many threads the command may use.
+unsigned jobsOf(const DocumentsCommand& command)
+{
+    if (command.options.verbose)
+        return 1;
+    return std::max(command.jobs ? command.jobs : std::thread::hardware_concurrency(), 1U);
+}
+
 void addItem(const JsonNode& entry, const assetlib::Material& material, const std::string& name)
 {
     entry.add("id", material.id);
@@ -138,16 +147,27 @@ class Delivery
         _report.root().add("converter", MaterialTranslation::libraryVersion());
         _entries = _report.root().addList(things);
     }
+    Delivery(const Delivery&) = delete;
+    Delivery& operator=(const Delivery&) = delete;
+    ~Delivery() { printResults(); }
 
     void take(std::size_t step, const Outcome& outcome)
     {
         const Task& task = _tasks[step];
-        const std::string messages = messageLines(fileOf(task), subjectOf(task.item), outcome);
+        const bool isSilent = outcome.converted && outcome.warnings.empty();
+        const std::string messages =
+            isSilent ? "" : messageLines(fileOf(task.item), subjectOf(task.item), outcome);
         if (!messages.empty() || Results::onTerminal())
             _progress.clear();
+        // Both may go to one file, and what was done before is told before.
+        if (!messages.empty())
+            printResults();
         complainAsIs(messages);
         if (outcome.converted)
-            _results.write(outcome.document + '\n');
+            _lines += outcome.document + '\n';
+        constexpr std::size_t enough = 1U << 14;
+        if (!Results::intoFile() || _lines.size() > enough)
+            printResults();
         _progress.show(step + 1);
         ++(outcome.converted ? _converted : _failed);
         if (!outcome.warnings.empty())
@@ -162,6 +182,7 @@ class Delivery
     /// @return how the conversion ended.
     ExitStatus finish(std::size_t done, const OutputFolder& folder)
     {
+        printResults();
         _progress.clear();
         if (!_command.quiet)
             complain("vyr-mtlx: " + std::to_string(_converted) + " converted, " +
@@ -181,11 +202,17 @@ class Delivery
     }
 
   private:
+    void printResults()
+    {
+        if (!_lines.empty())
+            _results.write(std::exchange(_lines, std::string()));
+    }
+
     void note(const Task& task, const Outcome& outcome)
     {
         const JsonNode entry = _entries.addObject();
         std::visit([&](const auto* item) { addItem(entry, *item, task.name); }, task.item);
-        entry.add("file", fileOf(task));
+        entry.add("file", fileOf(task.item));
         entry.add("status", outcome.converted ? "converted" : "failed");
         entry.addOrNull("document", outcome.document);
         entry.add("textures", outcome.textures);
@@ -227,6 +254,8 @@ class Delivery
     const char* _things;
     Progress _progress;
     Results _results;
+    /// Results that are not printed yet.
+    std::string _lines;
     JsonDocument _report;
     JsonNode _entries;
     std::size_t _converted = 0;
@@ -236,12 +265,14 @@ class Delivery
 
 } // namespace
 
+std::optional<Source> loadFiles(const DocumentsCommand& command)
+{
+    return loadFiles(command.files, {command.texturePaths, jobsOf(command)});
+}
+
 std::size_t workersFor(const DocumentsCommand& command, std::size_t tasks)
 {
-    if (command.options.verbose)
-        return 1;
-    const unsigned wanted = command.jobs ? command.jobs : std::thread::hardware_concurrency();
-    return std::clamp<std::size_t>(tasks, 1, std::max(wanted, 1u));
+    return std::clamp<std::size_t>(tasks, 1, jobsOf(command));
 }
 
 bool canConvert(const DocumentsCommand& command, const std::vector<Task>& tasks,

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include <MaterialXCore/Document.h>
@@ -21,6 +22,10 @@ namespace vyr::cli
 /// @param worker number of the thread, which does one task after the other.
 using Translate =
     std::function<MaterialX::DocumentPtr(std::size_t worker, const Task& task, Outcome& outcome)>;
+
+/// Loads the files of the command, on as many threads as are of use.
+/// @return nothing when there is an error; all of them are then on standard error.
+std::optional<Source> loadFiles(const DocumentsCommand& command);
 
 /// What can be told before anything is written: no file is written over that is read, and the definitions
 /// of nodes can be read, where the command needs them.

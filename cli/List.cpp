@@ -35,7 +35,7 @@ std::vector<Entry> materialsOf(const assetlib::Library& library)
     std::vector<Entry> entries;
     for (const assetlib::Material& material : library.materials())
         entries.push_back({material.id, converter.getMaterialName(*material.asset).str(),
-                           material.schema, material.file, reachOf(*material.asset).images});
+                           material.schema, material.file, imagesOf(*material.asset)});
     return entries;
 }
 

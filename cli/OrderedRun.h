@@ -2,16 +2,13 @@
 
 #include <atomic>
 #include <cstddef>
-#include <exception>
 #include <map>
 #include <mutex>
-#include <system_error>
-#include <thread>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "Console.h"
+#include "base/SideBySide.h"
 
 namespace vyr::cli
 {
@@ -36,22 +33,7 @@ template <class Work, class Deliver> class OrderedRun
     /// @throws what `work` and `deliver` throw, after all threads have ended.
     std::size_t on(std::size_t workers)
     {
-        std::vector<std::thread> threads;
-        threads.reserve(workers);
-        try
-        {
-            for (std::size_t worker = 1; worker < workers; ++worker)
-                threads.emplace_back([this, worker] { take(worker); });
-        }
-        catch (const std::system_error&)
-        {
-            // The system has no more threads to give: the ones that are there do the work.
-        }
-        take(0);
-        for (std::thread& thread : threads)
-            thread.join();
-        if (_failure)
-            std::rethrow_exception(_failure);
+        base::sideBySide(workers, [this](std::size_t worker) { take(worker); });
         return _delivered;
     }
 
@@ -73,17 +55,21 @@ template <class Work, class Deliver> class OrderedRun
         }
         catch (...)
         {
-            const std::lock_guard lock(_mutex);
             _failed = true;
-            if (!_failure)
-                _failure = std::current_exception();
+            throw;
         }
     }
 
     void hand(std::size_t step, Outcome&& outcome)
     {
         const std::lock_guard lock(_mutex);
-        _waiting.emplace(step, std::move(outcome));
+        if (step == _delivered)
+        {
+            _deliver(step, outcome);
+            ++_delivered;
+        }
+        else
+            _waiting.emplace(step, std::move(outcome));
         while (!_waiting.empty() && _waiting.begin()->first == _delivered)
         {
             _deliver(_delivered, _waiting.begin()->second);
@@ -102,7 +88,6 @@ template <class Work, class Deliver> class OrderedRun
     /// Outcomes whose turn has not come.
     std::map<std::size_t, Outcome> _waiting;
     std::size_t _delivered = 0;
-    std::exception_ptr _failure;
 };
 
 } // namespace vyr::cli

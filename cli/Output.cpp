@@ -92,14 +92,6 @@ void makeImagePathsRelative(const MaterialX::DocumentPtr& document, const Output
             input->setValueString(base::genericUtf8FromPath(*way));
 }
 
-std::string DocumentNames::claim(const std::string& name, const std::string& owner)
-{
-    if (base::isDeviceName(name))
-        return "some systems reserve the name \"" + name + "\" for a device";
-    const auto [entry, isNew] = _owners.try_emplace(base::foldCase(name), owner);
-    return isNew ? std::string() : "the name \"" + name + "\" is that of " + entry->second + " too";
-}
-
 fs::path documentFile(const std::string& name)
 {
     return base::pathFromUtf8(name + ".mtlx");

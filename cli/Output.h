@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -41,21 +40,6 @@ std::filesystem::path placeOf(const std::filesystem::path& file);
 /// Rewrites the paths of a document's images inside the folder relative to it, with forward slashes, so
 /// that the folder can be moved as a whole with the documents in it. All other paths stay as they are.
 void makeImagePathsRelative(const MaterialX::DocumentPtr& document, const OutputFolder& folder);
-
-/// Keeps apart the documents that are written into one folder.
-class DocumentNames
-{
-  public:
-    /// Takes a name for an owner.
-    /// @param owner how messages call it, for example `material "a" (walls.json)`.
-    /// @return why the name cannot be had, empty when it is taken: another owner has it (case does
-    ///         not count, since some file systems ignore it), or some system reserves it for a device.
-    std::string claim(const std::string& name, const std::string& owner);
-
-  private:
-    /// From the name without regard to case.
-    std::map<std::string, std::string> _owners;
-};
 
 /// The file name of a document.
 std::filesystem::path documentFile(const std::string& name);

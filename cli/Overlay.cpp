@@ -111,7 +111,7 @@ MaterialX::DocumentPtr translate(const Task& task, const mt::ConverterOptions& o
 
 ExitStatus run(const OverlayCommand& command)
 {
-    const std::optional<Source> source = loadFiles(command.files, command.texturePaths);
+    const std::optional<Source> source = loadFiles(command);
     if (!source)
         return ExitStatus::WrongUse;
     const std::vector<Task> tasks = makeTasks(command, *source);

@@ -20,12 +20,15 @@ using namespace kelvor::platform::assets;
 using kelvor::platform::core::string::UTF8String;
 using Reference = std::unique_ptr<IAssetInstance, IAssetInstanceDeleter>;
 
-/// Visits the assets depth first, each once. What waits is on a stack of its own: files may connect
-/// thousands of assets in a chain.
-class ReachWalk
+/// Visits an asset and all that are connected to it, depth first, each once. What waits is on a stack of its
+/// own: files may connect thousands of assets in a chain.
+/// @tparam Visitor is called with each asset, and with each property that is a URI.
+template <class Visitor> class ReachWalk
 {
   public:
-    Reach from(const IAssetInstance& root)
+    explicit ReachWalk(Visitor visitor) : _visitor(std::move(visitor)) {}
+
+    void from(const IAssetInstance& root)
     {
         visit(root);
         while (!_waiting.empty())
@@ -41,7 +44,6 @@ class ReachWalk
                 visit(*asset);
             }
         }
-        return std::move(_reach);
     }
 
   private:
@@ -56,9 +58,7 @@ class ReachWalk
 
     void visit(const IAssetInstance& asset)
     {
-        UTF8String id;
-        asset.GetIdentifier(id);
-        _reach.ids.insert(id.str());
+        _visitor(asset);
         if (const IPropertyConstTable* generic = asset.GetGenericPropertyTable())
             addProperties(*generic);
         addProperties(asset);
@@ -67,33 +67,54 @@ class ReachWalk
     void addProperties(const IPropertyConstTable& table)
     {
         for (std::size_t i = table.GetPropertyCount(); i-- > 0;)
-            if (const IProperty* property = table.GetProperty(i))
+            if (const IProperty* property = table.GetProperty(i);
+                property &&
+                (property->GetType() == ePropertyType_URI || property->HasConnections()))
                 _waiting.push_back({property, nullptr});
     }
 
     void visit(const IProperty& property)
     {
         if (property.GetType() == ePropertyType_URI)
-            if (const auto* uri = dynamic_cast<const IUriValue*>(property.GetValue()))
-                addImage(*uri);
+            _visitor(property);
         for (std::size_t i = property.GetConnectionCount(); i-- > 0;)
             if (Reference connected(property.GetConnectedAsset(i)); connected)
                 _waiting.push_back({nullptr, std::move(connected)});
     }
 
-    void addImage(const IUriValue& uri)
-    {
-        UTF8String text;
-        uri.GetUri(text, TextForm::Stored);
-        if (!text.empty() && _seenImages.insert(text.str()).second)
-            _reach.images.push_back(text.str());
-    }
-
-    Reach _reach;
-    std::unordered_set<std::string> _seenImages;
+    Visitor _visitor;
     std::unordered_set<const IAssetInstance*> _visited;
     std::vector<Reference> _held;
     std::vector<Step> _waiting;
+};
+
+struct IdVisitor
+{
+    std::unordered_set<std::string>& ids;
+
+    void operator()(const IAssetInstance& asset) const
+    {
+        UTF8String id;
+        asset.GetIdentifier(id);
+        ids.insert(id.str());
+    }
+    void operator()(const IProperty& /*uri*/) const {}
+};
+
+struct ImageVisitor
+{
+    std::vector<std::string>& images;
+    std::unordered_set<std::string> seen = {};
+
+    void operator()(const IAssetInstance& /*asset*/) const {}
+    void operator()(const IProperty& property)
+    {
+        UTF8String text;
+        if (const auto* uri = dynamic_cast<const IUriValue*>(property.GetValue()))
+            uri->GetUri(text, TextForm::Stored);
+        if (!text.empty() && seen.insert(text.str()).second)
+            images.push_back(text.str());
+    }
 };
 
 void addPath(std::vector<std::string>& paths,
@@ -106,9 +127,9 @@ void addPath(std::vector<std::string>& paths,
 } // namespace
 
 std::optional<Source> loadFiles(const std::vector<std::string>& files,
-                                const std::vector<std::string>& texturePaths)
+                                const assetlib::LoadOptions& options)
 {
-    assetlib::LoadResult result = assetlib::load(files, {texturePaths});
+    assetlib::LoadResult result = assetlib::load(files, options);
     for (const assetlib::LoadError& error : result.errors)
         complain(error.format());
     if (!result.library)
@@ -144,9 +165,18 @@ std::vector<std::string> imagesOf(const assetlib::Overlay& overlay)
     return paths;
 }
 
-Reach reachOf(const IAssetInstance& asset)
+std::unordered_set<std::string> idsOf(const IAssetInstance& asset)
 {
-    return ReachWalk().from(asset);
+    std::unordered_set<std::string> ids;
+    ReachWalk(IdVisitor{ids}).from(asset);
+    return ids;
+}
+
+std::vector<std::string> imagesOf(const IAssetInstance& asset)
+{
+    std::vector<std::string> images;
+    ReachWalk(ImageVisitor{images}).from(asset);
+    return images;
 }
 
 } // namespace vyr::cli

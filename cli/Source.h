@@ -20,7 +20,7 @@ struct Source
 /// Loads asset library files together.
 /// @return nothing when there is an error; all of them are then on standard error.
 std::optional<Source> loadFiles(const std::vector<std::string>& files,
-                                const std::vector<std::string>& texturePaths = {});
+                                const assetlib::LoadOptions& options = {});
 
 /// How messages call a material or overlay: `material "mat-3" (GenericSchema)`.
 std::string subjectOf(const assetlib::Material& material);
@@ -32,15 +32,10 @@ std::string typeName(const assetlib::Overlay& overlay);
 /// The images of an overlay, without empty paths.
 std::vector<std::string> imagesOf(const assetlib::Overlay& overlay);
 
-/// What an asset leads to, itself included.
-struct Reach
-{
-    /// Identifiers of the asset and of all that are connected to it, however deep.
-    std::unordered_set<std::string> ids;
-    /// Their image references, in the order of their properties, each once.
-    std::vector<std::string> images;
-};
+/// The identifiers of an asset and of all that are connected to it, however deep.
+std::unordered_set<std::string> idsOf(const kelvor::platform::assets::IAssetInstance& asset);
 
-Reach reachOf(const kelvor::platform::assets::IAssetInstance& asset);
+/// Their image references, in the order of their properties, each once.
+std::vector<std::string> imagesOf(const kelvor::platform::assets::IAssetInstance& asset);
 
 } // namespace vyr::cli

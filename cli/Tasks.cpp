@@ -37,10 +37,27 @@ bool allExist(const std::vector<std::string>& ids, const assetlib::Library& libr
     return exist;
 }
 
-std::string claim(DocumentNames& names, const std::string& name, const Task& task)
+/// Keeps apart the documents that are written into one folder.
+class DocumentNames
 {
-    return names.claim(name, subjectOf(task.item) + " of " + fileOf(task));
-}
+  public:
+    /// Takes a name for a material or overlay.
+    /// @return why the name cannot be had, empty when it is taken: another one has it (case does not
+    ///         count, since some file systems ignore it), or some system reserves it for a device.
+    std::string claim(const std::string& name, const Item& item)
+    {
+        if (base::isDeviceName(name))
+            return "some systems reserve the name \"" + name + "\" for a device";
+        const auto [entry, isNew] = _owners.try_emplace(base::foldCase(name), item);
+        return isNew ? std::string()
+                     : "the name \"" + name + "\" is that of " + subjectOf(entry->second) + " of " +
+                           fileOf(entry->second) + " too";
+    }
+
+  private:
+    /// By the name without regard to case.
+    std::unordered_map<std::string, Item> _owners;
+};
 
 const IAssetInstance& assetOf(const Task& task)
 {
@@ -52,7 +69,7 @@ std::vector<std::string> referencesOf(const Item& item)
 {
     if (const auto* overlay = std::get_if<const assetlib::Overlay*>(&item))
         return imagesOf(**overlay);
-    return reachOf(*std::get<const assetlib::Material*>(item)->asset).images;
+    return imagesOf(*std::get<const assetlib::Material*>(item)->asset);
 }
 
 /// Tells the materials that are refused whether names with identifiers are of use: different identifiers
@@ -65,7 +82,7 @@ void adviseIdNames(std::vector<Task>& tasks, ConverterOptions options)
     for (Task& task : tasks)
     {
         const bool helps =
-            claim(names, converter.getMaterialName(assetOf(task)).str(), task).empty();
+            names.claim(converter.getMaterialName(assetOf(task)).str(), task.item).empty();
         if (!task.refusal.empty() && (idNames || helps))
             task.refusal += idNames ? " even with --id-names" : "; --id-names keeps such apart";
     }
@@ -80,7 +97,7 @@ void nameTasks(std::vector<Task>& tasks, ConverterOptions options)
     for (Task& task : tasks)
     {
         task.name = converter.getMaterialName(assetOf(task)).str();
-        task.refusal = claim(names, task.name, task);
+        task.refusal = names.claim(task.name, task.item);
         allNamed = allNamed && task.refusal.empty();
     }
     if (!allNamed)
@@ -101,9 +118,9 @@ void attachWarnings(std::vector<Task>& tasks, const std::vector<assetlib::LoadWa
         return;
     for (Task& task : tasks)
     {
-        const Reach reach = reachOf(assetOf(task));
+        const std::unordered_set<std::string> ids = idsOf(assetOf(task));
         for (const assetlib::LoadWarning& warning : warnings)
-            if (reach.ids.contains(warning.asset))
+            if (ids.contains(warning.asset))
                 task.warnings.push_back({caseDiffers(), warning.property, warning.message});
     }
 }
@@ -164,10 +181,12 @@ class Preflight
     /// What is wrong with what a task writes; empty for nothing.
     std::string problemOf(const Task& task)
     {
-        const fs::path folder = _folder / base::pathFromUtf8(task.name);
-        const auto isInside = [&](const fs::path& file) { return file.parent_path() == folder; };
-        if (const auto kept = _kept.find(documentFile(task.name).native()); kept != _kept.end())
-            return "its document would replace " + kept->second;
+        const auto isInside = [&](const fs::path& file)
+        { return file.parent_path() == _folder / base::pathFromUtf8(task.name); };
+        // Mostly there is nothing that could be replaced, and then no path is made.
+        if (!_kept.empty())
+            if (const auto kept = _kept.find(documentFile(task.name).native()); kept != _kept.end())
+                return "its document would replace " + kept->second;
         if (_report && isInside(*_report))
             return "the report would lie in the folder of its images";
         if (_copies && std::ranges::any_of(_inputs, isInside))
@@ -230,9 +249,9 @@ class Preflight
 
 } // namespace
 
-const std::string& fileOf(const Task& task)
+const std::string& fileOf(const Item& item)
 {
-    return std::visit([](const auto* item) -> const std::string& { return item->file; }, task.item);
+    return std::visit([](const auto* i) -> const std::string& { return i->file; }, item);
 }
 
 std::string subjectOf(const Item& item)
@@ -250,7 +269,7 @@ std::vector<Task> makeTasks(const OverlayCommand& /*command*/, const Source& sou
         task.item = &overlay;
         task.name = base::plainName(overlay.name);
         task.refusal = task.name.empty() ? "the name has no ASCII letter or digit"
-                                         : claim(names, task.name, task);
+                                         : names.claim(task.name, task.item);
         for (const assetlib::LoadWarning& warning : source.warnings)
             if (warning.file == overlay.file && warning.pointer.starts_with(overlay.pointer + "/"))
                 task.warnings.push_back({caseDiffers(), warning.property, warning.message});
@@ -264,6 +283,7 @@ std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const 
         return std::nullopt;
     const std::unordered_set<std::string> selected(command.assets.begin(), command.assets.end());
     std::vector<Task> tasks;
+    tasks.reserve(selected.empty() ? source.library.materials().size() : selected.size());
     for (const assetlib::Material& material : source.library.materials())
         if (selected.empty() || selected.contains(material.id))
             tasks.emplace_back().item = &material;

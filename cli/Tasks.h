@@ -27,8 +27,8 @@ struct Task
     std::vector<Warning> warnings;
 };
 
-/// The file that a task comes from, and how messages call it.
-const std::string& fileOf(const Task& task);
+/// The file that it comes from, and how messages call it.
+const std::string& fileOf(const Item& item);
 std::string subjectOf(const Item& item);
 
 /// All overlays, in input order, with their names.

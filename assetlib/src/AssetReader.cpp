@@ -72,7 +72,7 @@ Asset* AssetReader::readTopLevel(const std::string& pointer)
 {
     if (!_object.isObject())
         return nullptr;
-    _asset = &_file.loading.store.add();
+    _asset = &_file.loading.shelf.add();
     readId(pointer);
     _file.loading.assets.push_back(_asset);
     read();
@@ -90,20 +90,15 @@ void AssetReader::readId(const std::string& pointer)
     const std::string_view id = _file.keep(*text);
     _asset->content().id = id;
     _owner = id;
-    const auto [origin, isNew] = _file.loading.origins.try_emplace(id);
-    if (isNew)
-        origin->second = {_asset, _file.report.file(), pointer};
-    else
-        _file.report.error(*member, "expected an id of its own, " + base::inQuotes(id) +
-                                        " belongs to " + std::string(origin->second.file) + ": " +
-                                        origin->second.pointer);
+    _file.loading.origins.push_back(
+        {id, _asset, _file.index, _file.report.token(*member), pointer});
 }
 
 Asset* AssetReader::readInline()
 {
     if (!_object.isObject())
         return nullptr;
-    _asset = &_file.loading.store.add();
+    _asset = &_file.loading.shelf.add();
     if (const auto id = _object.find("id"))
         _file.report.error(*id, "expected no id in an inline asset");
     read();

@@ -188,6 +188,23 @@ class Asset final : public platform::IAssetInstance
     bool _isClone;
 };
 
+/// A part of a store. Filled by one thread.
+class Shelf
+{
+  public:
+    explicit Shelf(Store& store) : _store(store) {}
+
+    /// Holds the texts, values and tables of the assets.
+    Arena& arena() { return _arena; }
+    /// An empty asset; its address stays.
+    Asset& add() { return _assets.emplace_back(_store, *_arena.make<AssetContent>(), false); }
+
+  private:
+    Store& _store;
+    Arena _arena;
+    std::deque<Asset> _assets;
+};
+
 /// All assets of one load. They refer to each other, so they live and go together: the store counts
 /// the references to all of them. Connections may be long chains, which one reference an asset would
 /// tear down by deep recursion.
@@ -198,10 +215,8 @@ class Store
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
 
-    /// Holds the texts, values and tables of the assets.
-    Arena& arena() { return _arena; }
-    /// An empty asset; its address stays.
-    Asset& add() { return _assets.emplace_back(*this, *_arena.make<AssetContent>(), false); }
+    /// A new part.
+    Shelf& addShelf() { return _shelves.emplace_back(*this); }
 
     void retain() { _references.fetch_add(1, std::memory_order_relaxed); }
     void release();
@@ -212,8 +227,7 @@ class Store
     ~Store() = default;
 
     std::atomic<std::size_t> _references{1};
-    Arena _arena;
-    std::deque<Asset> _assets;
+    std::deque<Shelf> _shelves;
 };
 
 } // namespace vyr::assetlib

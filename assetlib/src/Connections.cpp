@@ -94,15 +94,29 @@ class CycleSearch
     std::vector<Step> _path;
 };
 
+/// The first asset of each id; reports the others.
+std::unordered_map<std::string_view, const AssetOrigin*> indexOf(
+    const std::vector<AssetOrigin>& origins, std::vector<Report>& reports)
+{
+    std::unordered_map<std::string_view, const AssetOrigin*> index(origins.size());
+    for (const AssetOrigin& origin : origins)
+        if (const auto [first, isNew] = index.try_emplace(origin.id, &origin); !isNew)
+            reports[origin.file].error(
+                origin.token, "expected an id of its own, " + base::inQuotes(origin.id) +
+                                  " belongs to " + reports[first->second->file].file() + ": " +
+                                  first->second->pointer);
+    return index;
+}
+
 void resolve(Loading& loading, std::vector<Report>& reports, bool reportMissing)
 {
+    const auto index = indexOf(loading.origins, reports);
     for (Connection& connection : loading.connections)
     {
         if (!connection.to)
         {
-            if (const auto origin = loading.origins.find(connection.id);
-                origin != loading.origins.end())
-                connection.to = origin->second.asset;
+            if (const auto origin = index.find(connection.id); origin != index.end())
+                connection.to = origin->second->asset;
             else if (reportMissing)
                 reports[connection.file].error(connection.token,
                                                "expected the id of an asset, no loaded file has " +
@@ -125,7 +139,8 @@ void connect(Loading& loading, std::vector<Report>& reports, bool reportMissing)
     }
     CycleSearch search(edges, reports);
     for (const Asset* asset : loading.assets)
-        search.walkFrom(*asset);
+        if (edges.contains(asset))
+            search.walkFrom(*asset);
 }
 
 } // namespace vyr::assetlib

@@ -1,13 +1,17 @@
 #include "Loading.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
+#include <utility>
 
 #include "JsonReaders.h"
 #include "base/Paths.h"
+#include "base/SideBySide.h"
 
 namespace vyr::assetlib
 {
@@ -93,32 +97,102 @@ std::vector<fs::path> folderChain(const std::string& file,
     return chain;
 }
 
+/// An array member, if there is one.
+std::optional<JsonValue> findArray(ObjectReader& object, std::string_view key, Report& report)
+{
+    const auto list = object.find(key);
+    if (!list || list->kind() == JsonValue::Kind::Array)
+        return list;
+    report.error(*list, "expected an array");
+    return std::nullopt;
+}
+
 /// Calls `read(item, pointer)` with each item of an array member, if there is one.
 template <class Read>
 void forEachItem(ObjectReader& object, std::string_view key, Report& report, Read read)
 {
-    const auto list = object.find(key);
+    const auto list = findArray(object, key, report);
     if (!list)
         return;
-    if (list->kind() != JsonValue::Kind::Array)
-        return report.error(*list, "expected an array");
     std::size_t index = 0;
     for (const JsonValue item : list->items())
         read(item, '/' + std::string(key) + '/' + std::to_string(index++));
 }
 
-void readContent(ObjectReader& object, FileContext& file, FileContent& content)
+void readMaterial(JsonValue value, std::size_t index, FileContext& file,
+                  std::vector<Material>& materials)
 {
-    forEachItem(object, "materials", file.report,
-                [&](JsonValue value, const std::string& pointer)
-                {
-                    const Asset* asset = readAsset(value, pointer, file);
-                    if (!asset)
-                        return;
-                    content.materials.push_back({asset, std::string(asset->content().id),
-                                                 std::string(asset->content().definition.name()),
-                                                 file.report.file(), pointer});
-                });
+    const std::string pointer = "/materials/" + std::to_string(index);
+    const Asset* asset = readAsset(value, pointer, file);
+    if (!asset)
+        return;
+    materials.push_back({asset, std::string(asset->content().id),
+                         std::string(asset->content().definition.name()), file.report.file(),
+                         pointer});
+}
+
+/// Some materials of a file, read by one thread, with all that it writes to.
+struct Part
+{
+    Part(Store& store, const FileContext& file, JsonItems::Iterator firstMaterial,
+         std::size_t firstIndex)
+        : loading{store.addShelf()}, report(file.report.forPart()),
+          images(loading.folders, file.images.folders()), first(firstMaterial), index(firstIndex)
+    {
+    }
+
+    void read(std::size_t fileIndex, std::size_t count)
+    {
+        FileContext file{loading, fileIndex, report, images};
+        materials.reserve(count);
+        for (const std::size_t end = index + count; index < end; ++index, ++first)
+            readMaterial(*first, index, file, materials);
+    }
+
+    Loading loading;
+    Report report;
+    ImageFinder images;
+    JsonItems::Iterator first;
+    std::size_t index;
+    std::vector<Material> materials = {};
+};
+
+/// @param threads that may read at once
+std::vector<Material> readMaterials(JsonItems items, FileContext& file, Store& store,
+                                    unsigned threads)
+{
+    // With fewer a thread costs more than it saves.
+    constexpr std::size_t fewest = 500;
+    const std::size_t count =
+        std::clamp<std::size_t>(items.size() / fewest, 1, std::max(threads, 1U));
+    const auto startOf = [&](std::size_t part) { return items.size() * part / count; };
+    std::deque<Part> parts;
+    auto item = items.begin();
+    for (std::size_t index = 0; parts.size() < count; ++index)
+    {
+        if (index == startOf(parts.size()))
+            parts.emplace_back(store, file, item, index);
+        if (parts.size() < count)
+            ++item;
+    }
+    base::sideBySide(count, [&](std::size_t part)
+                     { parts[part].read(file.index, startOf(part + 1) - startOf(part)); });
+
+    std::vector<Material> materials;
+    for (Part& part : parts)
+    {
+        moveBehind(materials, std::move(part.materials));
+        file.loading.append(std::move(part.loading));
+        file.report.take(std::move(part.report));
+    }
+    return materials;
+}
+
+void readContent(ObjectReader& object, FileContext& file, FileContent& content, Store& store,
+                 unsigned threads)
+{
+    if (const auto list = findArray(object, "materials", file.report))
+        content.materials = readMaterials(list->items(), file, store, threads);
     forEachItem(object, "textures", file.report, [&](JsonValue value, const std::string& pointer)
                 { readAsset(value, pointer, file); });
     forEachItem(object, "overlays", file.report,
@@ -143,8 +217,15 @@ const std::string* FileContext::findImage(JsonValue value, std::string_view asse
     return &image.path;
 }
 
-FileContent readAssetFile(Loading& loading, std::size_t index, Report& report,
-                          const std::vector<std::string>& programFolders)
+void Loading::append(Loading&& part)
+{
+    moveBehind(assets, std::move(part.assets));
+    moveBehind(origins, std::move(part.origins));
+    moveBehind(connections, std::move(part.connections));
+}
+
+FileContent readAssetFile(Store& store, Loading& loading, std::size_t index, Report& report,
+                          const LoadOptions& options)
 {
     FileContent content;
     if (std::string why = readBytes(base::pathFromUtf8(report.file()), report.text()); !why.empty())
@@ -164,9 +245,9 @@ FileContent readAssetFile(Loading& loading, std::size_t index, Report& report,
     std::vector<std::string_view> folders;
     if (const auto paths = object.find("texturePaths"))
         folders = readTexts(*paths, report);
-    ImageFinder images(loading.folders, folderChain(report.file(), folders, programFolders));
+    ImageFinder images(loading.folders, folderChain(report.file(), folders, options.texturePaths));
     FileContext file{loading, index, report, images};
-    readContent(object, file, content);
+    readContent(object, file, content, store, options.threads);
     object.reportUnknownKeys();
     return content;
 }

@@ -45,6 +45,8 @@ class ImageFinder
     {
     }
 
+    const std::vector<std::filesystem::path>& folders() const { return _folders; }
+
     /// The result lives as long as the finder.
     const Image& find(const std::string& reference);
 

@@ -27,17 +27,12 @@ class Library::Content
     Store& store = *new Store;
     std::vector<Material> materials;
     std::vector<Overlay> overlays;
-    std::unordered_map<std::string, std::size_t> materialIndex;
+    /// By the ids of the materials.
+    std::unordered_map<std::string_view, std::size_t> materialIndex;
 };
 
 namespace
 {
-
-template <class T> void append(std::vector<T>& all, std::vector<T>&& some)
-{
-    all.insert(all.end(), std::make_move_iterator(some.begin()),
-               std::make_move_iterator(some.end()));
-}
 
 /// The asset library of this process as converters see it.
 class LibraryManager final : public platform::IAssetLibraryManager, private platform::IPathResolver
@@ -135,15 +130,15 @@ std::size_t Library::referenceCount() const
 LoadResult load(const std::vector<std::string>& files, const LoadOptions& options)
 {
     auto content = std::make_unique<Library::Content>();
-    Loading loading{content->store};
+    Loading loading{content->store.addShelf()};
     std::vector<Report> reports(files.begin(), files.end());
     bool allKnown = true;
     for (std::size_t i = 0; i < files.size(); ++i)
     {
-        FileContent file = readAssetFile(loading, i, reports[i], options.texturePaths);
+        FileContent file = readAssetFile(content->store, loading, i, reports[i], options);
         allKnown = allKnown && file.isKnown;
-        append(content->materials, std::move(file.materials));
-        append(content->overlays, std::move(file.overlays));
+        moveBehind(content->materials, std::move(file.materials));
+        moveBehind(content->overlays, std::move(file.overlays));
     }
     connect(loading, reports, allKnown);
 
@@ -152,6 +147,7 @@ LoadResult load(const std::vector<std::string>& files, const LoadOptions& option
         report.addTo(result);
     if (!result.errors.empty())
         return result;
+    content->materialIndex.reserve(content->materials.size());
     for (std::size_t i = 0; i < content->materials.size(); ++i)
         content->materialIndex.emplace(content->materials[i].id, i);
     result.library = Library(std::move(content));

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <iterator>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "Assets.h"
@@ -12,6 +13,15 @@
 
 namespace vyr::assetlib
 {
+
+template <class T> void moveBehind(std::vector<T>& all, std::vector<T>&& some)
+{
+    if (all.empty())
+        all = std::move(some);
+    else
+        all.insert(all.end(), std::make_move_iterator(some.begin()),
+                   std::make_move_iterator(some.end()));
+}
 
 /// One entry of a "connected" list. Inline assets are known at once, others when all files are read.
 struct Connection
@@ -27,25 +37,31 @@ struct Connection
     Report::Token token = 0;
 };
 
-/// Where an asset with an id is written.
+/// An id, and where the asset that has it is written.
 struct AssetOrigin
 {
+    std::string_view id;
     Asset* asset = nullptr;
-    std::string_view file;
-    std::string pointer;
+    std::size_t file = 0;
+    /// Of the id.
+    Report::Token token = 0;
+    std::string pointer = {};
 };
 
-/// What is common to the files of one load.
+/// What one thread has read. Lists are in the order of files and in the order in a file.
 struct Loading
 {
-    Store& store;
+    Shelf& shelf;
     FolderCache folders = {};
-    /// Assets with an id, in the order of files and in the order in a file.
+    /// Those that are not written inside others.
     std::vector<Asset*> assets = {};
-    std::unordered_map<std::string_view, AssetOrigin> origins = {};
+    std::vector<AssetOrigin> origins = {};
     std::vector<Connection> connections = {};
-    /// Texts in the store that many assets have in common.
+    /// Texts on the shelf that many assets have in common.
     std::unordered_set<std::string_view> commonTexts = {};
+
+    /// Adds what was read of a file behind all this.
+    void append(Loading&& part);
 };
 
 /// What the readers of one file's content share.
@@ -56,7 +72,7 @@ struct FileContext
     Report& report;
     ImageFinder& images;
 
-    Arena& arena() const { return loading.store.arena(); }
+    Arena& arena() const { return loading.shelf.arena(); }
 
     /// A copy of a text of the document in the store.
     std::string_view keep(std::string_view text) const { return arena().keepText(text); }
@@ -86,9 +102,8 @@ struct FileContent
 
 /// Reads the report's file; its assets go into the store.
 /// @param index of the file in the load
-/// @param programFolders searched last for images
-FileContent readAssetFile(Loading& loading, std::size_t index, Report& report,
-                          const std::vector<std::string>& programFolders);
+FileContent readAssetFile(Store& store, Loading& loading, std::size_t index, Report& report,
+                          const LoadOptions& options);
 
 /// Reads one of the assets of a file's "materials" or "textures" into the store, with the assets inside
 /// it. Its connections are gathered and filled in later.
@@ -110,8 +125,8 @@ std::optional<PropertyParts> readProperty(JsonValue member, FileContext& file,
 /// Reads one of a file's "overlays". Nothing when it is not known what kind of overlay it is.
 std::optional<Overlay> readOverlay(JsonValue value, const std::string& pointer, FileContext& file);
 
-/// Fills the slots of all connections, and reports ids that no file has and connections that lead
-/// back to where they came from.
+/// Fills the slots of all connections, and reports ids that several assets have or no file has, and
+/// connections that lead back to where they came from.
 /// @param reports one a file
 /// @param reportMissing false when an id may be in a file that could not be read
 void connect(Loading& loading, std::vector<Report>& reports, bool reportMissing);

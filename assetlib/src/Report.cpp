@@ -177,6 +177,12 @@ void Report::warning(JsonValue at, std::string_view asset, std::string_view prop
          {_file, 0, 0, {}, std::string(asset), std::string(property), std::move(message)}});
 }
 
+void Report::take(Report&& part)
+{
+    std::ranges::move(part._fileErrors, std::back_inserter(_fileErrors));
+    std::ranges::move(part._messages, std::back_inserter(_messages));
+}
+
 void Report::addTo(LoadResult& result)
 {
     std::ranges::move(_fileErrors, std::back_inserter(result.errors));

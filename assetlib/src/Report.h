@@ -40,6 +40,16 @@ class Report
     void warning(JsonValue at, std::string_view asset, std::string_view property,
                  std::string message);
 
+    /// An empty report on the same text, for another thread.
+    Report forPart() const
+    {
+        Report part(_file);
+        part._root = _root;
+        return part;
+    }
+    /// Adds the messages of another report on this file.
+    void take(Report&& part);
+
     /// Moves the messages to the result, in the order of their places.
     void addTo(LoadResult& result);
 

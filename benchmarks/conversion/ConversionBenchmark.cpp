@@ -295,7 +295,7 @@ void tool(benchmark::State& state)
         fs::create_directory(byHand);
         const auto runTool = [&]
         {
-            run("convert \"" + input.file.string() + "\" --quiet --jobs " +
+            run("convert \"" + input.file.string() + "\" --quiet --no-sync --jobs " +
                 std::to_string(state.range(1)) + " --output \"" + ours.string() + "\"");
         };
         const auto write = [&]

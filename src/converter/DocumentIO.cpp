@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
+#include <ranges>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -9,6 +11,7 @@
 #include <MaterialXFormat/XmlIo.h>
 
 #include "base/WriteFile.h"
+#include "converter/PlainXml.h"
 
 namespace vyr::MaterialTranslation
 {
@@ -78,23 +81,25 @@ std::vector<MaterialX::InputPtr> fileInputs(const MaterialX::ConstElementPtr& ro
 {
     std::vector<MaterialX::InputPtr> inputs;
     // The next one is the last; a stack of its own, since documents may be nested deeply.
-    std::vector<MaterialX::ElementPtr> waiting = {
-        std::const_pointer_cast<MaterialX::Element>(root)};
+    std::vector<MaterialX::Element*> waiting = {
+        std::const_pointer_cast<MaterialX::Element>(root).get()};
     while (!waiting.empty())
     {
-        const MaterialX::ElementPtr element = std::move(waiting.back());
+        MaterialX::Element* const element = waiting.back();
         waiting.pop_back();
         if (namesFile(*element))
             if (MaterialX::InputPtr input = element->asA<MaterialX::Input>())
                 inputs.push_back(std::move(input));
-        const std::vector<MaterialX::ElementPtr>& children = element->getChildren();
-        waiting.insert(waiting.end(), children.rbegin(), children.rend());
+        for (const MaterialX::ElementPtr& child : element->getChildren() | std::views::reverse)
+            waiting.push_back(child.get());
     }
     return inputs;
 }
 
 std::string documentToXml(const MaterialX::DocumentPtr& document)
 {
+    if (std::optional<std::string> text = converter::plainXml(*document))
+        return *std::move(text);
     return escapeAttributes(MaterialX::writeToXmlString(document));
 }
 

@@ -84,6 +84,8 @@ struct LoadOptions
     /// and the file's `texturePaths`. Relative ones are relative to the working folder at the time
     /// of the load. A folder that does not exist holds nothing.
     std::vector<std::string> texturePaths;
+    /// How many threads may read a file with many materials; the result is the same.
+    unsigned threads = 1;
 };
 
 /// A reason why files were not taken.
