@@ -41,6 +41,8 @@ bool allExist(const std::vector<std::string>& ids, const assetlib::Library& libr
 class DocumentNames
 {
   public:
+    explicit DocumentNames(std::size_t expected) { _owners.reserve(expected); }
+
     /// Takes a name for a material or overlay.
     /// @return why the name cannot be had, empty when it is taken: another one has it (case does not
     ///         count, since some file systems ignore it), or some system reserves it for a device.
@@ -78,7 +80,7 @@ void adviseIdNames(std::vector<Task>& tasks, ConverterOptions options)
 {
     const bool idNames = std::exchange(options.useAssetIdInName, true);
     MaterialXConverter converter(options);
-    DocumentNames names;
+    DocumentNames names(tasks.size());
     for (Task& task : tasks)
     {
         const bool helps =
@@ -92,7 +94,7 @@ void adviseIdNames(std::vector<Task>& tasks, ConverterOptions options)
 void nameTasks(std::vector<Task>& tasks, ConverterOptions options)
 {
     MaterialXConverter converter(options);
-    DocumentNames names;
+    DocumentNames names(tasks.size());
     bool allNamed = true;
     for (Task& task : tasks)
     {
@@ -139,8 +141,9 @@ Places placesOf(const std::string& file)
 class Preflight
 {
   public:
-    explicit Preflight(const DocumentsCommand& command)
-        : _folder(placeOf(base::pathFromUtf8(command.output) / "*").parent_path()),
+    /// Both are borrowed.
+    Preflight(const DocumentsCommand& command, const std::vector<Task>& tasks)
+        : _tasks(tasks), _folder(placeOf(base::pathFromUtf8(command.output) / "*").parent_path()),
           _copies(command.options.copyTextures)
     {
         for (const std::string& file : command.files)
@@ -191,13 +194,11 @@ class Preflight
             return "the report would lie in the folder of its images";
         if (_copies && std::ranges::any_of(_inputs, isInside))
             return "an input file lies in the folder where its images are gathered";
-        _tasks.emplace(task.name, task.item);
         return {};
     }
 
     /// What is wrong with the images of a material or overlay of the files, also one that is not converted. They
     /// are inputs like a library, and must not lie where another one's images go, which might replace them.
-    /// To be called when all tasks are known.
     std::string imageProblem(const Item& item)
     {
         for (const std::string& reference : referencesOf(item))
@@ -209,11 +210,12 @@ class Preflight
                     return "the report would replace its image " + reference;
                 const fs::path folder = place.parent_path();
                 if (folder == _folder && place.extension() == ".mtlx" &&
-                    _tasks.contains(base::utf8FromPath(place.stem())))
+                    owners().contains(base::utf8FromPath(place.stem())))
                     return "a document would replace its image " + reference;
-                const auto owner = _tasks.find(base::utf8FromPath(folder.filename()));
-                if (folder.parent_path() == _folder && owner != _tasks.end() &&
-                    owner->second != item)
+                if (folder.parent_path() != _folder)
+                    continue;
+                const auto owner = owners().find(base::utf8FromPath(folder.filename()));
+                if (owner != owners().end() && owner->second != item)
                     return "its image " + reference + " lies in the folder of another material";
             }
         }
@@ -230,18 +232,27 @@ class Preflight
         return entry->second;
     }
 
+    /// What is converted, by the names of documents and folders; the first of each name has them.
+    const std::unordered_map<std::string, Item>& owners()
+    {
+        if (_owners.empty())
+            for (const Task& task : _tasks)
+                _owners.emplace(task.name, task.item);
+        return _owners;
+    }
+
     void keep(const fs::path& place, const std::string& what)
     {
         if (place.parent_path() == _folder)
             _kept.try_emplace(place.filename().native(), what);
     }
 
+    const std::vector<Task>& _tasks;
     fs::path _folder;
     std::vector<fs::path> _inputs;
     bool _copies;
     std::optional<fs::path> _report;
-    /// By the names of their documents and folders.
-    std::unordered_map<std::string, Item> _tasks;
+    std::unordered_map<std::string, Item> _owners;
     std::unordered_map<std::string, Places> _images;
     /// Files in the output folder that are not to be replaced, and what they are.
     std::unordered_map<fs::path::string_type, std::string> _kept;
@@ -262,7 +273,7 @@ std::string subjectOf(const Item& item)
 std::vector<Task> makeTasks(const OverlayCommand& /*command*/, const Source& source)
 {
     std::vector<Task> tasks;
-    DocumentNames names;
+    DocumentNames names(source.library.overlays().size());
     for (const assetlib::Overlay& overlay : source.library.overlays())
     {
         Task& task = tasks.emplace_back();
@@ -295,23 +306,23 @@ std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const 
 bool filesAreApart(const DocumentsCommand& command, const std::vector<Task>& tasks,
                    const Source& source)
 {
-    const auto isFine = [](const std::string& subject, const std::string& problem)
+    const auto isFine = [](const auto& subject, const std::string& problem)
     {
         if (!problem.empty())
-            complain("vyr-mtlx: " + subject + ": " + problem);
+            complain("vyr-mtlx: " + subject() + ": " + problem);
         return problem.empty();
     };
-    Preflight preflight(command);
-    if (!isFine("--report " + command.report, preflight.reportProblem()))
+    Preflight preflight(command, tasks);
+    if (!isFine([&] { return "--report " + command.report; }, preflight.reportProblem()))
         return false;
     for (const Task& task : tasks)
-        if (!isFine(subjectOf(task.item), preflight.problemOf(task)))
+        if (!isFine([&] { return subjectOf(task.item); }, preflight.problemOf(task)))
             return false;
     const auto areFine = [&](const auto& items)
     {
         return std::ranges::all_of(
             items, [&](const auto& item)
-            { return isFine(subjectOf(item), preflight.imageProblem(&item)); });
+            { return isFine([&] { return subjectOf(item); }, preflight.imageProblem(&item)); });
     };
     return areFine(source.library.materials()) && areFine(source.library.overlays());
 }

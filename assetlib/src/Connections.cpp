@@ -101,10 +101,10 @@ std::unordered_map<std::string_view, const AssetOrigin*> indexOf(
     std::unordered_map<std::string_view, const AssetOrigin*> index(origins.size());
     for (const AssetOrigin& origin : origins)
         if (const auto [first, isNew] = index.try_emplace(origin.id, &origin); !isNew)
-            reports[origin.file].error(
-                origin.token, "expected an id of its own, " + base::inQuotes(origin.id) +
-                                  " belongs to " + reports[first->second->file].file() + ": " +
-                                  first->second->pointer);
+            reports[origin.file].error(origin.token,
+                                       "expected an id of its own, " + base::inQuotes(origin.id) +
+                                           " belongs to " + reports[first->second->file].file() +
+                                           ": " + first->second->pointer);
     return index;
 }
 

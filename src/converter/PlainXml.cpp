@@ -75,7 +75,8 @@ class Writer
     {
         indent();
         _text.append("<").append(tag);
-        if (!element.getName().empty() && !attribute(mx::Element::NAME_ATTRIBUTE, element.getName()))
+        if (!element.getName().empty() &&
+            !attribute(mx::Element::NAME_ATTRIBUTE, element.getName()))
             return false;
         for (const std::string& name : element.getAttributeNames())
             if (!attribute(name, element.getAttribute(name)))

@@ -46,9 +46,9 @@ void setInputValue(const MaterialX::InputPtr& input, const Value& value,
 }
 
 /// Adds an input with a value.
-template <class Value>
-MaterialX::InputPtr addTypedInput(const MaterialX::InterfaceElementPtr& node,
-                                  const std::string& name, const Value& value)
+/// @param node a pointer to any element with inputs; as it is, since converting it counts references.
+template <class Node, class Value>
+MaterialX::InputPtr addTypedInput(const Node& node, const std::string& name, const Value& value)
 {
     MaterialX::InputPtr input = node->addInput(name, typeStringOf<Value>());
     input->setValueString(valueString(value));

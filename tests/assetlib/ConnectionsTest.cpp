@@ -88,6 +88,54 @@ TEST(AssetConnections, ThatFailAreReported)
               "/materials/0"});
 }
 
+/// All that a load of many assets tells.
+Lines contentOf(const AssetFiles& files, unsigned threads)
+{
+    const LoadResult result = load(files.paths, {{}, threads});
+    Lines lines;
+    for (const LoadError& error : result.errors)
+        lines.push_back(files.relative(error.format()));
+    for (const LoadWarning& warning : result.warnings)
+        lines.push_back(files.relative(warning.format()));
+    if (!result.library)
+        return lines;
+    for (const Material& material : result.library->materials())
+        lines.push_back(material.id + material.pointer + material.schema +
+                        connected(material.asset->FindProperty("p")).front() +
+                        std::to_string(result.library->findMaterial(material.id) == &material));
+    return lines;
+}
+
+TEST(AssetConnections, AreTheSameForEveryNumberOfThreads)
+{
+    constexpr int count = 3001;
+    std::string good;
+    std::string bad;
+    for (int i = 0; i < count; ++i)
+    {
+        const std::string separator = i == 0 ? "" : ",\n";
+        const std::string name = std::to_string(i);
+        good += separator + asset(name, i == 0 ? R"({"schema": "Inline", "properties": {
+            "u": {"type": "uri", "value": "WALL.png"}}})"
+                                               : '"' + std::to_string(i / 2) + '"');
+        // Ids that come again, ids that are missing, circles, no asset at all.
+        bad += separator + (i % 500 == 7 ? std::string("[]")
+                                         : asset(std::to_string(i % 2900),
+                                                 '"' + std::to_string(i * 2 % 3100) + '"'));
+    }
+    for (const std::string& materials : {good, bad})
+    {
+        AssetFiles files;
+        files.folder.write("wall.png", "");
+        files.add("a.json", file(asset("first", "\"last\""))).add("b.json", file(materials));
+        files.add("c.json", file(asset("last", "\"3000\"")));
+        const Lines expected = contentOf(files, 1);
+        EXPECT_GT(expected.size(), 100u);
+        for (const unsigned threads : {2u, 3u, 64u})
+            EXPECT_EQ(contentOf(files, threads), expected) << threads;
+    }
+}
+
 TEST(AssetConnections, MayBeLongChains)
 {
     constexpr int length = 30000;

@@ -3,6 +3,8 @@
 #include <functional>
 #include <tuple>
 
+#include <MaterialTranslation/DocumentIO.h>
+
 #include "host/HostTest.h"
 
 namespace vyr::hosttests
@@ -244,6 +246,47 @@ double tinted(double s, double t)
 
 /// From the shader's input through both graphs to the image and back; each stained wood with its own
 /// stain, even when a material's own graph is called as tints are.
+TEST_F(Documents, AreWrittenAsMaterialXWritesThem)
+{
+    ASSERT_TRUE(add(metal(), "M") && add(stained(), "H", true));
+    const auto expectSame = [](const mx::DocumentPtr& document, const std::string& what)
+    {
+        // What MaterialX's writer leaves in values, and XML does not allow there.
+        std::string expected = mx::writeToXmlString(document);
+        for (auto at = expected.find("a<b"); at != expected.npos; at = expected.find("a<b", at))
+            expected.replace(at, 3, "a&lt;b");
+        EXPECT_EQ(documentToXml(document), expected) << what;
+    };
+    expectSame(_document, "as translated");
+    expectSame(mx::createDocument(), "empty");
+    for (const char* text :
+         {"", " a ", "größe 木", "\xFF\xC3", "a<b", "a>b", "a&b", "a\"b", "a'b", "a\nb", "a\tb",
+          "a\x01"
+          "b",
+          "a\x7F"
+          "b"})
+    {
+        const mx::DocumentPtr document = _document->copy();
+        document->getNodeGraphs().front()->getNodes().front()->setAttribute("note", text);
+        expectSame(document, text);
+    }
+    const std::function<void(mx::Document&)> changes[] = {
+        [](mx::Document& d)
+        { d.getNodes().front()->addChildOfCategory("comment")->setDocString("--"); },
+        [](mx::Document& d) { d.addChildOfCategory("newline"); },
+        [](mx::Document& d) { d.getNodes().front()->setSourceUri("other.mtlx"); },
+        [](mx::Document& d) { d.getNodes().front()->setName("a&b"); },
+        [](mx::Document& d) { d.getNodes().front()->setCategory(""); },
+        [](mx::Document& d) { d.setAttribute("a:b", "c"); },
+    };
+    for (const auto& change : changes)
+    {
+        const mx::DocumentPtr document = _document->copy();
+        change(*document);
+        expectSame(document, "change " + std::to_string(&change - changes));
+    }
+}
+
 TEST_F(Documents, TintImagesByTheClosedForm)
 {
     const std::array<double, 3> tints[] = {{0.5, 0.5, 0.5},    {1.0, 1.0, 1.0},
