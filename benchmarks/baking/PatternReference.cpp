@@ -301,32 +301,59 @@ Shares marble(const Properties& given, const Image& image)
     };
 }
 
+/// The linear congruential numbers of a seed, mixed, from 0 to 1.
+class Lots
+{
+  public:
+    explicit Lots(std::uint32_t seed) : _state(seed) {}
+
+    float next()
+    {
+        _state = _state * 1664525U + 1013904223U;
+        const std::uint32_t mixed = (_state ^ (_state >> 15)) * 0x2C1B3C6DU;
+        return static_cast<float>((mixed ^ (mixed >> 13)) >> 8) / 16777216.0f;
+    }
+
+  private:
+    std::uint32_t _state;
+};
+
 Shares speckle(const Properties& given, const Image& image)
 {
-    constexpr float cells = 32.0f;
-    const float amount = given.number("speckle_Amount");
-    const float variation = given.number("speckle_Variation");
+    struct Spot
+    {
+        float x, y, radius;
+    };
+    constexpr int cells = 32;
+    Lots lots(given.seed("speckle_Seed"));
+    std::vector<Spot> spots;
+    for (int i = 0; i < cells * cells; ++i)
+    {
+        Spot spot{lots.next(), lots.next(), 0.0f};
+        spot.radius = (1.0f - lots.next() * given.number("speckle_Variation")) * 0.5f;
+        if (lots.next() >= given.number("speckle_Amount"))
+            spot.radius = 0.0f;
+        spots.push_back(spot);
+    }
     const float soften = given.number("speckle_Soften");
-    const std::uint32_t seed = given.seed("speckle_Seed") * 8U;
-    const float pixel = cells * std::max(image.pixelX, image.pixelY);
+    const float pixel = 32.0f * std::max(image.pixelX, image.pixelY);
     return [=](const Pixel& p) -> Share
     {
-        const float column = std::floor(p.x * cells);
-        const float row = std::floor(p.y * cells);
+        const float x = p.x * 32.0f;
+        const float y = p.y * 32.0f;
         float inside = 0.0f;
-        for (float dy = -1.0f; dy <= 1.0f; ++dy)
-            for (float dx = -1.0f; dx <= 1.0f; ++dx)
+        for (float row = std::floor(y) - 1.0f; row < y + 1.0f; ++row)
+            for (float column = std::floor(x) - 1.0f; column < x + 1.0f; ++column)
             {
-                const float a = modulo(column + dx, cells);
-                const float b = modulo(row + dy, cells);
-                if (!(random(a, b, seed + 3U) < amount))
+                const Spot& spot = spots[static_cast<std::size_t>(modulo(row, 32.0f) * 32.0f +
+                                                                  modulo(column, 32.0f))];
+                if (spot.radius == 0.0f)
                     continue;
-                const float aside = random(a, b, seed) + dx - (p.x * cells - column);
-                const float above = random(a, b, seed + 1U) + dy - (p.y * cells - row);
+                const float aside = column + spot.x - x;
+                const float above = row + spot.y - y;
                 const float distance = std::sqrt(aside * aside + above * above);
-                const float radius = (1.0f - random(a, b, seed + 2U) * variation) * 0.5f;
-                const float edge = std::max(radius * soften, pixel);
-                inside = std::max(inside, clamp01((radius - distance) / edge + 0.5f));
+                const float edge = std::min(std::max(spot.radius * soften, pixel), 1.0f);
+                inside = std::max(inside, clamp01((spot.radius - distance) / edge + 0.5f));
             }
         return {inside};
     };
@@ -443,19 +470,13 @@ Shares wave(const Properties& given, const Image& /*image*/)
                                        {0, 8}, {-3, 7}, {-6, 6}, {-7, 3}};
     const bool radial = given.integer("wave_Type") == 0;
     const float phase = given.number("wave_Phase") / 360.0f;
-    std::uint32_t state = given.seed("wave_Seed");
-    const auto next = [&]
-    {
-        state = state * 1664525U + 1013904223U;
-        const std::uint32_t mixed = (state ^ (state >> 15)) * 0x2C1B3C6DU;
-        return static_cast<float>((mixed ^ (mixed >> 13)) >> 8) / 16777216.0f;
-    };
+    Lots lots(given.seed("wave_Seed"));
     std::vector<Source> sources;
     for (int i = 0; i < given.integer("wave_Sources"); ++i)
     {
-        const float a = next();
-        const float b = next();
-        const float shorter = 1.0f / (1.0f - given.number("wave_LengthVariation") * next());
+        const float a = lots.next();
+        const float b = lots.next();
+        const float shorter = 1.0f / (1.0f - given.number("wave_LengthVariation") * lots.next());
         const float* d = directions[static_cast<int>(a * 8.0f)];
         if (radial)
             sources.push_back({a, b, 8.0f * shorter, phase});

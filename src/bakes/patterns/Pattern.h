@@ -67,6 +67,10 @@ template <class L> struct Pixels
 
     Floats x;
     Floats y;
+    float
+        firstX; ///< of the first and the last pixel; x grows from one to the next, y is that of all
+    float lastX;
+    float rowY;
     float sizeX; ///< of a pixel
     float sizeY;
     /// Whether heights are asked for: edges then slope as the pattern says, not just as sharply as pixels can.
@@ -90,6 +94,23 @@ class Values
 
   private:
     const PatternValues& _values;
+};
+
+/// Numbers from 0 to 1 without a visible order, the same ones for the same seed.
+class Lots
+{
+  public:
+    explicit Lots(int seed) : _state(static_cast<std::uint32_t>(seed)) {}
+
+    float next()
+    {
+        _state = _state * 1664525U + 1013904223U;
+        const std::uint32_t mixed = (_state ^ (_state >> 15U)) * 0x2C1B3C6DU;
+        return static_cast<float>((mixed ^ (mixed >> 13U)) >> 8U) / 16777216.0f;
+    }
+
+  private:
+    std::uint32_t _state;
 };
 
 /// Where the lengths of a pattern are not what decides its size on the surface.

@@ -55,57 +55,74 @@ struct Speckle
     };
     static constexpr std::array colors{rowOf(rows, "speckle_Color1"),
                                        rowOf(rows, "speckle_Color2")};
-    static constexpr float cells = 32.0f;
+    static constexpr int cells = 32;
+
+    struct Spot
+    {
+        float x; ///< in cells, within its own
+        float y;
+        float radius; ///< 0: there is none
+    };
 
     explicit Speckle(const Values& values)
         : size(values.number(rowOf(rows, "speckle_Size"))),
-          amount(values.number(rowOf(rows, "speckle_Amount"))),
-          variation(values.number(rowOf(rows, "speckle_Variation"))),
-          soften(values.number(rowOf(rows, "speckle_Soften"))),
-          seed(static_cast<std::uint32_t>(values.integer(rowOf(rows, "speckle_Seed"))) * 8U)
+          soften(values.number(rowOf(rows, "speckle_Soften")))
     {
+        const float amount = values.number(rowOf(rows, "speckle_Amount"));
+        const float variation = values.number(rowOf(rows, "speckle_Variation"));
+        Lots lots(values.integer(rowOf(rows, "speckle_Seed")));
+        for (auto& row : spots)
+            for (Spot& spot : row)
+            {
+                spot.x = lots.next();
+                spot.y = lots.next();
+                spot.radius = 0.5f * (1.0f - variation * lots.next());
+                if (!(lots.next() < amount))
+                    spot.radius = 0.0f;
+            }
     }
 
-    std::array<float, 2> period() const { return {cells * size, cells * size}; }
+    std::array<float, 2> period() const
+    {
+        return {static_cast<float>(cells) * size, static_cast<float>(cells) * size};
+    }
 
+    /// A spot reaches at most as far as a cell is wide: most are told by the row alone to reach none of the pixels.
     template <class L> Sample<L> sample(const Pixels<L>& p) const
     {
         using M = Math<L>;
-        const auto x = M::mul(p.x, cells);
-        const auto y = M::mul(p.y, cells);
-        const auto column = M::floor(x);
-        const auto row = M::floor(y);
-        const auto inX = M::sub(x, column);
-        const auto inY = M::sub(y, row);
-        const auto pixel = M::all(cells * (p.sizeX < p.sizeY ? p.sizeY : p.sizeX));
+        constexpr auto count = static_cast<float>(cells);
+        const auto x = M::mul(p.x, count);
+        const float y = p.rowY * count;
+        const float pixel = count * (p.sizeX < p.sizeY ? p.sizeY : p.sizeX);
+        const int firstColumn = static_cast<int>(p.firstX * count) - 1;
+        const int lastColumn = static_cast<int>(p.lastX * count) + 1;
+        const int row = static_cast<int>(y);
         auto inside = M::all(0.0f);
-        // A spot reaches at most into the cells around its own.
-        for (int dy = -1; dy <= 1; ++dy)
-            for (int dx = -1; dx <= 1; ++dx)
+        for (int r = row - 1; r <= row + 1; ++r)
+            for (int c = firstColumn; c <= lastColumn; ++c)
             {
-                const auto toX = static_cast<float>(dx);
-                const auto toY = static_cast<float>(dy);
-                const auto cellX = M::modulo(M::add(column, toX), cells);
-                const auto cellY = M::modulo(M::add(row, toY), cells);
-                const auto aside = M::sub(M::add(M::random(cellX, cellY, seed), toX), inX);
-                const auto above = M::sub(M::add(M::random(cellX, cellY, seed + 1U), toY), inY);
-                const auto distance =
-                    L::squareRoot(M::add(M::mul(aside, aside), M::mul(above, above)));
-                const auto smaller = M::mul(M::random(cellX, cellY, seed + 2U), variation);
-                const auto radius = M::mul(M::sub(1.0f, smaller), 0.5f);
-                const auto edge = M::max(M::mul(radius, soften), pixel);
-                const auto spot = M::clamp01(M::add(M::div(M::sub(radius, distance), edge), 0.5f));
-                const auto there = M::random(cellX, cellY, seed + 3U);
-                inside = M::max(inside, M::less(there, amount, spot, M::all(0.0f)));
+                const Spot& spot = spots[(r + cells) % cells][(c + cells) % cells];
+                const float above = static_cast<float>(r) + spot.y - y;
+                const float soft = spot.radius * soften < pixel ? pixel : spot.radius * soften;
+                const float edge = soft < 1.0f ? soft : 1.0f;
+                constexpr float margin = 0.001f;
+                const float reach = spot.radius + 0.5f * edge + margin;
+                const float left = static_cast<float>(c) + spot.x;
+                if (spot.radius == 0.0f || above > reach || above < -reach ||
+                    left + reach < p.firstX * count || left - reach > p.lastX * count)
+                    continue;
+                const auto aside = M::sub(left, x);
+                const auto distance = L::squareRoot(M::add(M::mul(aside, aside), above * above));
+                const auto way = M::div(M::sub(spot.radius, distance), M::all(edge));
+                inside = M::max(inside, M::clamp01(M::add(way, 0.5f)));
             }
         return {inside};
     }
 
     float size;
-    float amount;
-    float variation;
     float soften;
-    std::uint32_t seed;
+    Spot spots[cells][cells];
 };
 
 } // namespace vyr::MaterialTranslation::bakes

@@ -171,9 +171,9 @@ struct Tile
         };
         auto tile = M::min(share(place.fromSide, width / columns, width * p.sizeX),
                            share(place.fromEnd, height / rowCount, height * p.sizeY));
-        const auto lot = M::random(place.column, place.row, seed);
-        tile = M::less(lot, missing, M::all(0.0f), tile);
-        if (p.heights)
+        if (missing > 0.0f)
+            tile = M::less(M::random(place.column, place.row, seed), missing, M::all(0.0f), tile);
+        if (p.heights || variation == 0.0f)
             return {M::sub(1.0f, tile)};
         const auto darker = M::mul(M::random(place.column, place.row, seed + 1U), variation);
         return {M::sub(1.0f, tile), M::sub(1.0f, darker)};

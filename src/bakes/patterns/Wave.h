@@ -80,18 +80,12 @@ struct Wave
                                            {0, 8}, {-3, 7}, {-6, 6}, {-7, 3}};
         const float variation = values.number(rowOf(rows, "wave_LengthVariation"));
         const float phase = values.number(rowOf(rows, "wave_Phase")) / 360.0f;
-        auto state = static_cast<std::uint32_t>(values.integer(rowOf(rows, "wave_Seed")));
-        const auto random = [&state]
-        {
-            state = state * 1664525U + 1013904223U;
-            const std::uint32_t mixed = (state ^ (state >> 15U)) * 0x2C1B3C6DU;
-            return static_cast<float>((mixed ^ (mixed >> 13U)) >> 8U) / 16777216.0f;
-        };
+        Lots lots(values.integer(rowOf(rows, "wave_Seed")));
         for (int i = 0; i < values.integer(rowOf(rows, "wave_Sources")); ++i)
         {
-            const float a = random();
-            const float b = random();
-            const float shorter = 1.0f / (1.0f - variation * random());
+            const float a = lots.next();
+            const float b = lots.next();
+            const float shorter = 1.0f / (1.0f - variation * lots.next());
             const auto* d = directions[static_cast<int>(a * 8.0f)];
             const auto whole = [&](float n)
             {

@@ -12,10 +12,13 @@ template <class L, class Kind>
 void patternRow(const void* pattern, const PatternStrip& strip, float* mix, float* factor)
 {
     const Kind& kind = *static_cast<const Kind*>(pattern);
-    Pixels<L> pixels{L::all(0.0f), L::all(strip.y), strip.sizeX, strip.sizeY, strip.heights, {}};
+    Pixels<L> pixels{L::all(0.0f), L::all(strip.y), 0.0f,          0.0f, strip.y,
+                     strip.sizeX,  strip.sizeY,     strip.heights, {}};
     for (std::size_t i = 0; i < noiseColumns; i += L::width)
     {
         pixels.x = L::load(strip.x + i);
+        pixels.firstX = strip.x[i];
+        pixels.lastX = strip.x[i + L::width - 1];
         for (std::size_t layer = 0; layer < mostNoiseLayers; ++layer)
             if (strip.noise[layer])
                 pixels.noise[layer] = L::load(strip.noise[layer] + i);
