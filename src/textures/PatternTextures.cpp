@@ -246,6 +246,8 @@ Reading readFrom(const TextureRequest& request, const MadePattern* made)
     PatternReader reader(request, use, false, made);
     const auto pattern = std::make_shared<const Pattern>(reader.read());
     const bool isRelief = use == PatternUse::Relief;
+    // As that of noise: from pixel to pixel a gradient's slopes are too small for eight bits.
+    const bool isAmountBaked = request.role == TextureRole::Relief;
     if (isRelief && isFlat(pattern->kind, pattern->values))
     {
         request.log.warning(
@@ -257,8 +259,8 @@ Reading readFrom(const TextureRequest& request, const MadePattern* made)
     if (isRelief)
     {
         reading.texture = bakedNormalMap();
-        // The amount is baked: slopes from pixel to pixel are too small for eight bits.
-        reading.texture.strength = {"normal_scale", {request.bumpAmount != 0.0f ? 1.0f : 0.0f, {}}};
+        const bool hasOwnScale = request.bumpAmount == 0.0f || !isAmountBaked;
+        reading.texture.strength = {"normal_scale", {hasOwnScale ? request.bumpAmount : 1.0f, {}}};
     }
     else
     {
@@ -268,7 +270,7 @@ Reading readFrom(const TextureRequest& request, const MadePattern* made)
     }
     reading.texture.placement = reader.placement();
     reading.bake = {std::string(request.property) + "_" + std::to_string(pattern->width) + ".png",
-                    bakes::PatternBake{pattern, use, request.bumpAmount}};
+                    bakes::PatternBake{pattern, use, isAmountBaked ? request.bumpAmount : 0.0f}};
     return reading;
 }
 
