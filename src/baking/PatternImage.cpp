@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <optional>
+#include <vector>
 
 #include "baking/ColorImage.h"
 #include "baking/ImageFile.h"
@@ -38,49 +39,59 @@ class PatternRows
     {
         for (const NoiseField& field : recipe.fields)
             _noise.emplace_back(field, set);
-        _strip.x = _x;
+        for (int x = 0; x < recipe.width; x += noiseColumns)
+            for (int i = 0; i < noiseColumns; ++i)
+                _x.push_back((static_cast<float>(x + i) + 0.5f) / static_cast<float>(recipe.width));
     }
 
+    /// Noise is added up for several rows of a strip at a time; without it whole rows are faster.
     void bake(int yBegin, int yEnd, float* pixels)
     {
-        for (int x = 0; x < _recipe.width; x += noiseColumns)
+        const int bandColumns = _noise.empty() ? _recipe.width : noiseColumns;
+        const int bandRows = _noise.empty() ? 1 : NoiseStrip::bandRows;
+        for (int x = 0; x < _recipe.width; x += bandColumns)
         {
-            moveTo(x);
-            for (int y = yBegin; y < yEnd; y += NoiseStrip::bandRows)
-                bakeBand(x, y, std::min(y + NoiseStrip::bandRows, yEnd), yBegin, pixels);
+            for (NoiseStrip& noise : _noise)
+                noise.moveTo(x);
+            for (int y = yBegin; y < yEnd; y += bandRows)
+                bakeBand(x, std::min(x + bandColumns, _recipe.width), y,
+                         std::min(y + bandRows, yEnd), pixels + rowStart(y - yBegin));
         }
     }
 
   private:
-    void moveTo(int column)
+    std::size_t rowStart(int row) const
     {
-        for (int i = 0; i < noiseColumns; ++i)
-            _x[i] = (static_cast<float>(column + i) + 0.5f) / static_cast<float>(_recipe.width);
-        for (NoiseStrip& noise : _noise)
-            noise.moveTo(column);
+        return static_cast<std::size_t>(_shade.channels) * static_cast<std::size_t>(row) *
+               static_cast<std::size_t>(_recipe.width);
     }
 
-    void bakeBand(int x, int bandBegin, int bandEnd, int yBegin, float* pixels)
+    /// @param pixels  The first row of the band, from its beginning.
+    void bakeBand(int xBegin, int xEnd, int yBegin, int yEnd, float* pixels)
     {
-        const auto channels = static_cast<std::size_t>(_shade.channels);
-        const auto count = static_cast<std::size_t>(std::min(noiseColumns, _recipe.width - x));
         const float* sums[mostNoiseLayers] = {};
         for (std::size_t i = 0; i < _noise.size(); ++i)
-            sums[i] = _noise[i].sumRows(bandBegin, bandEnd);
-        for (int y = bandBegin; y < bandEnd; ++y)
+            sums[i] = _noise[i].sumRows(yBegin, yEnd);
+        for (int y = yBegin; y < yEnd; ++y)
         {
             for (std::size_t i = 0; i < _noise.size(); ++i)
-                _strip.noise[i] =
-                    sums[i] + static_cast<std::ptrdiff_t>(y - bandBegin) * noiseColumns;
+                _strip.noise[i] = sums[i] + static_cast<std::ptrdiff_t>(y - yBegin) * noiseColumns;
             // Rows go downwards, the pattern goes up.
             _strip.y = 1.0f - (static_cast<float>(y) + 0.5f) / static_cast<float>(_recipe.height);
-            _recipe.row(_recipe.pattern, _strip, _mix, _factor);
-            sampleImages();
-            const std::size_t row =
-                static_cast<std::size_t>(y - yBegin) * static_cast<std::size_t>(_recipe.width);
-            _set.shadePattern(_mix, _factor, count, _shade,
-                              pixels + channels * (row + static_cast<std::size_t>(x)));
+            for (int x = xBegin; x < xEnd; x += noiseColumns)
+                bakeStrip(static_cast<std::size_t>(x),
+                          static_cast<std::size_t>(std::min(noiseColumns, xEnd - x)),
+                          pixels + rowStart(y - yBegin));
         }
+    }
+
+    void bakeStrip(std::size_t x, std::size_t count, float* row)
+    {
+        _strip.x = _x.data() + x;
+        _recipe.row(_recipe.pattern, _strip, _mix, _factor);
+        sampleImages();
+        _set.shadePattern(_mix, _factor, count, _shade,
+                          row + static_cast<std::size_t>(_shade.channels) * x);
     }
 
     void sampleImages()
@@ -88,7 +99,7 @@ class PatternRows
         for (std::size_t i = 0; i < 2; ++i)
             if (_recipe.images[i])
             {
-                _recipe.images[i]->sample(_x, _strip.y, noiseColumns, _colors[i]);
+                _recipe.images[i]->sample(_strip.x, _strip.y, noiseColumns, _colors[i]);
                 for (int c = 0; c < 3; ++c)
                     _shade.pixels[i][c] = _colors[i][c];
             }
@@ -99,7 +110,7 @@ class PatternRows
     PatternStrip _strip;
     PatternShade _shade;
     std::deque<NoiseStrip> _noise;
-    alignas(64) float _x[noiseColumns];
+    std::vector<float> _x; ///< of all columns, and on to the end of the last strip
     alignas(64) float _mix[noiseColumns];
     alignas(64) float _factor[noiseColumns];
     alignas(64) float _colors[2][3][noiseColumns];

@@ -99,14 +99,30 @@ struct Wave
 
     std::array<float, 2> period() const { return {lengths * length, lengths * length}; }
 
-    template <class L> Sample<L> sample(const Pixels<L>& p) const
+    /// What is the same for all pixels of a row: for each source the square of its distance upwards.
+    template <class L> struct Row
+    {
+        typename L::Floats upwards[mostSources];
+    };
+
+    template <class L> Row<L> row(typename L::Floats y) const
+    {
+        Row<L> all;
+        for (int i = 0; isRadial && i < sourceCount; ++i)
+            all.upwards[i] = square<L>(y, sources[i].y);
+        return all;
+    }
+
+    template <class L> Sample<L> sample(const Pixels<L>& p, const Row<L>& row) const
     {
         using M = Math<L>;
         auto sum = M::all(0.0f);
         for (int i = 0; i < sourceCount; ++i)
         {
             const Source& source = sources[i];
-            const auto place = isRadial ? radial<L>(p, source)
+            const auto far = [&]
+            { return L::squareRoot(M::add(square<L>(p.x, source.x), row.upwards[i])); };
+            const auto place = isRadial ? M::mul(far(), source.frequency)
                                         : M::add(M::mul(p.x, source.x), M::mul(p.y, source.y));
             sum = M::add(sum, M::sine(M::sub(place, source.phase)));
         }
@@ -114,15 +130,12 @@ struct Wave
         return {M::clamp01(M::add(height, 0.5f))};
     }
 
-    /// The distance from the point, bent so that it meets itself half an image away.
-    template <class L>
-    static typename L::Floats radial(const Pixels<L>& p, const Source& source)
+    /// Of the distance on one axis, bent so that it meets itself half an image away.
+    template <class L> static typename L::Floats square(typename L::Floats place, float point)
     {
         using M = Math<L>;
-        const auto dx = M::apart(M::sub(p.x, source.x));
-        const auto dy = M::apart(M::sub(p.y, source.y));
-        const auto far = L::squareRoot(M::add(M::mul(dx, dx), M::mul(dy, dy)));
-        return M::mul(far, source.frequency);
+        const auto apart = M::apart(M::sub(place, point));
+        return M::mul(apart, apart);
     }
 
     bool isRadial;

@@ -102,7 +102,7 @@ struct PatternStrip
 struct PatternShade
 {
     int channels; ///< 1 or 3; with one, colours count by their first component
-    bool srgb;    ///< pixels become the codes of sRGB
+    bool srgb;    ///< pixels of three channels become the codes of sRGB
     RampStep step;
     const ColorStop* stops; ///< a ramp; null: there are two colours
     std::size_t stopCount;

@@ -14,6 +14,20 @@ void patternRow(const void* pattern, const PatternStrip& strip, float* mix, floa
     const Kind& kind = *static_cast<const Kind*>(pattern);
     Pixels<L> pixels{L::all(0.0f), L::all(strip.y), 0.0f,          0.0f, strip.y,
                      strip.sizeX,  strip.sizeY,     strip.heights, {}};
+    const auto row = [&]
+    {
+        if constexpr (requires { kind.template row<L>(pixels.y); })
+            return kind.template row<L>(pixels.y);
+        else
+            return 0;
+    }();
+    const auto sampleOf = [&](const Pixels<L>& p)
+    {
+        if constexpr (requires { kind.template row<L>(pixels.y); })
+            return kind.template sample<L>(p, row);
+        else
+            return kind.template sample<L>(p);
+    };
     for (std::size_t i = 0; i < noiseColumns; i += L::width)
     {
         pixels.x = L::load(strip.x + i);
@@ -22,7 +36,7 @@ void patternRow(const void* pattern, const PatternStrip& strip, float* mix, floa
         for (std::size_t layer = 0; layer < mostNoiseLayers; ++layer)
             if (strip.noise[layer])
                 pixels.noise[layer] = L::load(strip.noise[layer] + i);
-        const Sample<L> sample = kind.template sample<L>(pixels);
+        const Sample<L> sample = sampleOf(pixels);
         L::store(mix + i, sample.mix);
         L::store(factor + i, sample.factor);
     }
@@ -48,49 +62,89 @@ typename L::Floats wayBetween(const ColorStop& from, const ColorStop& to, RampSt
     return step == RampStep::Smooth ? M::smooth(way) : way;
 }
 
-template <class L>
-typename L::Floats rampColor(typename L::Floats t, const PatternShade& shade, int channel)
+/// The first `channels` values of a colour at some pixels.
+template <class L, std::size_t channels>
+using Colors = std::array<typename L::Floats, channels>;
+
+template <class L, std::size_t channels>
+Colors<L, channels> rampColors(typename L::Floats t, const PatternShade& shade)
 {
     using M = Math<L>;
-    auto color = M::all(shade.stops[0].color[channel]);
+    Colors<L, channels> colors;
+    for (std::size_t c = 0; c < channels; ++c)
+        colors[c] = M::all(shade.stops[0].color[c]);
     for (std::size_t i = 0; i + 1 < shade.stopCount; ++i)
-        color = M::mix(color, M::all(shade.stops[i + 1].color[channel]),
-                       wayBetween<L>(shade.stops[i], shade.stops[i + 1], shade.step, t));
-    return color;
+    {
+        const auto way = wayBetween<L>(shade.stops[i], shade.stops[i + 1], shade.step, t);
+        for (std::size_t c = 0; c < channels; ++c)
+            colors[c] = M::mix(colors[c], M::all(shade.stops[i + 1].color[c]), way);
+    }
+    return colors;
+}
+
+/// @param at  The first of the pixels, for values in place of colours.
+template <class L, std::size_t channels>
+Colors<L, channels> mixedColors(typename L::Floats mix, typename L::Floats factor,
+                                const PatternShade& shade, std::size_t at)
+{
+    using M = Math<L>;
+    Colors<L, channels> colors;
+    for (std::size_t c = 0; c < channels; ++c)
+    {
+        const auto color = [&](int which)
+        {
+            const float* const own = shade.pixels[which][c];
+            return own ? L::load(own + at) : M::all(shade.colors[which][c]);
+        };
+        colors[c] = M::mix(M::mul(color(0), factor), color(1), mix);
+    }
+    return colors;
+}
+
+template <class L, std::size_t channels, bool isRamp, bool isCoded>
+void shadePixelsOf(const float* mix, const float* factor, std::size_t count,
+                   const PatternShade& given, float* pixels)
+{
+    const PatternShade shade = given; // which no pixel can change
+    for (std::size_t i = 0; i < count; i += L::width)
+    {
+        Colors<L, channels> colors;
+        if constexpr (isRamp)
+            colors = rampColors<L, channels>(L::load(mix + i), shade);
+        else
+            colors = mixedColors<L, channels>(L::load(mix + i), L::load(factor + i), shade, i);
+        if constexpr (isCoded)
+            for (auto& color : colors)
+                color = Math<L>::srgbCode(color);
+        float last[3 * L::width];
+        float* const target = count - i < L::width ? last : pixels + channels * i;
+        if constexpr (channels == 1)
+            L::store(target, colors[0]);
+        else
+            L::storePixels(target, colors[0], colors[1], colors[2]);
+        if (target == last)
+            for (std::size_t k = 0; k < channels * (count - i); ++k)
+                pixels[channels * i + k] = last[k];
+    }
 }
 
 template <class L>
 void shadePattern(const float* mix, const float* factor, std::size_t count,
                   const PatternShade& shade, float* pixels)
 {
-    using M = Math<L>;
-    const auto channels = static_cast<std::size_t>(shade.channels);
-    for (std::size_t i = 0; i < count; i += L::width)
+    const auto shadeOne = [&]<std::size_t channels, bool isCoded>()
     {
-        const auto share = L::load(mix + i);
-        const auto value = [&](int channel)
-        {
-            if (shade.stops)
-                return rampColor<L>(share, shade, channel);
-            const auto color = [&](int which)
-            {
-                const float* const own = shade.pixels[which][channel];
-                return own ? L::load(own + i) : M::all(shade.colors[which][channel]);
-            };
-            return M::mix(M::mul(color(0), L::load(factor + i)), color(1), share);
-        };
-        const auto coded = [&](int channel)
-        { return shade.srgb ? M::srgbCode(value(channel)) : value(channel); };
-        float last[3 * L::width];
-        float* const target = count - i < L::width ? last : pixels + channels * i;
-        if (channels == 1)
-            L::store(target, coded(0));
+        if (shade.stops)
+            shadePixelsOf<L, channels, true, isCoded>(mix, factor, count, shade, pixels);
         else
-            L::storePixels(target, coded(0), coded(1), coded(2));
-        if (target == last)
-            for (std::size_t k = 0; k < channels * (count - i); ++k)
-                pixels[channels * i + k] = last[k];
-    }
+            shadePixelsOf<L, channels, false, isCoded>(mix, factor, count, shade, pixels);
+    };
+    if (shade.channels == 1)
+        shadeOne.template operator()<1, false>();
+    else if (shade.srgb)
+        shadeOne.template operator()<3, true>();
+    else
+        shadeOne.template operator()<3, false>();
 }
 
 template <class L> void decodeSrgb(float* values, std::size_t count)
