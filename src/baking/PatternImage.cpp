@@ -37,51 +37,52 @@ class PatternRows
     PatternRows(const Recipe& recipe, const KernelSet& set)
         : _recipe(recipe), _set(set), _strip(recipe.strip), _shade(recipe.shade)
     {
-        for (const NoiseField& field : recipe.fields)
-            _noise.emplace_back(field, set);
         for (int x = 0; x < recipe.width; x += noiseColumns)
+        {
+            for (const NoiseField& field : recipe.fields)
+                _noise.emplace_back(field, set).moveTo(x);
             for (int i = 0; i < noiseColumns; ++i)
                 _x.push_back((static_cast<float>(x + i) + 0.5f) / static_cast<float>(recipe.width));
-    }
-
-    /// Noise is added up for several rows of a strip at a time; without it whole rows are faster.
-    void bake(int yBegin, int yEnd, float* pixels)
-    {
-        const int bandColumns = _noise.empty() ? _recipe.width : noiseColumns;
-        const int bandRows = _noise.empty() ? 1 : NoiseStrip::bandRows;
-        for (int x = 0; x < _recipe.width; x += bandColumns)
-        {
-            for (NoiseStrip& noise : _noise)
-                noise.moveTo(x);
-            for (int y = yBegin; y < yEnd; y += bandRows)
-                bakeBand(x, std::min(x + bandColumns, _recipe.width), y,
-                         std::min(y + bandRows, yEnd), pixels + rowStart(y - yBegin));
         }
     }
 
+    void bake(int yBegin, int yEnd, float* pixels)
+    {
+        for (int y = yBegin; y < yEnd; y += bandRows)
+            bakeBand(y, std::min(y + bandRows, yEnd), pixels + rowStart(y - yBegin));
+    }
+
   private:
+    /// Noise is added up for some rows at a time, all strips of them, so that pixels are written in their order.
+    static constexpr int bandRows = NoiseStrip::bandRows / 2;
+
     std::size_t rowStart(int row) const
     {
         return static_cast<std::size_t>(_shade.channels) * static_cast<std::size_t>(row) *
                static_cast<std::size_t>(_recipe.width);
     }
 
-    /// @param pixels  The first row of the band, from its beginning.
-    void bakeBand(int xBegin, int xEnd, int yBegin, int yEnd, float* pixels)
+    void bakeBand(int yBegin, int yEnd, float* pixels)
     {
-        const float* sums[mostNoiseLayers] = {};
-        for (std::size_t i = 0; i < _noise.size(); ++i)
-            sums[i] = _noise[i].sumRows(yBegin, yEnd);
+        _sums.clear();
+        for (NoiseStrip& noise : _noise)
+            _sums.push_back(noise.sumRows(yBegin, yEnd));
         for (int y = yBegin; y < yEnd; ++y)
         {
-            for (std::size_t i = 0; i < _noise.size(); ++i)
-                _strip.noise[i] = sums[i] + static_cast<std::ptrdiff_t>(y - yBegin) * noiseColumns;
             // Rows go downwards, the pattern goes up.
             _strip.y = 1.0f - (static_cast<float>(y) + 0.5f) / static_cast<float>(_recipe.height);
-            for (int x = xBegin; x < xEnd; x += noiseColumns)
+            auto sums = _sums.begin();
+            for (int x = 0; x < _recipe.width; x += noiseColumns)
+            {
+                for (std::size_t i = 0; i < _recipe.fields.size(); ++i)
+                {
+                    _strip.noise[i] = *sums;
+                    *sums++ += noiseColumns;
+                }
                 bakeStrip(static_cast<std::size_t>(x),
-                          static_cast<std::size_t>(std::min(noiseColumns, xEnd - x)),
+                          static_cast<std::size_t>(std::min(noiseColumns, _recipe.width - x)),
                           pixels + rowStart(y - yBegin));
+            }
         }
     }
 
@@ -109,7 +110,9 @@ class PatternRows
     const KernelSet& _set;
     PatternStrip _strip;
     PatternShade _shade;
+    /// Strip after strip the layers of each, and where their next rows begin.
     std::deque<NoiseStrip> _noise;
+    std::vector<const float*> _sums;
     std::vector<float> _x; ///< of all columns, and on to the end of the last strip
     alignas(64) float _mix[noiseColumns];
     alignas(64) float _factor[noiseColumns];
