@@ -25,6 +25,7 @@ struct Recipe
     PatternShade shade{};
     KernelSet::PatternRow row = nullptr;
     const void* pattern = nullptr;
+    bool rowsAreAlike = false;
     std::vector<ColorStop> stops{};
     std::vector<NoiseField> fields{};
     std::array<std::optional<SampledImage>, 2> images{};
@@ -69,6 +70,11 @@ class PatternRows
             _sums.push_back(noise.sumRows(yBegin, yEnd));
         for (int y = yBegin; y < yEnd; ++y)
         {
+            if (_recipe.rowsAreAlike && y > yBegin)
+            {
+                std::copy_n(pixels, rowStart(1), pixels + rowStart(y - yBegin));
+                continue;
+            }
             // Rows go downwards, the pattern goes up.
             _strip.y = 1.0f - (static_cast<float>(y) + 0.5f) / static_cast<float>(_recipe.height);
             auto sums = _sums.begin();
@@ -199,6 +205,8 @@ OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels, const Bake
         recipe.pattern = &kind;
         recipe.row = set.patternRows[bake.kind];
         recipe.fields = fieldsOf(kind, bake);
+        if constexpr (requires { kind.rowsAreAlike(); })
+            recipe.rowsAreAlike = kind.rowsAreAlike();
         setColors(recipe, kind, bake);
         if (hasOwnHeights<Kind>() && recipe.strip.heights)
             setOwnHeights(recipe.shade);

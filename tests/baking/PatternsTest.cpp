@@ -14,43 +14,38 @@ namespace vyr::MaterialTranslation::baking
 namespace
 {
 
-std::span<const PropertyRow> rowsOf(std::size_t kind)
+struct KindRows
 {
+    std::string_view schema;
     std::span<const PropertyRow> rows;
-    withPatternKind(kind, [&]<class Kind>() { rows = Kind::rows; });
-    return rows;
-}
+};
 
-std::size_t kindOf(std::string_view schema)
+template <class... Kind> std::vector<KindRows> listed(const std::tuple<Kind...>* /*kinds*/)
 {
-    for (std::size_t kind = 0; kind < patternKindCount; ++kind)
-    {
-        bool found = false;
-        withPatternKind(kind, [&]<class Kind>() { found = schema == Kind::schema; });
-        if (found)
-            return kind;
-    }
-    throw std::invalid_argument("no such kind");
+    return {{Kind::schema, Kind::rows}...};
 }
 
-using Given = std::vector<std::pair<std::string_view, std::vector<std::array<float, 3>>>>;
+const std::vector<KindRows> kinds = listed(static_cast<const PatternKinds*>(nullptr));
+
+bool isNumbered(const PropertyRow& row)
+{
+    return std::string_view(row.name).find('#') != std::string_view::npos;
+}
+
+using Given = std::vector<std::pair<std::string_view, std::array<float, 3>>>;
 
 Pattern patternOf(std::string_view schema, int width, int height, const Given& given = {})
 {
-    Pattern pattern;
-    pattern.kind = kindOf(schema);
-    pattern.width = width;
-    pattern.height = height;
+    const auto kind = std::ranges::find(kinds, schema, &KindRows::schema);
+    Pattern pattern{static_cast<std::size_t>(kind - kinds.begin()), {}, width, height, {}, {}};
     std::size_t taken = 0;
-    for (const PropertyRow& row : rowsOf(pattern.kind))
+    for (const PropertyRow& row : kind->rows)
     {
-        auto& values = pattern.values.rows.emplace_back();
-        if (std::string_view(row.name).find('#') == std::string_view::npos)
-            values.push_back(row.fallback);
-        for (const auto& [name, list] : given)
+        auto& values = pattern.values.rows.emplace_back(isNumbered(row) ? 0U : 1U, row.fallback);
+        for (const auto& [name, value] : given)
             if (name == row.name)
             {
-                values = list;
+                values[0] = value;
                 ++taken;
             }
     }
@@ -63,58 +58,42 @@ std::size_t choices(const PropertyRow& row)
     return 1 + static_cast<std::size_t>(std::ranges::count(std::string_view(row.choices), ' '));
 }
 
-/// Values within their rows' ranges: what is usual, the ends, and what is odd.
-class AnyValues
+std::size_t anyBelow(std::size_t count)
 {
-  public:
-    explicit AnyValues(unsigned seed) : _random(seed) {}
+    static std::mt19937 random(7);
+    return random() % count;
+}
 
-    std::size_t below(std::size_t count) { return _random() % count; }
+/// Within its row's range: what is usual, an end, or what is odd.
+std::array<float, 3> anyValue(const PropertyRow& row)
+{
+    constexpr float odd[] = {0.0f,  -0.0f,  1.0f, -1.0f, 0.5f,  1e-30f, -1e30f,
+                             3e38f, 1e-41f, 2.5f, 7e5f,  25.0f, 1e-4f};
+    const auto unit = [] { return static_cast<float>(anyBelow(1001)) / 1000.0f; };
+    if (row.kind == PropertyKind::Choice || row.kind == PropertyKind::Boolean)
+        return {static_cast<float>(anyBelow(*row.choices ? choices(row) : 2))};
+    if (row.kind == PropertyKind::Color)
+        return {unit(), anyBelow(9) == 0 ? 1e30f : unit(), anyBelow(9) == 0 ? -3.0f : unit()};
+    const std::size_t way = anyBelow(6);
+    float value = way < 2   ? row.fallback[0]
+                  : way < 3 ? odd[anyBelow(std::size(odd))]
+                  : way < 5 ? row.fallback[0] * 2.0f * unit() + 0.1f * unit()
+                            : (anyBelow(2) == 0 ? row.least : row.most);
+    value = std::isfinite(value) ? std::clamp(value, row.least, row.most) : 0.3f;
+    return {row.kind == PropertyKind::Integer ? std::floor(value) : value};
+}
 
-    PatternValues of(std::size_t kind)
+Pattern anyPattern(std::size_t kind, int width, int height)
+{
+    Pattern pattern{kind, {}, width, height, {}, {}};
+    for (const PropertyRow& row : kinds[kind].rows)
     {
-        PatternValues values;
-        for (const PropertyRow& row : rowsOf(kind))
-        {
-            const bool numbered = std::string_view(row.name).find('#') != std::string_view::npos;
-            auto& list = values.rows.emplace_back();
-            for (std::size_t count = numbered ? below(6) : 1; count > 0; --count)
-                list.push_back(of(row));
-        }
-        return values;
+        auto& list = pattern.values.rows.emplace_back();
+        for (std::size_t count = isNumbered(row) ? anyBelow(6) : 1; count > 0; --count)
+            list.push_back(anyValue(row));
     }
-
-  private:
-    std::array<float, 3> of(const PropertyRow& row)
-    {
-        const auto number = [&](std::size_t n) { return static_cast<float>(n); };
-        switch (row.kind)
-        {
-        case PropertyKind::Boolean:
-            return {number(below(2))};
-        case PropertyKind::Choice:
-            return {number(below(choices(row)))};
-        case PropertyKind::Color:
-            return {unit(), below(9) == 0 ? 1e30f : unit(), below(9) == 0 ? -3.0f : unit()};
-        case PropertyKind::Integer:
-        case PropertyKind::Scalar:
-            break;
-        }
-        constexpr float odd[] = {0.0f,  -0.0f,  1.0f, -1.0f, 0.5f,  1e-30f, -1e30f,
-                                 3e38f, 1e-41f, 2.5f, 7e5f,  25.0f, 1e-4f};
-        const std::size_t way = below(6);
-        float value = way < 2   ? row.fallback[0]
-                      : way < 3 ? odd[below(std::size(odd))]
-                      : way < 5 ? row.fallback[0] * 2.0f * unit() + 0.1f * unit()
-                                : (below(2) == 0 ? row.least : row.most);
-        value = std::isfinite(value) ? std::clamp(value, row.least, row.most) : 0.3f;
-        return {row.kind == PropertyKind::Integer ? std::floor(value) : value};
-    }
-
-    float unit() { return static_cast<float>(_random() % 1001) / 1000.0f; }
-
-    std::mt19937 _random;
-};
+    return pattern;
+}
 
 constexpr PatternPixels allPixels[] = {PatternPixels::Color, PatternPixels::Srgb,
                                        PatternPixels::Number, PatternPixels::Heights};
@@ -128,11 +107,6 @@ OIIO::ImageBuf plainPattern(const Pattern& pattern, PatternPixels pixels)
     return image;
 }
 
-const float* at(const OIIO::ImageBuf& image, int x, int y)
-{
-    return static_cast<const float*>(image.pixeladdr(x, y));
-}
-
 /// The largest difference of neighbours across the rows or along them: inside, and between opposite edges.
 std::array<float, 2> differences(const OIIO::ImageBuf& image, int dx, int dy)
 {
@@ -142,10 +116,11 @@ std::array<float, 2> differences(const OIIO::ImageBuf& image, int dx, int dy)
         for (int x = 0; x < spec.width; ++x)
         {
             const bool isSeam = x + dx == spec.width || y + dy == spec.height;
-            const float* next = at(image, (x + dx) % spec.width, (y + dy) % spec.height);
             for (int c = 0; c < spec.nchannels; ++c)
-                largest[isSeam] =
-                    std::max(largest[isSeam], std::fabs(next[c] - at(image, x, y)[c]));
+                largest[isSeam] = std::max(
+                    largest[isSeam], std::fabs(image.getchannel((x + dx) % spec.width,
+                                                                (y + dy) % spec.height, 0, c) -
+                                               image.getchannel(x, y, 0, c)));
         }
     return largest;
 }
@@ -157,48 +132,33 @@ double cushion(double x, double y)
     return (2 - std::cos(2 * pi * x) - std::cos(2 * pi * y)) / 4;
 }
 
-void expectNear(const OIIO::ImageBuf& image, double (*value)(double x, double y))
-{
-    for (OIIO::ImageBuf::ConstIterator<float> i(image); !i.done(); ++i)
-        ASSERT_NEAR(
-            i[0],
-            value((i.x() + 0.5) / image.spec().width, 1.0 - (i.y() + 0.5) / image.spec().height),
-            3e-6)
-            << i.x() << ", " << i.y();
-}
-
 } // namespace
 
 TEST(PatternKernels, EqualTheReferenceInEveryBit)
 {
     constexpr int shapes[][2] = {{61, 43}, {1, 1}, {257, 9}, {3, 70}, {16, 16}, {1, 77}};
-    AnyValues any(7);
-    for (int i = 0; i < 700; ++i)
+    for (std::size_t i = 0; i < 700; ++i)
     {
-        Pattern pattern;
-        pattern.kind = static_cast<std::size_t>(i) % patternKindCount;
-        pattern.values = any.of(pattern.kind);
-        const auto& [width, height] = shapes[any.below(std::size(shapes))];
-        pattern.width = width;
-        pattern.height = height;
-        const PatternPixels pixels = allPixels[any.below(std::size(allPixels))];
+        const auto& [width, height] = shapes[anyBelow(std::size(shapes))];
+        const Pattern pattern = anyPattern(i % patternKindCount, width, height);
+        const PatternPixels pixels = allPixels[anyBelow(std::size(allPixels))];
         const OIIO::ImageBuf expected = plainPattern(pattern, pixels);
         for (const KernelSet& set : kernelSets())
             ASSERT_TRUE(sameBits(bakePattern(pattern, pixels, {{}, 1}, set), expected))
-                << rowsOf(pattern.kind)[0].name << ", case " << i << ", " << set.name;
+                << kinds[pattern.kind].schema << ", case " << i << ", " << set.name;
     }
-    // In blocks of rows, side by side; for gradients each shape.
+    // In blocks of rows, side by side; of gradients each shape.
     for (std::size_t kind = 0; kind < patternKindCount; ++kind)
-        for (std::size_t choice = 0; choice < choices(rowsOf(kind)[0]); ++choice)
+        for (std::size_t choice = 0; choice < choices(kinds[kind].rows[0]); ++choice)
         {
-            Pattern pattern{kind, any.of(kind), 331, 149, {}, {}};
-            if (rowsOf(kind)[0].kind == PropertyKind::Choice)
+            Pattern pattern = anyPattern(kind, 331, 149);
+            if (kinds[kind].rows[0].kind == PropertyKind::Choice)
                 pattern.values.rows[0][0][0] = static_cast<float>(choice);
             const OIIO::ImageBuf expected = plainPattern(pattern, PatternPixels::Srgb);
             for (const int threads : {1, 3})
                 EXPECT_TRUE(
                     sameBits(bakePattern(pattern, PatternPixels::Srgb, {{}, threads}), expected))
-                    << rowsOf(kind)[0].name << ", choice " << choice;
+                    << kinds[kind].schema << ", choice " << choice;
         }
 }
 
@@ -227,59 +187,57 @@ TEST(PatternKernels, AreNearTheExactFunctions)
         for (std::size_t i = 0; i < values.size(); ++i)
             ASSERT_EQ(values[i], reference::srgbValue(decoded[i])) << set.name;
     }
-    expectNear(bakePattern(patternOf("GradientSchema", 93, 64, {{"gradient_Type", {{8.0f}}}}),
-                           PatternPixels::Number, {}),
-               [](double x, double y)
-               {
-                   const double turns = std::atan2(2 * y - 1, 2 * x - 1) / (2 * pi);
-                   return turns < 0 ? turns + 1 : turns;
-               });
-    expectNear(bakePattern(patternOf("GradientSchema", 93, 64, {{"gradient_Type", {{11.0f}}}}),
-                           PatternPixels::Number, {}),
-               cushion);
+    const OIIO::ImageBuf sweep =
+        bakePattern(patternOf("GradientSchema", 93, 64, {{"gradient_Type", {8.0f}}}),
+                    PatternPixels::Number, {});
+    for (OIIO::ImageBuf::ConstIterator<float> i(sweep); !i.done(); ++i)
+    {
+        const double turns =
+            std::atan2((63 - 2 * i.y()) / 64.0, (2 * i.x() - 92) / 93.0) / (2 * pi);
+        ASSERT_NEAR(i[0], turns < 0 ? turns + 1 : turns, 1e-6) << i.x() << ", " << i.y();
+    }
 }
 
 TEST(Patterns, MeetAtOppositeEdges)
 {
     // With soft edges, so that what does not meet is a larger step than any inside.
     std::vector<Pattern> patterns{
-        patternOf("CheckerSchema", 160, 128, {{"checker_Soften", {{1.0f}}}}),
-        patternOf("SpeckleSchema", 400, 360, {{"speckle_Soften", {{1.0f}}}}),
+        patternOf("CheckerSchema", 160, 128, {{"checker_Soften", {1.0f}}}),
+        patternOf("SpeckleSchema", 400, 360, {{"speckle_Soften", {1.0f}}}),
     };
     const auto add = [&](std::string_view schema, std::string_view type, int count, Given given)
     {
-        given.push_back({type, {{}}});
+        given.push_back({type, {}});
         for (int i = 0; i < count; ++i)
         {
-            given.back().second[0][0] = static_cast<float>(i);
+            given.back().second[0] = static_cast<float>(i);
             patterns.push_back(patternOf(schema, 360, 320, given));
         }
     };
     const std::array<float, 3> phase{0.4f};
     add("TileSchema", "tile_Bond", 6,
-        {{"tile_Width", {{0.6f}}}, {"tile_Bevel", {{0.09f}}}, {"tile_Columns", {{5.0f}}}});
-    add("WaveSchema", "wave_Type", 2,
-        {{"wave_Sources", {{9.0f}}}, {"wave_LengthVariation", {{0.4f}}}});
-    add("WoodSchema", "wood_Type", 2, {{"wood_Phase", {phase}}, {"wood_Fibres", {{0.1f}}}});
+        {{"tile_Width", {0.6f}}, {"tile_Bevel", {0.09f}}, {"tile_Columns", {5.0f}}});
+    add("WaveSchema", "wave_Type", 2, {{"wave_Sources", {9.0f}}, {"wave_LengthVariation", {0.4f}}});
+    add("WoodSchema", "wood_Type", 2, {{"wood_Phase", phase}, {"wood_Fibres", {0.1f}}});
     add("NoiseSchema", "noise_Type", 3,
-        {{"noise_Size", {{19.0f}}}, {"noise_Levels", {{3.0f}}}, {"noise_Phase", {phase}}});
+        {{"noise_Size", {19.0f}}, {"noise_Levels", {3.0f}}, {"noise_Phase", phase}});
     add("MarbleSchema", "marble_Phase", 2,
-        {{"marble_Turbulence", {{0.6f}}}, {"marble_Width", {{1.0f}}}});
+        {{"marble_Turbulence", {0.6f}}, {"marble_Width", {1.0f}}});
     for (const float shape : {2.0f, 4.0f, 5.0f, 6.0f, 7.0f, 11.0f})
         patterns.push_back(patternOf("GradientSchema", 240, 240,
-                                     {{"gradient_Type", {{shape}}},
-                                      {"gradient_NoiseAmount", {{0.2f}}},
-                                      {"gradient_NoiseLevels", {{2.0f}}}}));
+                                     {{"gradient_Type", {shape}},
+                                      {"gradient_NoiseAmount", {0.2f}},
+                                      {"gradient_NoiseLevels", {2.0f}}}));
     for (const Pattern& pattern : patterns)
         for (const PatternPixels pixels : {PatternPixels::Heights, PatternPixels::Srgb})
         {
-            if (pixels == PatternPixels::Srgb && pattern.kind == kindOf("TileSchema"))
+            if (pixels == PatternPixels::Srgb && kinds[pattern.kind].schema == "TileSchema")
                 continue; // sharp
             const OIIO::ImageBuf image = bakePattern(pattern, pixels, {});
             for (const int dx : {0, 1})
             {
                 const auto [inside, seam] = differences(image, dx, 1 - dx);
-                EXPECT_LE(seam, inside) << rowsOf(pattern.kind)[0].name << ' '
+                EXPECT_LE(seam, inside) << kinds[pattern.kind].schema << ' '
                                         << pattern.values.rows[0][0][0] << ", dx " << dx;
                 EXPECT_LT(inside, 0.7f) << "too sharp to tell";
             }
@@ -288,7 +246,7 @@ TEST(Patterns, MeetAtOppositeEdges)
 
 TEST(Patterns, DrawThinJointsByTheirShare)
 {
-    Pattern pattern = patternOf("TileSchema", 64, 64, {{"tile_JointWidth", {{0.0f}}}});
+    Pattern pattern = patternOf("TileSchema", 64, 64, {{"tile_JointWidth", {0.0f}}});
     EXPECT_EQ(differences(bakePattern(pattern, PatternPixels::Color, {}), 1, 0)[0], 0.0f);
     EXPECT_EQ(differences(bakePattern(pattern, PatternPixels::Heights, {}), 0, 1)[0], 0.0f);
 }
@@ -302,10 +260,10 @@ TEST(Patterns, TakeImagesInPlaceOfColors)
         {{{}, {0.0f, 2.0f}, {}, {0.0f, -1.0f}, {false, false}, 90.0f}, {{}, {2.0f, 2.0f}}},
     };
     // A smooth image in the ground of a marble without veins.
-    Pattern pattern = patternOf("MarbleSchema", 145, 138, {{"marble_Width", {{0.0f}}}});
+    Pattern pattern = patternOf("MarbleSchema", 145, 138, {{"marble_Width", {0.0f}}});
     auto child = std::make_shared<ColorImage>();
     child->pattern = std::make_shared<Pattern>(
-        patternOf("GradientSchema", 60, 57, {{"gradient_Type", {{11.0f}}}}));
+        patternOf("GradientSchema", 60, 57, {{"gradient_Type", {11.0f}}}));
     pattern.images[0] = child;
     using Point = std::complex<double>;
     const auto orOne = [](double a) { return a == 0.0 ? 1.0 : a; };

@@ -106,6 +106,13 @@ struct Gradient
 
     std::vector<NoiseLayer> layers() const { return noise; }
 
+    /// Whether only x counts.
+    bool rowsAreAlike() const
+    {
+        return !isDistorted &&
+               (shape == Shape::Linear || shape == Shape::Quadratic || shape == Shape::Mirrored);
+    }
+
     template <class L> Sample<L> sample(const Pixels<L>& p) const
     {
         using M = Math<L>;
