@@ -44,6 +44,9 @@ class NamedSchema
                 for (const legacy::Preset& preset : row.presets)
                     choices += (choices.empty() ? "" : " ") + prefix + preset.name;
                 property.choices = choices.c_str();
+                for (const legacy::Assignment& standard : schema.defaults)
+                    if (standard.field == row.field && row.presets.empty())
+                        property.fallback = standard.value;
                 _rows.push_back({&row, property});
                 _properties.push_back(property);
             }
@@ -130,17 +133,16 @@ class LegacyRules : public legacy::LegacyValues
 
     StandardSurface read()
     {
-        for (const NamedRow& row : _schema.rows())
-            _values.push_back(textures::readPropertyValue(_asset, row.property, row.property.name,
-                                                          _colorMode, _log));
+        readValues();
+        setParams();
         readTextures();
         readReliefs();
         _textures.bake();
-        setParams();
         for (const auto& [input, property] : _driven)
             takeTexture(input, property);
         _textures.dropUnused();
         _asset.reportUnread(_log);
+        stateColors();
         return std::move(_material);
     }
 
@@ -171,23 +173,73 @@ class LegacyRules : public legacy::LegacyValues
         return presets.empty() ? nullptr : &presets[static_cast<std::size_t>(valueAt(place)[0])];
     }
 
-    float reliefAmount(float standard) const
+    /// What the asset says in the row of a duty.
+    std::optional<float> givenBy(legacy::Duty duty) const
     {
         for (std::size_t i = 0; i < _values.size(); ++i)
-            if (_schema.rows()[i].row->duty == legacy::Duty::ReliefAmount && _values[i])
+            if (_schema.rows()[i].row->duty == duty && _values[i])
                 return (*_values[i])[0];
-        return standard;
+        return std::nullopt;
     }
 
-    /// Whether the material's own properties make its pattern, and for which of its inputs: a texture of the base
-    /// colour shows the joints itself.
+    float reliefAmount(float standard) const
+    {
+        return givenBy(legacy::Duty::ReliefAmount).value_or(standard);
+    }
+
+    void readValues()
+    {
+        for (const NamedRow& row : _schema.rows())
+        {
+            auto& value = _values.emplace_back(textures::readPropertyValue(
+                _asset, row.property, row.property.name, _colorMode, _log));
+            if (!value || row.property.kind != PropertyKind::Color)
+                continue;
+            const Value given = *value;
+            for (float& channel : *value)
+                channel = std::clamp(channel, 0.0f, 1.0f);
+            if (*value != given)
+                _log.warning(
+                    DiagnosticCode::ValueAdjusted, row.property.name,
+                    "no surface gives more light than it gets; the colour is cut to 0 to 1");
+        }
+        for (std::size_t i = 0; i < _values.size(); ++i)
+            if (_schema.rows()[i].row->duty == legacy::Duty::NamesColor)
+                chooseColor(i);
+    }
+
+    /// A colour without a choice is a choice too: that of the colour.
+    void chooseColor(std::size_t choice)
+    {
+        if (!isGiven("color"))
+            return;
+        if (!_values[choice])
+            _values[choice] = {static_cast<float>(_schema.rows()[choice].row->presets.size() - 1)};
+        else if (!takesColor(*presetAt(choice)))
+            _log.warning(DiagnosticCode::ValueAdjusted, _schema.nameOf("color"),
+                         std::string("not used: \"") + _schema.rows()[choice].property.name +
+                             "\" names the colour");
+    }
+
+    static bool takesColor(const legacy::Preset& preset)
+    {
+        return std::holds_alternative<std::monostate>(preset.sets[0].field);
+    }
+
+    /// Whether the material's own properties make its pattern.
     bool isPatternMade() const
     {
         const legacy::Pattern* const pattern = _schema.schema().pattern;
-        if (!pattern || !isGiven(pattern->property))
+        if (!pattern)
             return false;
         const std::size_t place = placeOf(pattern->property);
-        return std::string_view(presetAt(place)->name) != "none";
+        if (_values[place])
+            return valueAt(place)[0] != 0.0f;
+        const auto& rows = _schema.rows();
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            if (rows[i].row->pattern && _values[i])
+                return true;
+        return false;
     }
 
     void readTextures()
@@ -199,28 +251,36 @@ class LegacyRules : public legacy::LegacyValues
             const legacy::Row& row = *rows[i].row;
             const char* const name = rows[i].property.name;
             const StandardSurfaceInput* const input = inputOf(row);
-            const bool fades = i + 1 < rows.size() && rows[i + 1].row->duty == legacy::Duty::Fade;
-            const bool isOfPattern = isMade && (row.pattern || isColorOfPattern(row));
-            if (!row.property.takesTexture || !input || !_asset[name].isConnected() || isOfPattern)
+            if (!row.property.takesTexture || !input || !_asset[name].isConnected())
                 continue;
-            if (fades && fadeAt(i + 1) <= 0.0f)
+            if (i + 1 < rows.size() && rows[i + 1].row->duty == legacy::Duty::Fade &&
+                !doesShow(name, rows[i + 1].property.name, valueAt(i + 1)[0]))
+                continue;
+            // A texture of the base colour shows within the pattern.
+            if (isMade && isColorOfPattern(row))
             {
-                _asset[name].settleConnection();
+                _isColorTextured = true;
                 continue;
             }
             const bool isRelief = row.duty == legacy::Duty::ReliefTexture;
             _textures.read(name, isRelief ? TextureRole::AnyRelief : TextureRole::Value,
                            input->type, reliefAmount(1.0f));
-            if (fades && fadeAt(i + 1) < 1.0f)
-                _log.warning(DiagnosticCode::FadeIgnored, rows[i + 1].property.name,
-                             "the image is not blended with the plain value; it shows fully");
             _driven.emplace_back(input->name, name);
         }
         if (isMade)
             makePattern();
     }
 
-    float fadeAt(std::size_t place) const { return valueAt(place)[0]; }
+    /// Of a fade documents know all or nothing.
+    bool doesShow(const char* property, const char* fadeProperty, float fade) const
+    {
+        if (fade <= 0.0f)
+            _asset[property].settleConnection();
+        else if (fade < 1.0f)
+            _log.warning(DiagnosticCode::FadeIgnored, fadeProperty,
+                         "the image is not blended with the plain value; it shows fully");
+        return fade > 0.0f;
+    }
 
     bool isColorOfPattern(const legacy::Row& row) const
     {
@@ -237,33 +297,62 @@ class LegacyRules : public legacy::LegacyValues
     {
         const legacy::Pattern& pattern = *_schema.schema().pattern;
         textures::MadePattern made{pattern.schema, {}, {}};
-        for (const NamedRow& row : _schema.rows())
-            if (row.row->pattern)
-                made.links.push_back({row.row->pattern, row.property.name});
-        if (pattern.color)
-            made.links.push_back({pattern.color, _schema.nameOf("color")});
-        for (const legacy::Constant& constant : pattern.constants)
+        const auto add = [&](const legacy::Constant& constant)
+        {
             if (constant.property)
                 made.constants.push_back({constant.property, constant.value});
+        };
+        const auto& rows = _schema.rows();
+        add(pattern.implied);
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            if (rows[i].row->pattern)
+            {
+                made.links.push_back({rows[i].row->pattern, rows[i].property.name});
+                if (_values[i] && rows[i].row->presets.empty())
+                    add({rows[i].row->pattern, *_values[i]});
+            }
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            if (const legacy::Preset* const preset = presetAt(i))
+                std::ranges::for_each(preset->shapes, add);
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            if (rows[i].row->pattern && rows[i].row->presets.empty())
+                add({rows[i].row->pattern, valueAt(i)});
+        if (pattern.color)
+        {
+            const StandardSurfaceParams::Color& color = _material.params.base_color;
+            add({pattern.color, {color[0], color[1], color[2]}});
+            if (_isColorTextured)
+                made.links.push_back({pattern.color, _schema.nameOf("color")});
+        }
+        std::ranges::for_each(pattern.constants, add);
         for (const char* input : pattern.inputs)
             if (input && !isDriven(input))
                 make(input, pattern.property, made, reliefAmount(pattern.amount));
     }
 
-    /// Reliefs that choices make, where nothing else is the relief.
+    /// Reliefs that choices make, of which the last row's wins, where nothing else is the relief.
     void readReliefs()
     {
-        for (std::size_t i = 0; i < _schema.rows().size() && !isDriven("normal"); ++i)
+        for (std::size_t i = _schema.rows().size(); i-- > 0;)
         {
             const legacy::Preset* const preset = presetAt(i);
             if (!preset || !preset->relief)
                 continue;
-            textures::MadePattern made{preset->relief->schema, {}, {}, preset->relief->size};
-            for (const legacy::Constant& constant : preset->relief->constants)
+            const legacy::Relief& relief = *preset->relief;
+            if (isDriven("normal"))
+            {
+                if (_values[i])
+                    _log.warning(DiagnosticCode::ValueAdjusted, _schema.rows()[i].property.name,
+                                 "its relief is not shown: the material has another one");
+                continue;
+            }
+            textures::MadePattern made{relief.schema, {}, {}, relief.size};
+            made.stretch =
+                givenBy(legacy::Duty::ReliefSize).value_or(relief.feature) / relief.feature;
+            for (const legacy::Constant& constant : relief.constants)
                 if (constant.property)
                     made.constants.push_back({constant.property, constant.value});
-            make("normal", _schema.rows()[i].row->property.name, made,
-                 reliefAmount(preset->relief->amount));
+            make("normal", _schema.rows()[i].row->property.name, made, reliefAmount(relief.amount));
         }
     }
 
@@ -288,27 +377,40 @@ class LegacyRules : public legacy::LegacyValues
                                                 DrivingTexture{property, std::move(*texture)});
     }
 
+    /// What is given wins over what a choice brings, and that over what holds for the schema.
     void setParams()
     {
         StandardSurfaceParams& params = _material.params;
+        const auto& rows = _schema.rows();
         for (const legacy::Assignment& standard : _schema.schema().defaults)
             assign(params, standard.field, standard.value);
         bool byObject = false;
-        for (std::size_t i = 0; i < _schema.rows().size(); ++i)
+        bool isOtherwise = false;
+        for (std::size_t i = 0; i < rows.size(); ++i)
         {
-            const legacy::Row& row = *_schema.rows()[i].row;
-            if (row.duty != legacy::Duty::TextureOnly)
-                assign(params, row.field, valueAt(i));
-            byObject =
-                byObject || (row.duty == legacy::Duty::ColorByObject && valueAt(i)[0] != 0.0f);
+            const legacy::Duty duty = rows[i].row->duty;
+            if (duty != legacy::Duty::Otherwise)
+                assign(params, rows[i].row->field, valueAt(i));
+            byObject = byObject || (duty == legacy::Duty::ColorByObject && valueAt(i)[0] != 0.0f);
+            isOtherwise =
+                isOtherwise || (duty == legacy::Duty::NamesColor && takesColor(*presetAt(i)));
+        }
+        for (std::size_t i = 0; i < rows.size(); ++i)
             if (const legacy::Preset* const preset = presetAt(i))
                 for (const legacy::Assignment& set : preset->sets)
                     assign(params, set.field, set.value);
-        }
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            if (rows[i].row->duty == legacy::Duty::Otherwise ? isOtherwise : _values[i].has_value())
+                assign(params, rows[i].row->field, valueAt(i));
         if (_schema.schema().finish)
             _schema.schema().finish(params, *this);
         if (byObject)
             params.base_color = StandardSurfaceParams::Color(0.5f);
+    }
+
+    void stateColors()
+    {
+        StandardSurfaceParams& params = _material.params;
         for (const StandardSurfaceInput& input : standardSurfaceInputs)
             if (const auto* color =
                     std::get_if<StandardSurfaceParams::Color StandardSurfaceParams::*>(
@@ -323,6 +425,8 @@ class LegacyRules : public legacy::LegacyValues
     textures::TextureSet _textures;
     /// For each row what the asset says.
     std::vector<std::optional<Value>> _values;
+    /// Whether a texture shows in the colour of the pattern.
+    bool _isColorTextured = false;
     /// Shader inputs and the textures that drive them.
     std::vector<std::pair<std::string, std::string>> _driven;
     StandardSurface _material;
@@ -332,9 +436,12 @@ class LegacyRules : public legacy::LegacyValues
 
 bool translateLegacy(const Translation& translation)
 {
-    const std::string schema = assets::Asset(translation.asset).schema();
+    const assets::Asset described(translation.asset);
+    const std::string schema = described.schema();
     if (schema == assets::genericSchema)
         return translateGeneric(translation);
+    if (translation.options.verbose)
+        assets::writeMaterialDescription(described, std::cout);
     const auto named = std::ranges::find_if(namedSchemas(), [&](const NamedSchema& s)
                                             { return s.schema().name == schema; });
     if (named == namedSchemas().end())

@@ -94,7 +94,8 @@ class PatternReader
 
     std::optional<Value> readValue(const PropertyRow& row, const std::string& name) const
     {
-        if (name.empty())
+        // The values of a made pattern are constants by now.
+        if (name.empty() || (_made && row.kind != PropertyKind::Choice))
             return std::nullopt;
         const std::optional<std::int32_t> colorMode =
             isColor() ? std::optional(_request.translation.options.colorMode) : std::nullopt;
@@ -174,16 +175,14 @@ class PatternReader
         _placement.repeatV = _asset["texture_VRepeat"].boolean(true);
         _pattern.placement = inMetres(_placement, _asset);
         const bool isPlaced = _asset["texture_RealWorldScaleX"].hasValue();
-        if (_made && !isPlaced)
-        {
-            _pattern.placement.size = {_made->size, _made->size};
-            _placement.realWorldScale = inUnit(_pattern.placement.size);
-        }
-        const auto period = patternPeriod(_pattern.kind, _pattern.values);
+        auto period = patternPeriod(_pattern.kind, _pattern.values);
+        if (!period && _made)
+            period = {_made->size, _made->size};
         if (!period || isPlaced)
             return;
-        _pattern.placement.size = *period;
-        _placement.realWorldScale = inUnit(*period);
+        const float stretch = _made ? _made->stretch : 1.0f;
+        _pattern.placement.size = {(*period)[0] * stretch, (*period)[1] * stretch};
+        _placement.realWorldScale = inUnit(_pattern.placement.size);
     }
 
     /// A size in the unit of the first length that the asset states with one.

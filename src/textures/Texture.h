@@ -139,6 +139,8 @@ struct MadePattern
     std::vector<Constant> constants;
     /// What the image covers, in metres, where neither pattern nor material say.
     float size = 1.0f;
+    /// Larger than that, or smaller.
+    float stretch = 1.0f;
 };
 
 /// The textures of one material.

@@ -17,25 +17,33 @@ constexpr PropertyRow choiceRow(const char* name, const char* meaning, const cha
     return row;
 }
 
-constexpr PropertyRow shareRow(const char* name, const char* meaning, float fallback,
-                               const char* effect = "")
+constexpr PropertyRow numberRow(const char* name, const char* meaning, float fallback, float least,
+                                float most, const char* effect = "", const char* source = "")
 {
     PropertyRow row{name, PropertyKind::Scalar, meaning, {fallback}};
-    row.least = 0.0f;
-    row.most = 1.0f;
+    row.least = least;
+    row.most = most;
     row.effect = effect;
+    row.source = source;
     return row;
 }
 
-constexpr PropertyRow lengthRow(const char* name, const char* meaning, float metres,
-                                const char* effect = "")
+constexpr PropertyRow shareRow(const char* name, const char* meaning, float fallback,
+                               const char* effect = "")
 {
-    PropertyRow row{name, PropertyKind::Scalar, meaning, {metres}, "meter"};
-    row.least = 0.0f;
-    row.most = 1e6f;
-    row.effect = effect;
+    return numberRow(name, meaning, fallback, 0.0f, 1.0f, effect);
+}
+
+constexpr PropertyRow lengthRow(const char* name, const char* meaning, float metres,
+                                const char* effect = "", float least = 0.0f)
+{
+    PropertyRow row = numberRow(name, meaning, metres, least, 1e6f, effect);
+    row.unit = "meter";
     return row;
 }
+
+/// Of what has to be there at all.
+constexpr float leastLength = 1e-6f;
 
 constexpr PropertyRow colorRow(const char* name, const char* meaning, std::array<float, 3> linear,
                                const char* effect = "")
@@ -43,6 +51,15 @@ constexpr PropertyRow colorRow(const char* name, const char* meaning, std::array
     PropertyRow row{name, PropertyKind::Color, meaning, linear};
     row.takesTexture = true;
     row.effect = effect;
+    return row;
+}
+
+/// A colour that no texture may drive.
+constexpr PropertyRow plainColorRow(const char* name, const char* meaning,
+                                    std::array<float, 3> linear, const char* effect = "")
+{
+    PropertyRow row = colorRow(name, meaning, linear, effect);
+    row.takesTexture = false;
     return row;
 }
 
@@ -54,46 +71,95 @@ constexpr PropertyRow textureRow(const char* name, const char* meaning, const ch
     return row;
 }
 
-constexpr PropertyRow amountRow(const char* name, const char* meaning, float fallback, float most,
-                                const char* effect)
+constexpr PropertyRow countRow(const char* name, const char* meaning, float fallback, float most,
+                               const char* effect = "")
 {
-    PropertyRow row{name, PropertyKind::Scalar, meaning, {fallback}};
-    row.least = 0.0f;
+    PropertyRow row{name, PropertyKind::Integer, meaning, {fallback}};
+    row.least = 1.0f;
     row.most = most;
     row.effect = effect;
     return row;
 }
 
-constexpr PropertyRow countRow(const char* name, const char* meaning, float fallback, float most)
-{
-    PropertyRow row{name, PropertyKind::Integer, meaning, {fallback}};
-    row.least = 1.0f;
-    row.most = most;
-    return row;
-}
+inline constexpr Row fadeRow{
+    shareRow("color_fade", "0 switches the texture of the colour off", 1.0f,
+             "all or nothing: documents do not blend it, which a warning says"),
+    {},
+    Duty::Fade};
 
-constexpr PropertyRow booleanRow(const char* name, const char* meaning)
-{
-    return {name, PropertyKind::Boolean, meaning};
-}
+inline constexpr Row byObjectRow{{":color_by_object", PropertyKind::Boolean,
+                                  "the object brings its own colour; the material is grey"},
+                                 {},
+                                 Duty::ColorByObject};
 
 /// A colour, its texture and fade, and the object's own colour.
 inline constexpr Row colorRows[] = {
     {colorRow("color", "its colour", {0.5f, 0.5f, 0.5f}, "base_color"), &Params::base_color},
-    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
-    {booleanRow(":color_by_object", "the object brings its own colour; the material is grey"),
-     {},
-     Duty::ColorByObject},
+    fadeRow,
+    byObjectRow,
 };
 
+// Reliefs by procedural textures: sizes in metres, strengths by eye.
+inline constexpr Relief roughRelief{
+    "NoiseSchema",
+    0.4f,
+    0.04f,
+    1.5f,
+    {{"noise_Type", {1.0f}}, {"noise_Size", {10.0f}}, {"noise_Levels", {5.0f}}}};
+inline constexpr Relief dimpledRelief{"SpeckleSchema",
+                                      0.0f,
+                                      0.015f,
+                                      2.0f,
+                                      {{"speckle_Size", {0.015f}},
+                                       {"speckle_Soften", {1.0f}},
+                                       {"speckle_Amount", {1.0f}},
+                                       {"speckle_Color1", {1.0f, 1.0f, 1.0f}},
+                                       {"speckle_Color2", {0.0f, 0.0f, 0.0f}}}};
+inline constexpr Relief wavedRelief{
+    "WaveSchema",
+    0.0f,
+    0.1f,
+    1.0f,
+    {{"wave_Sources", {8.0f}}, {"wave_Length", {0.1f}}, {"wave_LengthVariation", {0.5f}}}};
+inline constexpr Relief ribbedRelief{
+    "GradientSchema",
+    0.1f,
+    0.01f,
+    1.0f,
+    {{"gradient_Type", {2.0f}}, {"gradient_Repeats", {5.0f}}, {"gradient_Alternates", {1.0f}}}};
+inline constexpr Relief cushionedRelief{
+    "GradientSchema", 0.01f, 0.01f, 1.0f, {{"gradient_Type", {11.0f}}}};
+
+inline constexpr Preset reliefPatterns[] = {
+    {"none"},
+    {"rough", {}, &roughRelief},
+    {"dimpled", {}, &dimpledRelief},
+    {"waved", {}, &wavedRelief},
+    {"ribbed", {}, &ribbedRelief},
+    {"cushioned", {}, &cushionedRelief},
+};
+
+/// In the order in which one relief wins over the next; those of finishes and bonds stand in other rows.
 inline constexpr Row reliefRows[] = {
-    {textureRow("relief", "its connected texture is the relief; the value is not used", "normal"),
+    {textureRow("relief", "its connected texture is the relief; the value is not used",
+                "normal, in place of any other relief"),
      {},
      Duty::ReliefTexture},
-    {amountRow("relief_amount", "strength of the relief", 1.0f, 100.0f,
-               "normal_scale of the normal map"),
+    {choiceRow("relief_pattern", "relief by a pattern",
+               "normal, in place of the relief of a finish or type"),
+     {},
+     Duty::None,
+     reliefPatterns},
+    {numberRow("relief_amount", "strength of the relief; without it that of its kind", 1.0f, 0.0f,
+               100.0f, "normal_scale of the normal map"),
      {},
      Duty::ReliefAmount},
+    {lengthRow("relief_size",
+               "of the ribs, dimples or waves of a relief that a choice makes; without it that of "
+               "its kind",
+               0.01f, "realworld_scale of the normal map", leastLength),
+     {},
+     Duty::ReliefSize},
 };
 
 inline constexpr Row cutOutRows[] = {
@@ -102,11 +168,17 @@ inline constexpr Row cutOutRows[] = {
      Duty::CutOut},
 };
 
-/// Clear layers over porous materials. Acrylics and epoxies have an index of about 1.5.
+/// Clear layers. Acrylics and epoxies have an index of about 1.5, the shader's own.
 inline constexpr Preset sealants[] = {
     {"none"},
     {"matte", {{&Params::coat, {0.6f}}, {&Params::coat_roughness, {0.4f}}}},
     {"glossy", {{&Params::coat, {1.0f}}, {&Params::coat_roughness, {0.05f}}}},
 };
+
+constexpr PropertyRow sealantRow(const char* name, const char* meaning)
+{
+    return choiceRow(name, meaning, "coat and coat_roughness; index 1.5 of acrylic and epoxy",
+                     "CRC Handbook (not opened here)");
+}
 
 } // namespace vyr::MaterialTranslation::materials::legacy

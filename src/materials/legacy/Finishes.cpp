@@ -14,10 +14,12 @@ constexpr Assignment binder[] = {{&Params::specular_IOR, {1.5f}}};
 
 constexpr Relief rolled{"NoiseSchema",
                         0.2f,
+                        0.004f,
                         0.6f,
                         {{"noise_Type", {1.0f}}, {"noise_Size", {2.0f}}, {"noise_Levels", {2.0f}}}};
 constexpr Relief brushed{"GradientSchema",
                          0.03f,
+                         0.005f,
                          0.4f,
                          {{"gradient_Type", {2.0f}},
                           {"gradient_Repeats", {6.0f}},
@@ -36,8 +38,20 @@ constexpr Preset paintFinishes[] = {
 constexpr Preset applications[] = {{"spray"}, {"roller", {}, &rolled}, {"brush", {}, &brushed}};
 
 constexpr Row wallPaintOwn[] = {
-    {choiceRow("finish", "sheen of the paint", "roughness"), {}, Duty::None, paintFinishes},
-    {choiceRow("application", "how it was put on", "relief"), {}, Duty::None, applications},
+    {choiceRow(
+         "finish", "sheen of the paint",
+         "specular_roughness, falling from flat to gloss; flat paints scatter more of the light "
+         "back (diffuse_roughness)",
+         "order of the gloss classes of ASTM D523 and MPI (not opened here); figures by eye"),
+     {},
+     Duty::None,
+     paintFinishes},
+    {choiceRow(
+         "application", "how it was put on",
+         "normal: none when sprayed, orange peel of 4 mm by roller, streaks of 5 mm by brush"),
+     {},
+     Duty::None,
+     applications},
 };
 
 constexpr Preset plasticTypes[] = {
@@ -58,7 +72,10 @@ constexpr Row plasticOwn[] = {
      {},
      Duty::None,
      plasticTypes},
-    {choiceRow("finish", "of the surface", "roughness"), {}, Duty::None, plasticFinishes},
+    {choiceRow("finish", "of the surface", "specular_roughness, rising to matte"),
+     {},
+     Duty::None,
+     plasticFinishes},
 };
 
 /// The light that passes has the colour.
@@ -97,22 +114,39 @@ constexpr Preset grains[] = {{"none"}, {"plank"}, {"end"}};
 
 constexpr Preset stains[] = {{"no_stain"}, {"color_choice"}};
 
+/// Stains plain wood as the graph of stained textures does: an overlay blend, by half, and the stain over it, by half.
+void stain(Params& params, const LegacyValues& values)
+{
+    constexpr const char* tint = ":hardwood_tint_color";
+    if (values.choice(":hardwood_tint_enabled") != placeOf(stains, "color_choice") ||
+        !values.isGiven(tint))
+        return;
+    for (std::size_t i = 0; i < 3; ++i)
+    {
+        const float s = params.base_color[i];
+        const float t = values.color(tint)[i];
+        const float o = s >= 0.5f ? 1.0f - 2.0f * (1.0f - s) * (1.0f - t) : 2.0f * s * t;
+        params.base_color[i] = (s + o) * 0.5f * (1.0f + t) * 0.5f;
+    }
+}
+
 constexpr Row hardwoodOwn[] = {
-    {choiceRow(":hardwood_tint_enabled", "whether a texture of the colour is stained"),
-     {},
-     Duty::None,
-     stains},
-    {colorRow(":hardwood_tint_color", "of the stain", {1.0f, 1.0f, 1.0f},
-              "blended over the texture of the colour")},
-    {choiceRow("finish", "varnish over the wood", "a coat, and roughness"),
+    {choiceRow(":hardwood_tint_enabled", "whether the wood is stained"), {}, Duty::None, stains},
+    {plainColorRow(":hardwood_tint_color", "of the stain; none without it", {1.0f, 1.0f, 1.0f},
+                   "overlaid on base_color, plain or textured")},
+    {choiceRow("finish", "varnish over the wood",
+               "coat and coat_roughness; specular_roughness of the wood below",
+               "lacquers have an index of about 1.5 (manufacturers' tables, not opened here)"),
      {},
      Duty::None,
      woodFinishes},
-    {choiceRow("application", "what it is used for", "floors are worn a little"),
+    {choiceRow("application", "what it is used for", "diffuse_roughness: floors are worn a little"),
      {},
      Duty::None,
      uses},
-    {choiceRow("grain", "growth rings drawn from the two colours, along or across"),
+    {choiceRow("grain",
+               "growth rings, from the colour to late_color, along a plank or across its end",
+               "base_color and normal, by the pattern WoodSchema"),
      {},
      Duty::None,
      grains,
@@ -122,11 +156,16 @@ constexpr Row hardwoodOwn[] = {
      Duty::None,
      {},
      "wood_Color2"},
-    {lengthRow("ring_width", "of a growth ring", 0.01f), {}, Duty::None, {}, "wood_RingWidth"},
+    {lengthRow("ring_width", "of a growth ring", 0.01f, "", leastLength),
+     {},
+     Duty::None,
+     {},
+     "wood_RingWidth"},
     {shareRow("fibres", "how much the fibres show", 0.3f), {}, Duty::None, {}, "wood_Fibres"},
 };
 
-constexpr Pattern rings{"WoodSchema", "grain", "wood_Color1", 0.3f, {"base_color", "normal"}};
+constexpr Pattern rings{"WoodSchema",  "grain", {"wood_Type"},
+                        "wood_Color1", 0.3f,    {"base_color", "normal"}};
 
 } // namespace
 
@@ -147,6 +186,7 @@ constinit const Schema hardwood{"HardwoodSchema",
                                 "wood, stained and varnished",
                                 {colorRows, hardwoodOwn, reliefRows},
                                 wood,
-                                &rings};
+                                &rings,
+                                stain};
 
 } // namespace vyr::MaterialTranslation::materials::legacy

@@ -41,50 +41,66 @@ Params::Color toPower(Params::Color color, float exponent)
     return color;
 }
 
-void useCustomTint(Params& params, const LegacyValues& values)
+/// What comes back of one surface, by its index of refraction.
+float reflectanceOfIndex(float index)
 {
-    constexpr std::size_t custom = std::size(tints) - 1;
-    if (values.choice("tint") != custom)
-        return;
-    const auto color = values.color("color");
-    params.transmission_color = {color[0], color[1], color[2]};
+    const float root = (index - 1.0f) / (index + 1.0f);
+    return root * root;
 }
 
+constexpr Preset forms[] = {{"thin", {{&Params::thin_walled, {1.0f}}}},
+                            {"solid", {{&Params::thin_walled, {0.0f}}}}};
+
+constexpr Row tintRow{choiceRow("tint", "of the glass; custom, or no tint but a colour: the colour",
+                                "transmission_color"),
+                      {},
+                      Duty::NamesColor,
+                      tints};
+
+constexpr Row glassRoughnessRow{
+    shareRow("roughness", "0 clear, 1 frosted", 0.0f, "specular_roughness"),
+    &Params::specular_roughness};
+
 /// Of n sheets that reflect the share R and absorb nothing, n R / (1 + (n - 1) R) comes back: Stokes' pile of plates.
-/// What is absorbed grows with the glass on the way.
+/// A sheet is itself a pile of two surfaces. What is absorbed grows with the glass on the way.
 void stackPanes(Params& params, const LegacyValues& values)
 {
-    useCustomTint(params, values);
+    const auto pile = [](float count, float reflectance)
+    { return count * reflectance / (1.0f + (count - 1.0f) * reflectance); };
+    const float index = values.number("index");
     const float sheets = values.number("sheets");
-    const float thickness = values.number("thickness");
-    const float reflectance = values.number("reflectance");
-    params.transmission_color = toPower(params.transmission_color, sheets * thickness / 0.006f);
-    params.specular_IOR =
-        indexOfReflectance(sheets * reflectance / (1.0f + (sheets - 1.0f) * reflectance));
+    params.transmission_color =
+        toPower(params.transmission_color, sheets * values.number("thickness") / 0.006f);
+    const bool isGiven = values.isGiven("reflectance");
+    params.specular_IOR = index;
+    if (params.thin_walled || isGiven)
+        params.specular_IOR =
+            indexOfReflectance(pile(sheets, isGiven ? values.number("reflectance")
+                                                    : pile(2.0f, reflectanceOfIndex(index))));
 }
 
 constexpr Row glazingOwn[] = {
-    {choiceRow("tint", "of the glass; custom: the colour", "transmission_color"),
+    tintRow,
+    {colorRow("color", "of the light that passes 6 mm of glass", {0.9f, 0.9f, 0.9f},
+              "transmission_color"),
+     &Params::transmission_color, Duty::Otherwise},
+    fadeRow,
+    {choiceRow("form", "thin: one surface stands for the pane; solid: the pane has two",
+               "thin_walled"),
      {},
      Duty::None,
-     tints},
-    {colorRow("color", "of the light that passes 6 mm of glass, with the custom tint",
-              {0.9f, 0.9f, 0.9f}, "transmission_color"),
-     &Params::transmission_color, Duty::TextureOnly},
-    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
-    {[]
-     {
-         PropertyRow row = shareRow("reflectance", "of one sheet, at normal incidence", 0.08f,
-                                    "specular_IOR by Fresnel's formula, of all sheets");
-         row.most = highestReflectance;
-         row.source = "two surfaces of index 1.52 reflect 0.082";
-         return row;
-     }()},
-    {countRow("sheets", "how many", 1.0f, 10.0f)},
-    {lengthRow("thickness", "of a sheet", 0.006f,
-               "the tint to the power of thickness / 6 mm (Beer and Lambert)")},
-    {shareRow("roughness", "0 clear, 1 frosted", 0.0f, "specular_roughness"),
-     &Params::specular_roughness},
+     forms},
+    {numberRow("reflectance", "of one sheet, at normal incidence; without it that of the index",
+               0.0817f, 0.0f, highestReflectance,
+               "specular_IOR of all sheets: Stokes' pile of plates, Fresnel's formula",
+               "two surfaces of index 1.52 reflect 0.0817")},
+    {numberRow("index", "index of refraction of the glass", 1.52f, 1.0f, 10.0f, "specular_IOR",
+               "soda-lime glass at 589 nm: 1.52 (Schott, data sheets; not opened here)")},
+    {countRow("sheets", "how many", 1.0f, 10.0f, "they reflect more, and absorb more")},
+    {lengthRow(
+        "thickness", "of a sheet", 0.006f,
+        "transmission_color is the tint to the power of thickness / 6 mm (Beer and Lambert)")},
+    glassRoughnessRow,
 };
 
 constexpr Preset indices[] = {
@@ -100,46 +116,31 @@ constexpr Preset indices[] = {
 };
 
 constexpr Row solidGlassOwn[] = {
-    {choiceRow("tint", "of the glass; custom: the colour", "transmission_color"),
-     {},
-     Duty::None,
-     tints},
-    {colorRow("color", "of the light that passes the reference depth, with the custom tint",
-              {0.9f, 0.9f, 0.9f}, "transmission_color"),
-     &Params::transmission_color, Duty::TextureOnly},
-    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
-    {choiceRow("refraction", "what it refracts like", "specular_IOR",
+    tintRow,
+    {colorRow("color", "of the light that passes 6 mm of glass", {0.9f, 0.9f, 0.9f},
+              "transmission_color"),
+     &Params::transmission_color, Duty::Otherwise},
+    fadeRow,
+    {choiceRow("refraction", "what it refracts like; custom: the index", "specular_IOR",
                "indices at 589 nm, CRC Handbook (not opened here)"),
      {},
      Duty::None,
      indices},
-    {[]
-     {
-         PropertyRow row = amountRow("index", "index of refraction, with the custom refraction",
-                                     1.52f, 10.0f, "specular_IOR");
-         row.least = 1.0f;
-         return row;
-     }()},
-    {[]
-     {
-         PropertyRow row =
-             shareRow(":glazing_reflectance", "at normal incidence; given, it decides the index",
-                      0.0f, "specular_IOR by Fresnel's formula");
-         row.most = highestReflectance;
-         return row;
-     }()},
+    {numberRow("index", "index of refraction; given, it counts in place of refraction", 1.52f, 1.0f,
+               10.0f, "specular_IOR")},
+    {numberRow(":glazing_reflectance",
+               "at normal incidence; given, it counts in place of index and refraction", 0.0426f,
+               0.0f, highestReflectance, "specular_IOR by Fresnel's formula",
+               "a surface of index 1.52 reflects 0.0426")},
     {lengthRow("depth", "of the glass", 0.006f,
-               "the tint to the power of depth / 6 mm (Beer and Lambert)")},
-    {shareRow("roughness", "0 clear, 1 frosted", 0.0f, "specular_roughness"),
-     &Params::specular_roughness},
+               "transmission_color is the tint to the power of depth / 6 mm (Beer and Lambert)")},
+    glassRoughnessRow,
 };
 
 void fillGlass(Params& params, const LegacyValues& values)
 {
-    constexpr std::size_t custom = std::size(indices) - 1;
-    useCustomTint(params, values);
     params.transmission_color = toPower(params.transmission_color, values.number("depth") / 0.006f);
-    if (values.choice("refraction") == custom)
+    if (values.isGiven("index") || values.choice("refraction") == placeOf(indices, "custom"))
         params.specular_IOR = values.number("index");
     if (values.isGiven(":glazing_reflectance"))
         params.specular_IOR = indexOfReflectance(values.number(":glazing_reflectance"));
@@ -148,10 +149,12 @@ void fillGlass(Params& params, const LegacyValues& values)
 constexpr Relief ripples{
     "WaveSchema",
     0.0f,
+    0.15f,
     1.0f,
     {{"wave_Sources", {8.0f}}, {"wave_Length", {0.15f}}, {"wave_LengthVariation", {0.6f}}}};
 constexpr Relief current{"WaveSchema",
                          0.0f,
+                         0.3f,
                          2.0f,
                          {{"wave_Type", {1.0f}},
                           {"wave_Sources", {8.0f}},
@@ -159,6 +162,7 @@ constexpr Relief current{"WaveSchema",
                           {"wave_LengthVariation", {0.7f}}}};
 constexpr Relief sea{"WaveSchema",
                      0.0f,
+                     1.5f,
                      4.0f,
                      {{"wave_Type", {1.0f}},
                       {"wave_Sources", {16.0f}},
@@ -195,29 +199,30 @@ constexpr Assignment liquid[] = {{&Params::specular_IOR, {waterIndex}},
                                  {&Params::transmission, {0.9f}}};
 
 constexpr Row waterOwn[] = {
-    {choiceRow("type", "where it stands; custom: the colour",
-               "base_color, transmission_color and waves"),
+    {choiceRow("type", "where it stands; custom, or no type but a colour: the colour",
+               "base_color, transmission_color and waves",
+               "index 1.333 at 20 degrees Celsius, 589 nm (IAPWS, 1997; not opened here); colours "
+               "by appearance"),
      {},
-     Duty::None,
+     Duty::NamesColor,
      waters},
-    {colorRow("color", "with the custom type", {0.05f, 0.2f, 0.25f},
-              "base_color, transmission_color"),
-     &Params::base_color, Duty::TextureOnly},
-    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
-    {lengthRow("depth", "down to the ground; what the water itself takes of the light on the way",
-               0.0f,
-               "transmission_color times exp(-a depth), a 0.2755, 0.0565 and 0.0092 per metre")},
+    {colorRow("color", "its own colour", {0.05f, 0.2f, 0.25f}, "base_color, transmission_color"),
+     &Params::base_color, Duty::Otherwise},
+    fadeRow,
+    {[]
+     {
+         PropertyRow row = lengthRow(
+             "depth", "down to the ground; what the water itself takes of the light on the way",
+             0.0f, "transmission_color times exp(-a depth), a 0.2755, 0.0565 and 0.0092 per metre");
+         row.source = "Pope and Fry, Applied Optics 36 (1997), table 3 (not opened here)";
+         return row;
+     }()},
 };
 
 void fillWater(Params& params, const LegacyValues& values)
 {
-    constexpr std::size_t custom = std::size(waters) - 1;
-    if (values.choice("type") == custom)
-    {
-        const auto color = values.color("color");
-        params.base_color = {color[0], color[1], color[2]};
+    if (values.choice("type") == placeOf(waters, "custom"))
         params.transmission_color = params.base_color;
-    }
     for (std::size_t i = 0; i < 3; ++i)
         params.transmission_color[i] *= static_cast<float>(
             std::exp(-static_cast<double>(waterAbsorption[i] * values.number("depth"))));
@@ -227,9 +232,22 @@ void fillWater(Params& params, const LegacyValues& values)
 constexpr Assignment silvered[] = {{&Params::metalness, {1.0f}},
                                    {&Params::specular_roughness, {0.0f}}};
 
+constexpr Preset backings[] = {
+    {"aluminum", {{&Params::base_color, {0.913f, 0.922f, 0.924f}}}},
+    {"silver", {{&Params::base_color, {0.972f, 0.96f, 0.915f}}}},
+    {"antique",
+     {{&Params::base_color, {0.6f, 0.57f, 0.5f}}, {&Params::specular_roughness, {0.12f}}}},
+};
+
 constexpr Row mirrorOwn[] = {
-    {colorRow("color", "its tint", {0.91f, 0.92f, 0.92f}, "base_color"), &Params::base_color},
-    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
+    {colorRow("color", "its tint", {0.913f, 0.922f, 0.924f}, "base_color"), &Params::base_color},
+    fadeRow,
+    {choiceRow("type", "metal behind the glass",
+               "base_color; a colour that is given counts instead",
+               "Real-Time Rendering, 4th edition, table 9.2 (not opened here)"),
+     {},
+     Duty::None,
+     backings},
     {shareRow("roughness", "0 clear, 1 blind", 0.0f, "specular_roughness"),
      &Params::specular_roughness},
 };

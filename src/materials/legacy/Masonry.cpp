@@ -11,47 +11,82 @@ namespace
 
 // Indices of refraction: quartz 1.54 and calcite 1.49 to 1.66 (CRC Handbook, not opened here), fired clay and cement
 // between; glazes are silicate glasses of 1.5 to 1.6.
-constexpr Assignment mineral[] = {{&Params::specular_IOR, {1.54f}}};
-constexpr Assignment glassy[] = {{&Params::specular_IOR, {1.52f}}};
+constexpr Assignment rock[] = {{&Params::specular_IOR, {1.54f}},
+                               {&Params::base_color, {0.46f, 0.43f, 0.38f}}};
+constexpr Assignment cement[] = {{&Params::specular_IOR, {1.54f}},
+                                 {&Params::base_color, {0.36f, 0.35f, 0.33f}}};
+constexpr Assignment clay[] = {{&Params::specular_IOR, {1.54f}},
+                               {&Params::base_color, {0.3f, 0.085f, 0.045f}}};
+constexpr Assignment glassy[] = {{&Params::specular_IOR, {1.52f}},
+                                 {&Params::base_color, {0.75f, 0.74f, 0.7f}}};
 
 constexpr Preset bonds[] = {{"none"},        {"stack"},  {"running"}, {"third"},
                             {"herringbone"}, {"basket"}, {"custom"}};
 
-/// The pattern's choices have no "none": a bond is made when it is given.
-constexpr Row tileRows[] = {
-    {choiceRow("bond", "how the units lie; none: no joints are drawn"),
-     {},
-     Duty::None,
-     bonds,
-     "tile_Bond"},
-    {lengthRow("unit_width", "of a unit", 0.2f), {}, Duty::None, {}, "tile_Width"},
-    {lengthRow("unit_height", "of a unit", 0.2f), {}, Duty::None, {}, "tile_Height"},
-    {lengthRow("joint_width", "of the joints", 0.005f), {}, Duty::None, {}, "tile_JointWidth"},
-    {colorRow("joint_color", "of the joints", {0.3f, 0.29f, 0.27f}),
-     {},
-     Duty::None,
-     {},
-     "tile_JointColor"},
-    {shareRow("bond_offset", "shift of every second row in the custom bond, as a share of a unit",
-              0.25f),
-     {},
-     Duty::None,
-     {},
-     "tile_Offset"},
-    {shareRow("variation", "how much darker than its colour a unit may be", 0.15f),
-     {},
-     Duty::None,
-     {},
-     "tile_Variation"},
-    {countRow("columns", "units side by side in the image", 8.0f, 256.0f),
-     {},
-     Duty::None,
-     {},
-     "tile_Columns"},
-    {countRow("rows", "rows of units in the image", 8.0f, 256.0f), {}, Duty::None, {}, "tile_Rows"},
-};
+/// Units of a size in metres, with joints.
+constexpr std::array<Row, 10> unitRows(float width, float height, float joint)
+{
+    return {{
+        {choiceRow("bond",
+                   "how the units lie; none: no joints are drawn; without it, but with another of "
+                   "these properties: running",
+                   "base_color and normal, by the pattern TileSchema"),
+         {},
+         Duty::None,
+         bonds,
+         "tile_Bond"},
+        {lengthRow("unit_width", "of a unit", width, "", leastLength),
+         {},
+         Duty::None,
+         {},
+         "tile_Width"},
+        {lengthRow("unit_height", "of a unit", height, "", leastLength),
+         {},
+         Duty::None,
+         {},
+         "tile_Height"},
+        {lengthRow("joint_width", "of the joints", joint), {}, Duty::None, {}, "tile_JointWidth"},
+        {colorRow("joint_color", "of the joints", {0.42f, 0.4f, 0.37f}),
+         {},
+         Duty::None,
+         {},
+         "tile_JointColor"},
+        {lengthRow("edge", "width of the slope at a unit's edges", 0.002f),
+         {},
+         Duty::None,
+         {},
+         "tile_Bevel"},
+        {shareRow("bond_offset",
+                  "shift of every second row in the custom bond, as a share of a unit", 0.25f),
+         {},
+         Duty::None,
+         {},
+         "tile_Offset"},
+        {shareRow("variation", "how much darker than its colour a unit may be", 0.15f),
+         {},
+         Duty::None,
+         {},
+         "tile_Variation"},
+        {countRow("columns", "units side by side in the image", 8.0f, 256.0f),
+         {},
+         Duty::None,
+         {},
+         "tile_Columns"},
+        {countRow("rows", "rows of units in the image", 8.0f, 256.0f),
+         {},
+         Duty::None,
+         {},
+         "tile_Rows"},
+    }};
+}
 
-constexpr Pattern tiles{"TileSchema", "bond", "tile_Color", 1.0f, {"base_color", "normal"}};
+constexpr auto tileRows = unitRows(0.2f, 0.2f, 0.003f);
+constexpr auto slabRows = unitRows(0.4f, 0.4f, 0.005f);
+// A brick of 215 x 65 mm and joints of 10 mm: BS EN 771-1 and its national tables (not opened here).
+constexpr auto brickRows = unitRows(0.215f, 0.065f, 0.01f);
+
+constexpr Pattern tiles{"TileSchema", "bond", {"tile_Bond", {1.0f}},
+                        "tile_Color", 1.0f,   {"base_color", "normal"}};
 
 constexpr Preset ceramicFinishes[] = {
     {"glossy",
@@ -68,12 +103,14 @@ constexpr Preset ceramicTypes[] = {
 };
 
 constexpr Row ceramicOwn[] = {
-    {choiceRow("type", "what it is made of", "index of the glaze; porcelain lets a little light in",
-               "glazes are silicate glasses, 1.5 to 1.6"),
+    {choiceRow("type", "what it is made of",
+               "specular_IOR of the glaze; porcelain lets a little light in (subsurface)",
+               "glazes are silicate glasses, 1.5 to 1.6 (not opened here)"),
      {},
      Duty::None,
      ceramicTypes},
-    {choiceRow("finish", "of the glaze", "roughness, and a clear layer where it is glossy"),
+    {choiceRow("finish", "of the glaze; matte: unglazed",
+               "specular_roughness, rising to matte; a coat where it is glossy"),
      {},
      Duty::None,
      ceramicFinishes},
@@ -82,6 +119,7 @@ constexpr Row ceramicOwn[] = {
 // Reliefs of worked surfaces, by noise: sizes in metres, strengths by eye.
 constexpr Relief broomed{"GradientSchema",
                          0.02f,
+                         0.005f,
                          0.6f,
                          {{"gradient_Type", {2.0f}},
                           {"gradient_Repeats", {4.0f}},
@@ -89,9 +127,10 @@ constexpr Relief broomed{"GradientSchema",
                           {"gradient_NoiseAmount", {0.4f}},
                           {"gradient_NoiseSize", {20.0f}}}};
 constexpr Relief curved{
-    "WaveSchema", 0.0f, 0.6f, {{"wave_Sources", {1.0f}}, {"wave_Length", {0.03f}}}};
+    "WaveSchema", 0.0f, 0.03f, 0.6f, {{"wave_Sources", {1.0f}}, {"wave_Length", {0.03f}}}};
 constexpr Relief exposed{"SpeckleSchema",
                          0.0f,
+                         0.012f,
                          1.5f,
                          {{"speckle_Size", {0.012f}},
                           {"speckle_Soften", {1.0f}},
@@ -100,6 +139,7 @@ constexpr Relief exposed{"SpeckleSchema",
                           {"speckle_Color2", {1.0f, 1.0f, 1.0f}}}};
 constexpr Relief cast{"NoiseSchema",
                       0.5f,
+                      0.03f,
                       0.5f,
                       {{"noise_Type", {1.0f}}, {"noise_Size", {6.0f}}, {"noise_Levels", {4.0f}}}};
 
@@ -119,12 +159,15 @@ constexpr Preset concreteFinishes[] = {
 };
 
 constexpr Row concreteOwn[] = {
-    {choiceRow("finish", "how the surface was worked", "roughness and relief"),
+    {choiceRow(
+         "finish", "how the surface was worked",
+         "specular_roughness and diffuse_roughness; relief: swirls of the mould, strokes of a "
+         "broom, or exposed aggregate"),
      {},
      Duty::None,
      concreteFinishes},
-    {choiceRow("sealant", "over the surface", "a coat of index 1.5"), {}, Duty::None, sealants},
-    {shareRow("weathering", "0 new, 1 old and dirty", 0.0f, "darker by up to 0.4")},
+    {sealantRow("sealant", "over the surface"), {}, Duty::None, sealants},
+    {shareRow("weathering", "0 new, 1 old and dirty", 0.0f, "base_color is darker by up to 0.4")},
 };
 
 /// Dirt takes light away; wet and worn surfaces are a little rougher.
@@ -135,7 +178,12 @@ void weather(Params& params, const LegacyValues& values)
 
 constexpr Preset masonryTypes[] = {
     {"brick", {{&Params::specular_roughness, {0.8f}}, {&Params::diffuse_roughness, {0.4f}}}},
-    {"cmu", {{&Params::specular_roughness, {0.9f}}, {&Params::diffuse_roughness, {0.6f}}}},
+    {"cmu",
+     {{&Params::specular_roughness, {0.9f}},
+      {&Params::diffuse_roughness, {0.6f}},
+      {&Params::base_color, {0.36f, 0.35f, 0.33f}}},
+     nullptr,
+     {{"tile_Width", {0.39f}}, {"tile_Height", {0.19f}}}},
     {"glazed",
      {{&Params::specular_roughness, {0.1f}},
       {&Params::coat, {1.0f}},
@@ -143,17 +191,14 @@ constexpr Preset masonryTypes[] = {
 };
 
 constexpr Row masonryOwn[] = {
-    {choiceRow("type", "fired brick, concrete masonry units, or glazed brick", "roughness"),
+    {choiceRow("type", "fired brick, concrete masonry units, or glazed brick",
+               "roughness, and what nothing else says: concrete units are grey, 390 x 190 mm",
+               "EN 771-3 and ASTM C90 (not opened here)"),
      {},
      Duty::None,
      masonryTypes},
-    {choiceRow("sealant", "over the wall", "a coat of index 1.5"), {}, Duty::None, sealants},
+    {sealantRow("sealant", "over the wall"), {}, Duty::None, sealants},
 };
-
-constexpr Relief hewn{"NoiseSchema",
-                      0.4f,
-                      1.5f,
-                      {{"noise_Type", {1.0f}}, {"noise_Size", {10.0f}}, {"noise_Levels", {5.0f}}}};
 
 constexpr Preset stoneFinishes[] = {
     {"polished", {{&Params::specular_roughness, {0.04f}}}},
@@ -161,15 +206,16 @@ constexpr Preset stoneFinishes[] = {
     {"matte", {{&Params::specular_roughness, {0.5f}}, {&Params::diffuse_roughness, {0.2f}}}},
     {"unfinished",
      {{&Params::specular_roughness, {0.85f}}, {&Params::diffuse_roughness, {0.5f}}},
-     &hewn},
+     &roughRelief},
 };
 
 constexpr Row stoneOwn[] = {
-    {choiceRow("finish", "how it was worked", "roughness, and relief where it is rough"),
+    {choiceRow("finish", "how it was worked",
+               "specular_roughness, rising to unfinished, which has a relief"),
      {},
      Duty::None,
      stoneFinishes},
-    {choiceRow("sealant", "over the stone", "a coat of index 1.5"), {}, Duty::None, sealants},
+    {sealantRow("sealant", "over the stone"), {}, Duty::None, sealants},
 };
 
 } // namespace
@@ -184,20 +230,20 @@ constinit const Schema concrete{"ConcreteSchema",
                                 "concrete",
                                 "concrete, as it was worked and sealed",
                                 {colorRows, concreteOwn, reliefRows},
-                                mineral,
+                                cement,
                                 nullptr,
                                 weather};
 constinit const Schema masonry{"MasonryCMUSchema",
                                "masonrycmu",
                                "walls of brick or concrete units",
-                               {colorRows, masonryOwn, tileRows, reliefRows},
-                               mineral,
+                               {colorRows, masonryOwn, brickRows, reliefRows},
+                               clay,
                                &tiles};
 constinit const Schema stone{"StoneSchema",
                              "stone",
                              "natural stone, as it was worked and sealed",
-                             {colorRows, stoneOwn, tileRows, reliefRows},
-                             mineral,
+                             {colorRows, stoneOwn, slabRows, reliefRows},
+                             rock,
                              &tiles};
 
 } // namespace vyr::MaterialTranslation::materials::legacy

@@ -9,7 +9,8 @@ namespace vyr::MaterialTranslation::materials::legacy
 namespace
 {
 
-constexpr Assignment bare[] = {{&Params::metalness, {1.0f}}};
+constexpr Assignment bare[] = {{&Params::metalness, {1.0f}},
+                               {&Params::base_color, {0.6f, 0.6f, 0.6f}}};
 
 constexpr Assignment of(std::array<float, 3> reflectance)
 {
@@ -35,19 +36,8 @@ constexpr Preset metals[] = {
     {"zinc", {of({0.664f, 0.824f, 0.85f})}},
     {"custom", {}},
 };
-constexpr std::size_t anodized = 1;
-constexpr std::size_t custom = std::size(metals) - 1;
 
-constexpr Relief knurled{"GradientSchema", 0.004f, 2.0f, {{"gradient_Type", {11.0f}}}};
-constexpr Relief hammered{"SpeckleSchema",
-                          0.0f,
-                          2.0f,
-                          {{"speckle_Size", {0.015f}},
-                           {"speckle_Soften", {1.0f}},
-                           {"speckle_Amount", {1.0f}},
-                           {"speckle_Color1", {1.0f, 1.0f, 1.0f}},
-                           {"speckle_Color2", {0.0f, 0.0f, 0.0f}}}};
-
+constexpr Relief knurled{"GradientSchema", 0.004f, 0.004f, 2.0f, {{"gradient_Type", {11.0f}}}};
 constexpr Preset metalFinishes[] = {
     {"polished", {{&Params::specular_roughness, {0.03f}}}},
     {"semipolished", {{&Params::specular_roughness, {0.15f}}}},
@@ -55,38 +45,55 @@ constexpr Preset metalFinishes[] = {
     {"brushed", {{&Params::specular_roughness, {0.3f}}, {&Params::specular_anisotropy, {0.8f}}}},
     {"matte", {{&Params::specular_roughness, {0.5f}}}},
     {"knurled", {{&Params::specular_roughness, {0.15f}}}, &knurled},
-    {"hammered", {{&Params::specular_roughness, {0.15f}}}, &hammered},
+    {"hammered", {{&Params::specular_roughness, {0.15f}}}, &dimpledRelief},
 };
 
 constexpr Preset perforations[] = {{"none"}, {"stack"}, {"running"}};
 
 constexpr Row metalOwn[] = {
-    {choiceRow("type", "which metal; anodized and custom: the colour", "base_color",
-               "Real-Time Rendering, 4th edition, table 9.2 (not opened here)"),
+    {choiceRow(
+         "type", "which metal; anodized and custom, or no type but a colour: the colour",
+         "base_color, the reflectance at normal incidence",
+         "Real-Time Rendering, 4th edition, table 9.2 (not opened here); anodized, bronze and "
+         "stainless steel by appearance"),
      {},
-     Duty::None,
+     Duty::NamesColor,
      metals},
     {colorRow("color", "of anodised aluminium, or the custom metal's reflectance",
               {0.6f, 0.6f, 0.6f}, "base_color"),
-     &Params::base_color, Duty::TextureOnly},
-    {shareRow("color_fade", "0 switches the texture of the colour off", 1.0f), {}, Duty::Fade},
-    {booleanRow(":color_by_object", "the object brings its own colour; the material is grey"),
-     {},
-     Duty::ColorByObject},
-    {choiceRow("finish", "how it was worked", "roughness, anisotropy and relief"),
+     &Params::base_color, Duty::Otherwise},
+    fadeRow,
+    byObjectRow,
+    {choiceRow("finish", "how it was worked",
+               "specular_roughness, specular_anisotropy of brushed metal, relief of knurled and "
+               "hammered metal",
+               "figures by eye"),
      {},
      Duty::None,
      metalFinishes},
+    {sealantRow("coat", "lacquer over the metal"), {}, Duty::None, sealants},
     {shareRow(
         "patina", "0 bright, 1 covered", 0.0f,
         "towards a rough green crust on copper, brass and bronze, a dull grey one on others")},
-    {choiceRow("perforation", "rows of holes, straight or staggered"),
+    {choiceRow("perforation",
+               "rows of holes, straight or staggered; without it, but with another property of the "
+               "holes: "
+               "straight",
+               "opacity, by the pattern TileSchema"),
      {},
      Duty::None,
      perforations,
      "tile_Bond"},
-    {lengthRow("hole_width", "of a hole", 0.006f), {}, Duty::None, {}, "tile_Width"},
-    {lengthRow("hole_height", "of a hole", 0.006f), {}, Duty::None, {}, "tile_Height"},
+    {lengthRow("hole_width", "of a hole", 0.006f, "", leastLength),
+     {},
+     Duty::None,
+     {},
+     "tile_Width"},
+    {lengthRow("hole_height", "of a hole", 0.006f, "", leastLength),
+     {},
+     Duty::None,
+     {},
+     "tile_Height"},
     {lengthRow("hole_distance", "of metal between holes", 0.006f),
      {},
      Duty::None,
@@ -98,6 +105,7 @@ constexpr Row metalOwn[] = {
 constexpr Pattern holes{
     "TileSchema",
     "perforation",
+    {"tile_Bond"},
     nullptr,
     0.0f,
     {"opacity", nullptr},
@@ -106,13 +114,9 @@ constexpr Pattern holes{
 void coverMetal(Params& params, const LegacyValues& values)
 {
     const std::size_t type = values.choice("type");
-    if (type == anodized || type == custom)
-    {
-        const auto color = values.color("color");
-        params.base_color = {color[0], color[1], color[2]};
-    }
     const float patina = values.number("patina");
-    const bool hasCopper = type == 2 || type == 3 || type == 5;
+    const bool hasCopper = type == placeOf(metals, "brass") || type == placeOf(metals, "bronze") ||
+                           type == placeOf(metals, "copper");
     const Params::Color crust =
         hasCopper ? Params::Color(0.17f, 0.42f, 0.32f) : Params::Color(0.2f, 0.2f, 0.2f);
     params.base_color = params.base_color * (1.0f - patina) + crust * patina;
@@ -133,27 +137,32 @@ constexpr Assignment lacquered[] = {{&Params::specular, {1.0f}},
                                     {&Params::specular_roughness, {0.35f}}};
 
 constexpr Row metallicPaintOwn[] = {
+    {colorRow("color", "of the paint", {0.5f, 0.5f, 0.5f}, "base_color"), &Params::base_color,
+     Duty::Otherwise},
+    fadeRow,
+    byObjectRow,
     {choiceRow("finish", "of the clear lacquer", "coat_roughness"), {}, Duty::None, lacquers},
-    {shareRow("flakes", "how much of the colour are metal flakes", 0.6f, "metalness"),
+    {shareRow("flakes", "share of the surface that is metal flakes", 0.6f, "metalness"),
      &Params::metalness},
     {shareRow("flake_roughness", "how far flakes lie from flat", 0.35f, "specular_roughness"),
      &Params::specular_roughness},
-    {choiceRow(":metal_type", "metal of the flakes; custom: the paint's colour", "base_color"),
+    {[]
+     {
+         PropertyRow row =
+             choiceRow(":metal_type", "metal of the flakes; anodized and custom: the colour",
+                       "base_color", "as of MetalSchema");
+         row.fallback = {static_cast<float>(placeOf(metals, "custom"))};
+         return row;
+     }(),
      {},
-     Duty::None,
+     Duty::NamesColor,
      metals},
-    {shareRow("pearl", "strength of a pearl layer", 0.0f, "sheen")},
-    {colorRow("pearl_color", "of the pearl layer", {0.9f, 0.85f, 1.0f}, "sheen_color")},
+    {shareRow("pearl", "strength of a pearl layer, seen at grazing angles", 0.0f, "sheen")},
+    {plainColorRow("pearl_color", "of the pearl layer", {0.9f, 0.85f, 1.0f}, "sheen_color")},
 };
 
 void addFlakes(Params& params, const LegacyValues& values)
 {
-    if (!values.isGiven(":metal_type") || values.choice(":metal_type") == anodized ||
-        values.choice(":metal_type") == custom)
-    {
-        const auto color = values.color("color");
-        params.base_color = {color[0], color[1], color[2]};
-    }
     params.sheen = values.number("pearl");
     if (params.sheen > 0.0f)
     {
@@ -189,7 +198,7 @@ constinit const Schema metal{
 constinit const Schema metallicPaint{"MetallicPaintSchema",
                                      "metallicpaint",
                                      "paint with metal flakes under a clear lacquer",
-                                     {colorRows, metallicPaintOwn, reliefRows, cutOutRows},
+                                     {metallicPaintOwn, reliefRows, cutOutRows},
                                      lacquered,
                                      nullptr,
                                      addFlakes};

@@ -38,8 +38,9 @@ struct Constant
 struct Relief
 {
     const char* schema;
-    float size;   ///< of the image, metres
-    float amount; ///< of the relief when no property says otherwise
+    float size;    ///< of the image, metres; 0: the texture knows
+    float feature; ///< of what it is made of, metres: a property may ask for another
+    float amount;  ///< of the relief when no property says otherwise
     Constant constants[5]{};
 };
 
@@ -51,7 +52,18 @@ struct Preset
     Assignment sets[4]{};
     /// The relief that it makes; null: none.
     const Relief* relief = nullptr;
+    /// What properties of the schema's pattern are without a value of their own.
+    Constant shapes[2]{};
 };
+
+/// The place of a preset; one that is not there does not compile.
+consteval std::size_t placeOf(std::span<const Preset> presets, std::string_view name)
+{
+    for (std::size_t i = 0; i < presets.size(); ++i)
+        if (presets[i].name == name)
+            return i;
+    throw "no such preset";
+}
 
 /// What a row does beside giving its value to a shader input.
 enum class Duty
@@ -61,8 +73,10 @@ enum class Duty
     Fade,          ///< of the texture of the row before it
     ReliefTexture, ///< a connected texture is the relief
     ReliefAmount,
-    CutOut, ///< a connected texture is the opacity
-    TextureOnly, ///< a connected texture drives the field; the value is for the function beside the table
+    ReliefSize, ///< of what the relief of a choice is made of
+    CutOut,     ///< a connected texture is the opacity
+    NamesColor, ///< the colour of the choice is the material's; where it has none, the row Otherwise
+    Otherwise,
 };
 
 /// A property. Its name, and those of its choices, follow the schema's prefix, unless they begin with a colon.
@@ -80,8 +94,11 @@ struct Row
 struct Pattern
 {
     const char* schema;
-    /// It is made when this property has a value and is not the first of its choices.
+    /// It is made when this property is not the first of its choices, or has no value and another one of the pattern's
+    /// has.
     const char* property;
+    /// What the property is then.
+    Constant implied;
     /// The pattern's property that the schema's colour is; null: none.
     const char* color;
     float amount;          ///< of the relief
