@@ -31,6 +31,7 @@ struct Group
 };
 
 constexpr Group groups[] = {
+    {"Legacy materials", MaterialTranslation::legacyMaterials},
     {"Procedural textures", MaterialTranslation::proceduralTextures},
 };
 
@@ -115,6 +116,9 @@ std::string asText(const SchemaRow& schema)
         if (row.takesTexture)
             text += ", takes a texture";
         text += std::string("\n      ") + row.meaning + '\n';
+        for (const char* more : {row.effect, row.source})
+            if (*more)
+                text += std::string("      ") + more + '\n';
         for (const std::string& choice : choicesOf(row))
             text += "      - " + choice + '\n';
     }
@@ -156,6 +160,8 @@ void addSchema(const JsonNode& object, const SchemaRow& schema)
         property.add("choices", choicesOf(row));
         property.addFlag("texture", row.takesTexture);
         property.add("meaning", row.meaning);
+        property.add("effect", row.effect);
+        property.add("source", row.source);
     }
 }
 

@@ -10,10 +10,11 @@ fail() {
     exit 1
 }
 
-# command_for <sample library>: the tool's command that makes its documents.
+# command_for <sample library>: the words of the tool's command that makes its documents.
 command_for() {
     case "$1" in
         */overlays*.json) echo overlay ;;
+        */legacy*.json) echo convert --legacy ;;
         *) echo convert ;;
     esac
 }

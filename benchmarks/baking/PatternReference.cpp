@@ -434,15 +434,17 @@ Shares tile(const Properties& given, const Image& image)
                                                     : 2.0f;
     bond.columns = std::ceil(given.number("tile_Columns") / columnsInBond) * columnsInBond;
     bond.rows = std::ceil(given.number("tile_Rows") / rowsInBond) * rowsInBond;
+    const float radius = given.number("tile_Rounding") * 0.5f * std::min(width, height);
     const float imageWidth = bond.columns * (width + joint);
     const float imageHeight = bond.rows * (height + joint);
     const float bevel = given.number("tile_Bevel");
     const float missing = given.number("tile_Missing");
     const float variation = given.number("tile_Variation");
     const std::uint32_t seed = given.seed("tile_Seed") * 2U;
-    const auto share = [=](float from, float cell, float pixel)
+    const float pixelX = imageWidth * image.pixelX;
+    const float pixelY = imageHeight * image.pixelY;
+    const auto share = [=](float inside, float pixel)
     {
-        const float inside = from * cell - 0.5f * joint;
         if (image.heights && bevel > pixel)
             return clamp01(inside / bevel);
         return std::max(clamp01(inside / pixel + 0.5f), 1.0f - 2.0f * (0.5f * joint) / pixel);
@@ -450,9 +452,17 @@ Shares tile(const Properties& given, const Image& image)
     return [=](const Pixel& p) -> Share
     {
         const TilePlace at = bond.at(p.x * bond.columns, p.y * bond.rows);
-        float solid =
-            std::min(share(at.fromSide, imageWidth / bond.columns, imageWidth * image.pixelX),
-                     share(at.fromEnd, imageHeight / bond.rows, imageHeight * image.pixelY));
+        const float inX = at.fromSide * (imageWidth / bond.columns) - 0.5f * joint;
+        const float inY = at.fromEnd * (imageHeight / bond.rows) - 0.5f * joint;
+        float solid = std::min(share(inX, pixelX), share(inY, pixelY));
+        if (radius > 0.0f)
+        {
+            const float cornerX = std::max(radius - inX, 0.0f);
+            const float cornerY = std::max(radius - inY, 0.0f);
+            solid = share(radius - std::sqrt(cornerX * cornerX + cornerY * cornerY) +
+                              std::max(std::min(inX, inY) - radius, 0.0f),
+                          std::max(pixelX, pixelY));
+        }
         if (random(at.column, at.row, seed) < missing)
             solid = 0.0f;
         const float darker = random(at.column, at.row, seed + 1U) * variation;

@@ -79,19 +79,43 @@ std::string materialJson(std::size_t i)
            part(67) + R"(, "generic_self_illum_filter_map": [1.0, 0.5, )" + part(61) + "]}}";
 }
 
+/// Materials of the legacy family by turns, without what has to be baked.
+std::string legacyJson(std::size_t i)
+{
+    const std::string number = std::to_string(i);
+    const std::string share = std::to_string(static_cast<double>(i % 97) / 97.0);
+    const auto choice = [](const char* name, const char* value)
+    { return std::string("\"") + name + R"(": {"type": "choice", "value": ")" + value + "\"}, "; };
+    const std::string properties[] = {
+        choice("metal_type", "metal_copper") + choice("metal_finish", "metal_brushed") +
+            "\"metal_patina\": " + share,
+        choice("glazing_tint", "glazing_bronze") +
+            R"("glazing_sheets": {"type": "integer", "value": 2}, "glazing_reflectance": )" + share,
+        choice("ceramic_type", "ceramic_porcelain") + choice("ceramic_finish", "ceramic_satin") +
+            "\"ceramic_color\": [0.5, 0.2, " + share + "]",
+        choice("hardwood_finish", "hardwood_gloss") + "\"hardwood_color\": [0.5, 0.4, " + share +
+            "]"};
+    const char* const schemas[] = {"MetalSchema", "GlazingSchema", "CeramicSchema",
+                                   "HardwoodSchema"};
+    return R"({"id": "m)" + number + R"(", "schema": ")" + schemas[i % 4] + R"(", "name": "Wall )" +
+           number + R"(", "description": "A wall", "properties": {)" + properties[i % 4] + "}}";
+}
+
 struct Materials
 {
-    explicit Materials(std::size_t count)
-        : file(scratch() / (std::to_string(count) + ".json")), library(load(file, count))
+    Materials(std::size_t count, bool legacy)
+        : file(scratch() / (std::to_string(count) + (legacy ? "l.json" : ".json"))),
+          library(load(file, count, legacy ? legacyJson : materialJson))
     {
     }
 
-    static assetlib::Library load(const fs::path& file, std::size_t count)
+    static assetlib::Library load(const fs::path& file, std::size_t count,
+                                  std::string (*json)(std::size_t))
     {
         std::ofstream stream(file);
         stream << R"({"assetLibrary": 1, "materials": [)";
         for (std::size_t i = 0; i < count; ++i)
-            stream << (i == 0 ? "" : ",\n") << materialJson(i);
+            stream << (i == 0 ? "" : ",\n") << json(i);
         stream << "]}";
         stream.close();
         auto result = assetlib::load({file.string()});
@@ -105,9 +129,10 @@ struct Materials
     std::vector<HandMaterial> byHand;
 };
 
-mt::ConverterOptions options()
+mt::ConverterOptions options(bool legacy = false)
 {
     mt::ConverterOptions result;
+    result.translationPath = legacy ? 1 : 0;
     result.outputDirectory = UTF8String(scratch().string());
     return result;
 }
@@ -122,14 +147,14 @@ std::string convert(mt::MaterialXConverter& converter, const assetlib::Material&
 
 /// The materials of that number and what somebody who writes their documents by hand knows of them, checked to
 /// give the same bytes.
-const Materials& materials(std::size_t count)
+const Materials& materials(std::size_t count, bool legacy = false)
 {
-    static std::map<std::size_t, Materials> known;
-    const auto found = known.find(count);
+    static std::map<std::pair<std::size_t, bool>, Materials> known;
+    const auto found = known.find({count, legacy});
     if (found != known.end())
         return found->second;
-    Materials& made = known.try_emplace(count, count).first->second;
-    mt::ConverterOptions setting = options();
+    Materials& made = known.try_emplace(std::pair(count, legacy), count, legacy).first->second;
+    mt::ConverterOptions setting = options(legacy);
     mt::MaterialXConverter converter(setting);
     for (const assetlib::Material& material : made.library.materials())
     {
@@ -152,14 +177,14 @@ void report(benchmark::State& state, const PairedTiming& timing, std::size_t cou
 }
 
 /// TranslateToMaterialX and documentToXml, beside building and writing by hand; one thread.
-void documents(benchmark::State& state)
+void documents(benchmark::State& state, bool legacy)
 {
     const auto count = static_cast<std::size_t>(state.range(0));
-    const Materials& input = materials(count);
+    const Materials& input = materials(count, legacy);
     const std::size_t pieces = (count + few - 1) / few;
     const std::size_t repeats = count < few ? few / count : 1;
     PairedTiming timing(pieces);
-    mt::ConverterOptions setting = options();
+    mt::ConverterOptions setting = options(legacy);
     for (auto step : state)
     {
         mt::MaterialXConverter converter(setting);
@@ -187,9 +212,23 @@ void documents(benchmark::State& state)
     }
     report(state, timing, count * repeats);
 }
-BENCHMARK(documents)->Arg(1)->Arg(few)->Iterations(200)->UseManualTime()->Unit(
-    benchmark::kMillisecond);
-BENCHMARK(documents)->Arg(many)->Iterations(8)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(documents, generic, false)
+    ->Arg(1)
+    ->Arg(few)
+    ->Iterations(200)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(documents, generic, false)
+    ->Arg(many)
+    ->Iterations(8)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(documents, legacy, true)
+    ->Arg(1)
+    ->Arg(many)
+    ->Iterations(8)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 
 class Text final : public IString
 {

@@ -55,8 +55,8 @@ struct VYR_MTLX_API ConverterOptions
     /// perceived size of a highlight (0.5 gives 0.155).
     std::int32_t roughnessMode = 2;
     /// 1 selects the translator of the legacy schema family for assets outside the "Lyrex" family;
-    /// any other value the Generic translator. That translator does not exist yet: with 1, such assets
-    /// fail with a diagnostic.
+    /// any other value the Generic translator. The family reads its own properties (legacyMaterials in Schemas.h);
+    /// "GenericSchema" is translated as without it, and any other schema fails with a diagnostic.
     std::int32_t translationPath = 0;
 };
 

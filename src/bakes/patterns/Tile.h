@@ -75,6 +75,11 @@ struct Tile
          .unit = "meter",
          .least = 0.0f,
          .most = 1e6f},
+        {.name = "tile_Rounding",
+         .kind = PropertyKind::Scalar,
+         .meaning = "of the corners: 0 sharp, 1 the shorter sides are half circles",
+         .least = 0.0f,
+         .most = 1.0f},
         {.name = "tile_Variation",
          .kind = PropertyKind::Scalar,
          .meaning = "how much darker than its colour a tile may be",
@@ -133,6 +138,7 @@ struct Tile
         height = rowCount * ((interlocks ? side : tileHeight) + joint);
         halfJoint = 0.5f * joint;
         bevel = values.number(rowOf(rows, "tile_Bevel"));
+        radius = values.number(rowOf(rows, "tile_Rounding")) * 0.5f * side;
         shift = bond == Bond::Running  ? 0.5f
                 : bond == Bond::Third  ? 1.0f / 3.0f
                 : bond == Bond::Custom ? values.number(rowOf(rows, "tile_Offset"))
@@ -159,18 +165,22 @@ struct Tile
         const Place<L> place = bond == Bond::Herringbone ? inHerringbone<L>(x, y)
                                : bond == Bond::Basket    ? inBasket<L>(x, y)
                                                          : inRows<L>(x, y);
-        const auto share = [&](typename L::Floats from, float cell, float pixel)
+        // From the joints, in metres.
+        const auto inX = M::sub(M::mul(place.fromSide, width / columns), halfJoint);
+        const auto inY = M::sub(M::mul(place.fromEnd, height / rowCount), halfJoint);
+        const auto share = [&](typename L::Floats inside, float pixel)
         {
-            // In metres; a slope at least a pixel wide keeps edges smooth, and a joint that is narrower than a pixel
-            // counts by its share of it.
-            const auto inside = M::sub(M::mul(from, cell), halfJoint);
+            // A slope at least a pixel wide keeps edges smooth, and a joint that is narrower than a pixel counts by its
+            // share of it.
             if (p.heights && bevel > pixel)
                 return M::clamp01(M::div(inside, M::all(bevel)));
             const auto tile = M::clamp01(M::add(M::div(inside, M::all(pixel)), 0.5f));
             return M::max(tile, M::all(1.0f - 2.0f * halfJoint / pixel));
         };
-        auto tile = M::min(share(place.fromSide, width / columns, width * p.sizeX),
-                           share(place.fromEnd, height / rowCount, height * p.sizeY));
+        const float pixelX = width * p.sizeX;
+        const float pixelY = height * p.sizeY;
+        auto tile = radius > 0.0f ? share(inRounded<L>(inX, inY), pixelX < pixelY ? pixelY : pixelX)
+                                  : M::min(share(inX, pixelX), share(inY, pixelY));
         if (missing > 0.0f)
             tile = M::less(M::random(place.column, place.row, seed), missing, M::all(0.0f), tile);
         if (p.heights || variation == 0.0f)
@@ -228,6 +238,19 @@ struct Tile
                      fromEdge<L>(M::sub(y, M::mul(squareY, length)), length))};
     }
 
+    /// The distance to the edge of a box with round corners, from the distances to its sides.
+    template <class L>
+    typename L::Floats inRounded(typename L::Floats inX, typename L::Floats inY) const
+    {
+        using M = Math<L>;
+        const auto cornerX = M::max(M::sub(radius, inX), M::all(0.0f));
+        const auto cornerY = M::max(M::sub(radius, inY), M::all(0.0f));
+        const auto corner =
+            L::squareRoot(M::add(M::mul(cornerX, cornerX), M::mul(cornerY, cornerY)));
+        return M::add(M::sub(radius, corner),
+                      M::max(M::sub(M::min(inX, inY), radius), M::all(0.0f)));
+    }
+
     template <class L>
     static typename L::Floats fromEdge(typename L::Floats inside, float whole)
     {
@@ -248,6 +271,7 @@ struct Tile
     float height;
     float halfJoint; ///< metres
     float bevel;     ///< metres
+    float radius;    ///< of the corners, metres
     float shift;     ///< of a row against the one below, in tiles
     float rowsInShift;
 };
