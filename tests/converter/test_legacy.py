@@ -40,7 +40,8 @@ def convert(materials, *options):
             folder / "report.json", *options)  # fmt: skip
         report = json.loads((folder / "report.json").read_text())["materials"]
         for entry in report:
-            shader = ElementTree.parse(folder / "out" / (entry["name"] + ".mtlx")).find("standard_surface")
+            text = (folder / "out" / (entry["name"] + ".mtlx")).read_text()
+            shader = ElementTree.fromstring(text.replace("kvor:", "kvor_")).find("standard_surface")
             entry["inputs"] = {each.get("name"): [float(part) for part in each.get("value").split(", ")]
                                for each in shader if each.get("value") not in (None, "true", "false")}  # fmt: skip
         return {entry["id"]: entry for entry in report}
