@@ -130,11 +130,17 @@ float angle(float x, float y)
     return y < 0.0f ? 1.0f - turns : turns;
 }
 
-/// The distance of points on a ring-shaped plane of size 1, bent where it meets itself.
-float ringDistance(float dx, float dy)
+/// A distance on an axis of length 1 that meets itself.
+float apart(float a)
 {
-    const float x = sine(dx * 0.5f);
-    const float y = sine(dy * 0.5f);
+    const float s = sine(a * 0.5f);
+    return (s * s * s + s * 3.0f) * 0.10610330f;
+}
+
+float distance(float dx, float dy)
+{
+    const float x = apart(dx);
+    const float y = apart(dy);
     return std::sqrt(x * x + y * y);
 }
 
@@ -290,14 +296,16 @@ Shares marble(const Properties& given, const Image& image)
 {
     const float width = given.number("marble_Width");
     const float turbulence = given.number("marble_Turbulence");
-    const Noise sum = repeatingNoise(image, 4, 4, given.integer("marble_Levels"),
-                                     given.number("marble_Phase"), false);
+    const float phase = given.number("marble_Phase");
+    const Noise sum = repeatingNoise(image, 3, 3, given.integer("marble_Levels"), phase, false);
+    const Noise strength = repeatingNoise(image, 5, 5, 2, phase, false);
     const float drawn = std::max(width, 16.0f * image.pixelX);
     return [=](const Pixel& p) -> Share
     {
-        const float place = p.x * 8.0f + sum(p) * turbulence;
+        const float place = p.x * 7.0f + p.y * 4.0f + sum(p) * turbulence;
         const float fromVein = std::fabs(fraction(place) * 2.0f - 1.0f);
-        return {width > 0.0f ? smooth(clamp01(1.0f - fromVein / drawn)) : 0.0f};
+        const float inside = smooth(clamp01(1.0f - fromVein / drawn));
+        return {width > 0.0f ? inside * clamp01(strength(p) * 1.5f + 0.5f) : 0.0f};
     };
 }
 
@@ -502,8 +510,7 @@ Shares wave(const Properties& given, const Image& /*image*/)
         for (const Source& s : sources)
         {
             const float place =
-                radial ? ringDistance(p.x - s.x, p.y - s.y) * (s.frequency * 0.31830987f)
-                       : p.x * s.x + p.y * s.y;
+                radial ? distance(p.x - s.x, p.y - s.y) * s.frequency : p.x * s.x + p.y * s.y;
             sum += sine(place - s.phase);
         }
         return {clamp01(sum * scale + 0.5f)};
@@ -525,7 +532,7 @@ Shares wood(const Properties& given, const Image& image)
         if (plank)
             place = place + p.x * 16.0f + sine(p.y) * along;
         else
-            place += ringDistance(p.x - 0.5f, p.y - 0.5f) * (16.0f * 0.31830987f * 1.5f);
+            place += distance(p.x - 0.5f, p.y - 0.5f) * 16.0f;
         const float year = fraction(place);
         const float rising = year * (1.0f / 0.85f);
         const float late = year < 0.85f ? rising * rising : (1.0f - year) * (1.0f / (1.0f - 0.85f));

@@ -114,7 +114,7 @@ def worker(size, threads, repeats, fastnoise):
         noise.fill(nodes[octaves], values, begin, cells / size)
         return values
 
-    nodes = {octaves: noise.perlin(octaves) for octaves in (1, 2, 3, 4)} if noise else {}
+    nodes = {octaves: noise.perlin(octaves) for octaves in (1, 2, 3, 6)} if noise else {}
 
     def distorted(begin, end, out):
         shade_cv(np.clip(x + noisy(begin, end, 1, 4) * f(.2), 0, 1), out)
@@ -123,10 +123,10 @@ def worker(size, threads, repeats, fastnoise):
         shade_cv(noisy(begin, end, 1, 16) * f(.5) + f(.5), out)
 
     def marble(begin, end, out):
-        t = noisy(begin, end, 4, 4) * f(2) + x * f(8)
+        t = noisy(begin, end, 6, 3) * f(1.5) + x * f(7) + y[begin:end] * f(4)
         t -= np.floor(t)
         t = np.clip(1 - np.abs(t * 2 - 1) * f(1 / .6), 0, 1)
-        shade_cv(t * t * (3 - 2 * t), out)
+        shade_cv(t * t * (3 - 2 * t) * np.clip(noisy(begin, end, 2, 5) * f(1.5) + f(.5), 0, 1), out)
 
     def wood(begin, end, out, rings):
         t = noisy(begin, end, 3, 4) * f(1.5) + rings
@@ -139,7 +139,7 @@ def worker(size, threads, repeats, fastnoise):
 
     def trunk(begin, end, out):
         a, b = columns(begin, end)
-        wood(begin, end, out, cv2.magnitude(a - f(.5), b - f(.5)) * f(24))
+        wood(begin, end, out, cv2.magnitude(a - f(.5), b - f(.5)) * f(16))
 
     def tiles(begin, end, out):
         def edge(t):
