@@ -194,7 +194,7 @@ class PatternReader
             const PropertyRow& row = schema.properties[i];
             const std::string name = nameOf(row);
             const assets::Property property = _asset[name.c_str()];
-            if (unitTypeOf(row) != base::distanceUnitType || !property.hasValue())
+            if (std::string_view(row.unit) != "meter" || !property.hasValue())
                 continue;
             const std::uint32_t code = property.unitCode();
             const base::Unit unit = base::unitForCode(code);

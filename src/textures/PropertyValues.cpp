@@ -14,6 +14,13 @@ namespace
 
 using Value = std::array<float, 3>;
 
+/// MaterialX's kind of unit of a row's numbers; empty where they have none.
+const char* unitTypeOf(const PropertyRow& row)
+{
+    const std::string_view unit = row.unit;
+    return unit == "meter" ? base::distanceUnitType : unit == "degree" ? base::angleUnitType : "";
+}
+
 float readNumber(const PropertyRow& row, const assets::Property& property, const Log& log)
 {
     const char* const type = unitTypeOf(row);
@@ -55,12 +62,6 @@ float readChoice(const PropertyRow& row, const assets::Property& property, const
 }
 
 } // namespace
-
-const char* unitTypeOf(const PropertyRow& row)
-{
-    const std::string_view unit = row.unit;
-    return unit == "meter" ? base::distanceUnitType : unit == "degree" ? base::angleUnitType : "";
-}
 
 std::optional<Value> readPropertyValue(const assets::Asset& asset, const PropertyRow& row,
                                        const char* name, std::optional<std::int32_t> colorMode,

@@ -11,9 +11,6 @@
 namespace vyr::MaterialTranslation::textures
 {
 
-/// MaterialX's kind of unit of a row's numbers; empty where they have none.
-const char* unitTypeOf(const PropertyRow& row);
-
 /// Reads a property as its row says: lengths in metres, angles in degrees, booleans as 0 or 1, choices as their place
 /// in the row. What is out of range is taken as the nearest inside, an unknown choice as the first, with a warning.
 ///
