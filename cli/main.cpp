@@ -1,4 +1,5 @@
 #include <exception>
+#include <new>
 #include <string>
 #include <variant>
 
@@ -15,6 +16,17 @@ ExitStatus run(ExitStatus status)
     return status;
 }
 
+/// Memory may have run out, also for the message.
+void complainOf(const std::exception& error)
+try
+{
+    complain(std::string("vyr-mtlx: ") + error.what());
+}
+catch (const std::bad_alloc&)
+{
+    complainAsIs("vyr-mtlx: not enough memory\n");
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -29,7 +41,7 @@ int main(int argc, char** argv)
     }
     catch (const std::exception& error)
     {
-        complain(std::string("vyr-mtlx: ") + error.what());
+        complainOf(error);
     }
     return static_cast<int>(status);
 }

@@ -36,6 +36,7 @@ enum class NodeForm
 /// @param document not null; changed in place. Its data library stays what it was.
 /// @return what cannot be brought into the form and was left as it is: kvor nodes without a fitting
 ///         definition, units that are not known, and values beyond a 32-bit float in the unit of the form.
+///         Where elements inherit from themselves, or through more than 100 others, nothing is changed.
 /// @throws what definitionLibrary throws, before anything is changed.
 VYR_MTLX_API std::vector<ValidationMessage> applyNodeForm(const MaterialX::DocumentPtr& document,
                                                           NodeForm form);

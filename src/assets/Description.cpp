@@ -80,7 +80,9 @@ void writeTextureSchema(const Property& property, std::ostream& stream)
     {
         const AssetHandle noise = property.connected();
         const std::string unknown = "?";
-        stream << " (" << readOr(unknown, [&] { return Asset(*noise)["noise_Type"].choice("?"); })
+        stream << " ("
+               << readOr(unknown,
+                         [&] { return noise ? Asset(*noise)["noise_Type"].choice("?") : unknown; })
                << ')';
     }
     stream << std::endl;

@@ -50,7 +50,7 @@ const char* formatOf(const std::filesystem::path& path, std::string_view start)
             return signature.format;
     if (start.size() >= 2 && start[0] == 'P' && "123456Ff"sv.find(start[1]) != std::string::npos)
         return "pnm";
-    if (start.starts_with("RIFF") && start.substr(8).starts_with("WEBP"))
+    if (start.starts_with("RIFF") && start.find("WEBP"sv) == 8)
         return "webp";
     const std::string extension = base::utf8FromPath(path.extension());
     const bool targa =

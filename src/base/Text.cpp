@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
 #include <utf8proc.h>
 
 namespace vyr::base
@@ -66,6 +67,12 @@ template <class Append> std::string rewritten(std::string_view text, Append appe
 constexpr bool isControl(std::int32_t c)
 {
     return c < 0x20 || c == 0x7F;
+}
+
+/// What ends a line, controls a terminal or turns the direction of a text, beyond ASCII.
+constexpr bool rulesLines(std::int32_t c)
+{
+    return (c >= 0x80 && c < 0xA0) || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
 }
 
 /// The number of letters to leave out, add or change that make one word of the other (the distance of
@@ -143,18 +150,24 @@ std::string xmlText(std::string_view text)
 
 std::string printable(std::string_view text)
 {
-    constexpr std::string_view digits = "0123456789abcdef";
+    if (std::ranges::all_of(text, [](char c) { return c >= 0x20 && c < 0x7F; }))
+        return std::string(text);
     std::string result;
     result.reserve(text.size());
-    for (const char c : text)
+    while (!text.empty())
     {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '\n')
+        const CodePoint c = decode(text);
+        const auto byte = static_cast<unsigned char>(text.front());
+        const std::size_t length = std::max<std::size_t>(c.length, 1);
+        if (byte == '\n')
             result += "\\n";
-        else if (isControl(byte))
-            result.append("\\x").append(1, digits[byte >> 4U]).append(1, digits[byte & 15U]);
+        else if (c.length == 0 || isControl(c.value))
+            result += fmt::format("\\x{:02x}", byte);
+        else if (rulesLines(c.value))
+            result += fmt::format("\\u{:04x}", c.value);
         else
-            result += c;
+            result += text.substr(0, length);
+        text.remove_prefix(length);
     }
     return result;
 }

@@ -57,8 +57,8 @@ std::string validUtf8(std::string_view text);
 /// lose anyway.
 std::string xmlText(std::string_view text);
 
-/// The text with control characters written as escapes ("\n", "\x1b"), so that it stays on one line and
-/// cannot talk to a terminal.
+/// The text with control characters and broken UTF-8 written as escapes ("\n", "\x1b", "\u2028"), so that it
+/// stays on one line, reads in one direction, and cannot talk to a terminal.
 std::string printable(std::string_view text);
 
 /// The text in double quotes for a message: printable, and cut when it is long.

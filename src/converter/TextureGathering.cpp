@@ -157,6 +157,14 @@ class Gathering
                          "not gathered, it is no ordinary file: " + path);
             return;
         }
+        // What the system makes up is empty by its size, and some of it never ends.
+        std::error_code error;
+        if (fs::file_size(source, error) == 0)
+        {
+            _log.warning(DiagnosticCode::TextureNotGathered, "",
+                         "not gathered, the file is empty: " + path);
+            return;
+        }
         if (const auto* same = findSame(source))
             _gathered[path] = *same;
         else

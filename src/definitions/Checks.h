@@ -29,6 +29,10 @@ struct Checks
     }
 };
 
+/// Loops of inheritance, and chains too long for it, on which MaterialX's functions throw or take minutes.
+/// @return whether MaterialX can look elements up along inheritance.
+bool checkInheritance(const MaterialX::DocumentPtr& document, Checks& checks);
+
 /// Loops of inheritance, of connections and of definitions, on which MaterialX's functions do not end or throw,
 /// and chains that are too long for them.
 /// @return whether MaterialX can validate the document; loops of connections and definitions do not keep it from

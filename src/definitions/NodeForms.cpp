@@ -9,6 +9,7 @@
 #include <MaterialXCore/Unit.h>
 
 #include "base/Units.h"
+#include "definitions/Checks.h"
 #include "definitions/DataLibrary.h"
 #include "definitions/Flattening.h"
 #include "graph/Values.h"
@@ -186,6 +187,9 @@ std::vector<ValidationMessage> applyNodeForm(const mx::DocumentPtr& document, No
     const auto definitions = definitions::definitionsOf(DefinitionSet::All);
     const definitions::DataLibraryScope scope(document, definitions->library);
     std::vector<ValidationMessage> messages;
+    definitions::Checks checks{*definitions, {}, messages};
+    if (!definitions::checkInheritance(document, checks))
+        return messages;
     removeEmbedded(document);
     if (form == NodeForm::Embed)
         embedDefinitions(document, *definitions, messages);

@@ -209,18 +209,23 @@ Elements implementedBy(const mx::ElementPtr& definition)
 
 } // namespace
 
-bool checkStructure(const mx::DocumentPtr& document, Checks& checks)
+bool checkInheritance(const mx::DocumentPtr& document, Checks& checks)
 {
     bool canBeWalked = true;
     Inheritance inheritance(checks);
+    for (const mx::ElementPtr& element : document->traverseTree())
+        canBeWalked = inheritance.check(element) && canBeWalked;
+    return canBeWalked;
+}
+
+bool checkStructure(const mx::DocumentPtr& document, Checks& checks)
+{
+    bool canBeWalked = checkInheritance(document, checks);
     Loops connections(checks, connectedTo, ValidationCode::ConnectionLoop,
                       "its connections lead back to it");
     for (const mx::ElementPtr& element : document->traverseTree())
-    {
-        canBeWalked = inheritance.check(element) && canBeWalked;
         if (element->isA<mx::Node>() || element->isA<mx::Output>())
             canBeWalked = connections.check(element) && canBeWalked;
-    }
     // Definitions are looked up along inheritance.
     if (!canBeWalked)
         return false;

@@ -119,6 +119,7 @@ TEST(Text, KeepsWhatXmlCanHoldAndNothingElse)
 TEST(Text, IsQuotedOnOneLine)
 {
     EXPECT_EQ(printable("a\nb\x1B[0m\t\x7F"), "a\\nb\\x1b[0m\\x09\\x7f");
+    EXPECT_EQ(printable("\u00e9\u0085\u2028\u202e\x9B"), "\u00e9\\u0085\\u2028\\u202e\\x9b");
     EXPECT_EQ(inQuotes("oak"), "\"oak\"");
     EXPECT_EQ(inQuotes(std::string(500, 'x')), '"' + std::string(80, 'x') + "...\"");
 }
