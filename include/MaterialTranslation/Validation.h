@@ -57,7 +57,7 @@ struct ValidationMessage
     /// Path of the element, such as "NG_oak/color/file"; empty for the document as a whole.
     std::string path;
     ValidationCode code = ValidationCode::Rule;
-    /// One sentence in English, without the path.
+    /// One sentence in English on one line, without the path.
     std::string text;
 };
 

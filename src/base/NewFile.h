@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -11,7 +12,6 @@
 #include <utility>
 
 #if defined(_WIN32)
-#include <cstdio>
 #include <share.h>
 #else
 #include <fcntl.h>
@@ -78,6 +78,8 @@ class NewFile
     FileMark mark() const { return {}; }
 
     static bool hasMark(const fs::path& path, const FileMark&) { return fs::exists(path); }
+
+    static bool renameToNew(const fs::path&, const fs::path&) { return false; }
 
   private:
     bool close()
@@ -212,6 +214,20 @@ class NewFile
     {
         struct stat opened = {};
         return ::fstat(_descriptor, &opened) == 0 ? markOf(opened) : FileMark();
+    }
+
+    /// Gives a file a name that nothing has yet, in place of its own.
+    /// @return false also where the system has no such call.
+    static bool renameToNew([[maybe_unused]] const fs::path& from,
+                            [[maybe_unused]] const fs::path& to)
+    {
+#if defined(__linux__)
+        return ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0;
+#elif defined(__APPLE__)
+        return ::renamex_np(from.c_str(), to.c_str(), RENAME_EXCL) == 0;
+#else
+        return false;
+#endif
     }
 
     static bool hasMark(const fs::path& path, const FileMark& mark)

@@ -142,11 +142,16 @@ class PendingFile::State
         if (isSpecial(file))
             return std::make_error_code(std::errc::operation_not_permitted);
         std::error_code error;
-        // A second name is only given where there is none yet. Not every file system has such.
-        fs::create_hard_link(_temporary, file, error);
-        const bool isLinked = !error;
-        _isNew = isLinked || !fs::exists(fs::symlink_status(file, error));
-        if (isLinked)
+        // Where there is nothing yet, and in one step: of two, a process that is killed may do one. Not every
+        // system has such a step, nor second names.
+        const bool isMoved = NewFile::renameToNew(_temporary, file);
+        if (!isMoved)
+            fs::create_hard_link(_temporary, file, error);
+        const bool isLinked = !isMoved && !error;
+        _isNew = isMoved || isLinked || !fs::exists(fs::symlink_status(file, error));
+        if (isMoved)
+            _temporary.clear();
+        else if (isLinked)
             fs::remove(std::exchange(_temporary, fs::path()), error);
         else if (error = rename(file); error)
             return error;

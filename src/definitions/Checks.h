@@ -29,6 +29,9 @@ struct Checks
     }
 };
 
+/// Each message on one line: documents may have anything in their texts.
+std::vector<ValidationMessage> onOneLine(std::vector<ValidationMessage> messages);
+
 /// Loops of inheritance, and chains too long for it, on which MaterialX's functions throw or take minutes.
 /// @return whether MaterialX can look elements up along inheritance.
 bool checkInheritance(const MaterialX::DocumentPtr& document, Checks& checks);

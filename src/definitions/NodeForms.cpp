@@ -5,6 +5,7 @@
 #include <iterator>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include <MaterialXCore/Unit.h>
 
@@ -189,7 +190,7 @@ std::vector<ValidationMessage> applyNodeForm(const mx::DocumentPtr& document, No
     std::vector<ValidationMessage> messages;
     definitions::Checks checks{*definitions, {}, messages};
     if (!definitions::checkInheritance(document, checks))
-        return messages;
+        return definitions::onOneLine(std::move(messages));
     removeEmbedded(document);
     if (form == NodeForm::Embed)
         embedDefinitions(document, *definitions, messages);
@@ -199,7 +200,7 @@ std::vector<ValidationMessage> applyNodeForm(const mx::DocumentPtr& document, No
         for (const mx::ElementPtr& element : document->traverseTree())
             if (const auto value = element->asA<mx::ValueElement>())
                 useStandardUnit(*value, form, *definitions, messages);
-    return messages;
+    return definitions::onOneLine(std::move(messages));
 }
 
 } // namespace vyr::MaterialTranslation

@@ -1,8 +1,11 @@
 #include <MaterialTranslation/Validation.h>
 
+#include <utility>
+
 #include <fmt/ranges.h>
 
 #include "base/Paths.h"
+#include "base/Text.h"
 #include "definitions/Checks.h"
 
 namespace vyr::MaterialTranslation
@@ -104,6 +107,13 @@ mx::FileSearchPath searchPathOf(const mx::Document& document,
 
 } // namespace
 
+std::vector<ValidationMessage> definitions::onOneLine(std::vector<ValidationMessage> messages)
+{
+    for (ValidationMessage& message : messages)
+        message.text = base::printable(message.text);
+    return messages;
+}
+
 const char* validationCodeName(ValidationCode code)
 {
     switch (code)
@@ -126,7 +136,7 @@ std::vector<ValidationMessage> validateDocument(const mx::DocumentPtr& document,
     Checks checks{*definitions, searchPathOf(*document, options.searchFolders), messages};
     if (checkStructure(document, checks))
         checkTree(document, {!document->validate()}, checks);
-    return messages;
+    return definitions::onOneLine(std::move(messages));
 }
 
 std::vector<ValidationMessage> validateFile(const std::filesystem::path& file,
@@ -140,11 +150,11 @@ std::vector<ValidationMessage> validateFile(const std::filesystem::path& file,
     }
     catch (const definitions::UnreadableDocument& error)
     {
-        return {{"", ValidationCode::Unreadable, error.what()}};
+        return definitions::onOneLine({{"", ValidationCode::Unreadable, error.what()}});
     }
     const std::vector<ValidationMessage> found = validateDocument(document, options);
     messages.insert(messages.end(), found.begin(), found.end());
-    return messages;
+    return definitions::onOneLine(std::move(messages));
 }
 
 } // namespace vyr::MaterialTranslation

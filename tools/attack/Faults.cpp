@@ -51,7 +51,7 @@ namespace
 // clang-format off
 #define VYR_CALLS(X)                                                                               \
     X(open) X(tmpfile) X(fopen) X(opendir) X(readdir) X(read) X(pread) X(write) X(pwrite) X(writev) X(lseek)        \
-    X(close) X(fstat) X(lstat) X(stat) X(fstatat) X(access) X(readlink) X(realpath) X(getcwd) X(rename) X(link) X(linkat)  \
+    X(close) X(fstat) X(lstat) X(stat) X(fstatat) X(access) X(readlink) X(realpath) X(getcwd) X(rename) X(renameat2) X(link) X(linkat)  \
     X(unlink) X(remove) X(rmdir) X(mkdir) X(ftruncate) X(futimens) X(fsync) X(fdatasync) X(syncfs) X(flock)         \
     X(dup) X(fcntl) X(copy_file_range) X(sendfile) X(mmap) X(malloc) X(calloc) X(realloc) X(memalign) X(getrandom)  \
     X(thread)
@@ -290,6 +290,9 @@ extern "C"
               AT_FDCWD, to, 0)
     VYR_FAULT(int, rename, (const char* from, const char* to) noexcept, SYS_renameat2, AT_FDCWD,
               from, AT_FDCWD, to, 0)
+    VYR_FAULT(int, renameat2,
+              (int from, const char* a, int to, const char* b, unsigned flags) noexcept,
+              SYS_renameat2, from, a, to, b, flags)
     VYR_FAULT(int, fstat, (int file, struct stat* found) noexcept, SYS_fstat, file, found)
     VYR_FAULT(int, lstat, (const char* path, struct stat* found) noexcept, SYS_lstat, path, found)
     VYR_FAULT(int, stat, (const char* path, struct stat* found) noexcept, SYS_stat, path, found)

@@ -10,7 +10,7 @@ import time
 from runs import CASES, WRITING, Settings, crash_of, images_named, run, snapshot, temporaries, torn, write_sources
 
 EACCES, EINTR, EIO, EMFILE, ENOENT, ENOLCK, ENOMEM, ENOSPC = 13, 4, 5, 24, 2, 37, 12, 28
-EPERM, EXDEV, EOPNOTSUPP, EROFS, EDQUOT, ENOSYS, EMLINK, EBADF, ELOOP = 1, 18, 95, 30, 122, 38, 31, 9, 40
+EPERM, EXDEV, EOPNOTSUPP, EROFS, EDQUOT, ENOSYS, EMLINK, ELOOP, EINVAL = 1, 18, 95, 30, 122, 38, 31, 40, 22
 
 # The errors that a call may fail with; the first one is also tried with all calls that follow.
 ERRORS = {
@@ -18,7 +18,8 @@ ERRORS = {
     "opendir": [EACCES, EMFILE], "readdir": [EIO], "read": [EIO, EINTR], "pread": [EIO, EINTR], "write": [ENOSPC, EIO, EINTR, EDQUOT],
     "pwrite": [ENOSPC, EIO], "writev": [ENOSPC, EIO, EINTR], "lseek": [EIO], "close": [EIO, ENOSPC, EINTR], "fstat": [EIO, ENOMEM],
     "lstat": [EIO, EACCES], "stat": [EIO, EACCES, ENOENT], "fstatat": [EIO], "access": [EACCES], "readlink": [EIO, EACCES],
-    "realpath": [EACCES, ELOOP], "getcwd": [ENOENT], "rename": [EIO, EACCES, ENOSPC, EXDEV], "link": [EPERM, EMLINK, ENOSPC],
+    "realpath": [EACCES, ELOOP], "getcwd": [ENOENT], "rename": [EIO, EACCES, ENOSPC, EXDEV],
+    "renameat2": [EINVAL, EIO, EACCES], "link": [EPERM, EMLINK, ENOSPC],
     "linkat": [EPERM, ENOSPC, ENOENT], "unlink": [EACCES, EIO], "remove": [EACCES, EIO], "rmdir": [EIO], "mkdir": [ENOSPC, EACCES],
     "ftruncate": [EIO], "futimens": [EPERM], "fsync": [EIO], "fdatasync": [EIO], "syncfs": [EIO, ENOSPC], "flock": [ENOLCK, EINTR],
     "dup": [EMFILE], "fcntl": [EMFILE], "copy_file_range": [EXDEV, ENOSYS, EIO, ENOSPC], "sendfile": [EIO], "mmap": [ENOMEM],
@@ -104,7 +105,7 @@ def function_at(library, offset):
 def kill_specs(place, seed):
     """Half of them at a call that changes files, half at any moment."""
     chance = random.Random(seed)
-    changing = ("open", "write", "rename", "link", "linkat", "unlink", "remove", "mkdir", "copy_file_range", "flock", "close",
+    changing = ("open", "write", "rename", "renameat2", "link", "linkat", "unlink", "remove", "mkdir", "copy_file_range", "flock", "close",
                 "dup", "syncfs", "futimens")
     while True:
         case, existing = chance.choice(WRITING), chance.random() < 0.7

@@ -12,10 +12,11 @@ from runs import ROOT, Settings
 
 TARGETS = ["json", "image", "mtlx", "host"]
 KEPT = ROOT / "tests" / "fuzz" / "inputs"
-LARGEST = {"json": 8192, "image": 4096, "mtlx": 16384, "host": 2048}
+LARGEST = {"json": 8192, "image": 4096, "mtlx": 4096, "host": 2048}
 # What the decoders may take before the limits of ours count.
 OPTIONS = ["-timeout=20", "-rss_limit_mb=2500", "-malloc_limit_mb=2000", "-print_final_stats=1", "-verbosity=0", "-close_fd_mask=1"]
-ENVIRONMENT = {"ASAN_OPTIONS": "detect_stack_use_after_return=1:allocator_may_return_null=1:handle_abort=1",
+ENVIRONMENT = {"ASAN_OPTIONS": "malloc_context_size=8:allocator_may_return_null=1:handle_abort=1",
+               "LSAN_OPTIONS": f"print_suppressions=0:suppressions={pathlib.Path(__file__).parent / 'fuzz' / 'leaks.supp'}",
                "UBSAN_OPTIONS": "print_stacktrace=1", "ASAN_SYMBOLIZER_PATH": "/usr/bin/llvm-symbolizer-16", "OIIO_DISABLE_OCIO": "1", "OPENIMAGEIO_THREADS": "1"}
 
 
@@ -80,8 +81,8 @@ def fuzz(target, options, end, result):
         round_ += 1
         artifact = re.search(r"Test unit written to (\S+)", text)
         stack = stack_in(text)
-        wrong = re.findall(r"^(?!=|#|INFO|\s|NEW|Test|MS:|artifact|Base64|SUMMARY|stat::|AddressSan).+$", text, re.MULTILINE)
-        what = summary_of(text, process.returncode) + (": " + wrong[-1][:200] if wrong else "")
+        wrong = re.findall(r"^(?:wrong: |terminate called|  what\(\):|.*Assertion|.*runtime error:).*$", text, re.MULTILINE)
+        what = summary_of(text, process.returncode) + "".join(": " + line[:200] for line in wrong[:2])
         if not artifact or what in known:
             continue
         known.add(what)

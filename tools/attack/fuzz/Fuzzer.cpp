@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string wrong = vyr::attack::VYR_TARGET(std::string(data, data + size));
     if (!wrong.empty())
     {
-        std::cerr << wrong << '\n';
+        std::cerr << "wrong: " << wrong << '\n';
         std::abort();
     }
     return 0;

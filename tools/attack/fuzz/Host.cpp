@@ -397,8 +397,10 @@ std::string translate(const Asset& asset, ConverterOptions options)
         return document->getChildren().empty() || world.failed
                    ? ""
                    : "a failure that leaves something in the document";
+    // A unit of the wrong kind is stated, with a warning.
     for (const ValidationMessage& message : validateDocument(document))
-        if (message.code != ValidationCode::FileMissing)
+        if (message.code != ValidationCode::FileMissing &&
+            message.code != ValidationCode::UnitMisfit)
             return "invalid: " + message.path + ": " + message.text;
     Sink sink;
     happens([&] { return converter.RegisterAssetForConversion(asset, sink); });

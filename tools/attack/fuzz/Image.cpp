@@ -77,8 +77,8 @@ std::string tryFile(const std::string& name, const std::string& bytes)
     static const support::TemporaryFolder folder;
     std::filesystem::remove(folder / name);
     ImageLimits limits;
-    limits.pixels = 1 << 18;
-    limits.decodedBytes = 1 << 24;
+    limits.pixels = 1 << 14;
+    limits.decodedBytes = 1 << 18;
     try
     {
         const HeightImage image = readHeightImage(folder.write(name, bytes), limits, 1);
