@@ -80,8 +80,12 @@ void prepareProcess()
         opened = ::open("/dev/null", O_RDWR);
     if (opened > STDERR_FILENO)
         ::close(opened);
-    // No colour is converted, and a configuration that somebody names for other programs may be huge or a pipe.
+    // No colour is converted. A configuration takes the image library longer to read than most images, the one that
+    // somebody names for other programs may be a pipe, and where memory runs out meanwhile the process ends.
+    ::setenv("OIIO_DISABLE_OCIO", "1", 1);
     ::unsetenv("OCIO");
+#else
+    ::_putenv_s("OIIO_DISABLE_OCIO", "1");
 #endif
 #if defined(SIGPIPE)
     std::signal(SIGPIPE, SIG_IGN);

@@ -58,8 +58,7 @@ def fuzz(target, options, end, result):
     program = pathlib.Path(options.fuzzers).resolve() / f"fuzz_{target}"
     folder = Settings.work / f"fuzz-{target}"
     corpus, found = folder / "corpus", ROOT / "build" / "found" / target
-    shutil.rmtree(found, ignore_errors=True)
-    found.mkdir(parents=True)
+    found.mkdir(parents=True, exist_ok=True)
     seeds_of(target, corpus)
     dictionary = pathlib.Path(__file__).parent / "fuzz" / f"{target}.dict"
     more = [f"-dict={dictionary}"] if dictionary.is_file() else []
