@@ -2,6 +2,7 @@
 
 #include <mutex>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <type_traits>
 
@@ -27,7 +28,7 @@ struct Opened
 };
 
 /// The library is never closed: threads of the image library run in it.
-constinit Opened opened;
+constinit std::optional<Opened> opened;
 constinit std::once_flag opening;
 
 Opened open()
@@ -59,9 +60,9 @@ std::invoke_result_t<Function, Arguments...> call(Function BakeLibrary::* functi
     try
     {
         std::call_once(opening, [] { opened = open(); });
-        if (opened.library)
-            return (opened.library->*function)(arguments...);
-        result.message = base::utf8FromPath(image) + ": " + opened.failure;
+        if (opened->library)
+            return (opened->library->*function)(arguments...);
+        result.message = base::utf8FromPath(image) + ": " + opened->failure;
     }
     catch (const std::bad_alloc&)
     {

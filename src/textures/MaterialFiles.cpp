@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <new>
 #include <set>
 #include <utility>
 
@@ -54,8 +55,15 @@ const fs::path& MaterialFiles::folder() const
 
 MaterialFiles::~MaterialFiles()
 {
-    if (!_kept)
-        discard();
+    try
+    {
+        if (!_kept)
+            discard();
+    }
+    catch (const std::bad_alloc&)
+    {
+        // There was no memory for the folder's name: it stays, with nothing in it.
+    }
 }
 
 void MaterialFiles::makeFolder()

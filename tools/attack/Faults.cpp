@@ -234,8 +234,8 @@ extern "C"
         const unsigned mode = va_arg(list, unsigned);
         va_end(list);
         const bool isUnnamed = (flags & O_TMPFILE) == O_TMPFILE;
-        return static_cast<int>(unless(isUnnamed ? call_tmpfile : call_open, SYS_openat, AT_FDCWD,
-                                       path, flags, mode));
+        return static_cast<int>(
+            unless(isUnnamed ? call_tmpfile : call_open, SYS_openat, AT_FDCWD, path, flags, mode));
     }
 
     ssize_t write(int descriptor, const void* bytes, std::size_t size)
@@ -345,8 +345,7 @@ extern "C"
     void* mmap(void* at, std::size_t size, int protection, int flags, int file,
                off64_t offset) noexcept
     {
-        const long mapped =
-            unless(call_mmap, SYS_mmap, at, size, protection, flags, file, offset);
+        const long mapped = unless(call_mmap, SYS_mmap, at, size, protection, flags, file, offset);
         return reinterpret_cast<void*>(mapped);
     }
 
@@ -402,12 +401,18 @@ extern "C"
         va_end(list);
         return open(path, flags, mode);
     }
-    std::FILE* fopen64(const char* path, const char* mode) { return fopen(path, mode); }
+    std::FILE* fopen64(const char* path, const char* mode)
+    {
+        return fopen(path, mode);
+    }
     struct dirent64* readdir64(DIR* folder)
     {
         return reinterpret_cast<struct dirent64*>(readdir(folder));
     }
-    off64_t lseek64(int file, off64_t at, int from) noexcept { return lseek(file, at, from); }
+    off64_t lseek64(int file, off64_t at, int from) noexcept
+    {
+        return lseek(file, at, from);
+    }
     ssize_t pread64(int file, void* bytes, std::size_t size, off64_t at)
     {
         return pread(file, bytes, size, at);

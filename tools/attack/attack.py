@@ -24,7 +24,7 @@ KINDS = {
     "hostile": (hostile.specs, hostile.check),
 }
 # Shares of the time of "all", and those that a command stands for.
-SHARES = {"faults": 30, "kills": 10, "pairs": 8, "hostile": 7, "fuzz": 45}
+SHARES = {"faults": 27, "kills": 15, "pairs": 8, "hostile": 5, "fuzz": 45}
 COMMANDS = {"all": list(SHARES), "kills": ["kills", "pairs"]}
 
 
@@ -47,7 +47,10 @@ def attack(kind, places, specs, end):
                 spec = next(specs, None)
             if spec is None:
                 return
-            wrong, crash = KINDS[kind][1](place, spec)
+            try:
+                wrong, crash = KINDS[kind][1](place, spec)
+            except OSError as error:
+                wrong, crash = [f"cannot be checked: {error}"], None
             stack = faults.stack_of(place, spec) if crash and kind == "faults" else ""
             with lock:
                 result.tried += 1
@@ -71,13 +74,13 @@ def report(results):
         print(f"{result.kind:10} {result.tried:9} {result.tried - failed - inside:9} {failed:7} {inside:16}")
     for result in results:
         for spec, what, stack in result.failures:
-            print(f"\n{result.kind}: {what}\n  repeat: scripts/attack {result.kind} --only '{spec}'")
+            print(f"\n{result.kind}: {what}\n  repeat: scripts/attack {result.kind.split()[0]} --only '{spec}'")
             if stack:
                 print("  " + stack.replace("\n", "\n  "))
     for result in results:
         for key, found in sorted(result.inside.items(), key=lambda item: -len(item[1])):
             spec, stack = found[0]
-            print(f"\n{result.kind}: {len(found)} times inside a dependency: {key}\n  repeat: scripts/attack {result.kind} --only '{spec}'")
+            print(f"\n{result.kind}: {len(found)} times inside a dependency: {key}\n  repeat: scripts/attack {result.kind.split()[0]} --only '{spec}'")
             print("  " + stack.replace("\n", "\n  "))
 
 

@@ -12,7 +12,7 @@ from runs import ROOT, Settings
 
 TARGETS = ["json", "image", "mtlx", "host"]
 KEPT = ROOT / "tests" / "fuzz" / "inputs"
-LARGEST = {"json": 8192, "image": 4096, "mtlx": 4096, "host": 2048}
+LARGEST = {"json": 8192, "image": 4096, "mtlx": 3072, "host": 2048}
 # What the decoders may take before the limits of ours count.
 OPTIONS = ["-timeout=20", "-rss_limit_mb=2500", "-malloc_limit_mb=2000", "-print_final_stats=1", "-verbosity=0", "-close_fd_mask=1"]
 ENVIRONMENT = {"ASAN_OPTIONS": "malloc_context_size=8:allocator_may_return_null=1:handle_abort=1",

@@ -115,9 +115,22 @@ std::string text()
 
 double number()
 {
-    constexpr std::array<double, 16> numbers = {
-        0, 1, 0.5, 2, -1, 1e-45, 1e300, -1e300, 3.5e38, std::numeric_limits<double>::infinity(),
-        std::numeric_limits<double>::quiet_NaN(), 1e-300, 255, 2147483648.0, 0.25, -0.0};
+    constexpr std::array<double, 16> numbers = {0,
+                                                1,
+                                                0.5,
+                                                2,
+                                                -1,
+                                                1e-45,
+                                                1e300,
+                                                -1e300,
+                                                3.5e38,
+                                                std::numeric_limits<double>::infinity(),
+                                                std::numeric_limits<double>::quiet_NaN(),
+                                                1e-300,
+                                                255,
+                                                2147483648.0,
+                                                0.25,
+                                                -0.0};
     const unsigned choice = next(32);
     return choice < numbers.size() ? numbers[choice] : next() / 255.0;
 }
@@ -134,7 +147,7 @@ template <class Interface> class Value : public Interface
     std::size_t GetComponentCount() const override { return pass(), _count; }
     std::uint32_t GetUnit() const override
     {
-        constexpr std::array<std::uint32_t, 8> units = {0,      0x2001, 0x2016, 0x200E,
+        constexpr std::array<std::uint32_t, 8> units = {0,      0x2001, 0x2016,  0x200E,
                                                         0x8001, 0x8002, 0x37001, 77};
         return pass(), oneOf(units);
     }
@@ -203,14 +216,21 @@ std::shared_ptr<kpa::IValue> makeValue(unsigned kind)
 {
     switch (kind)
     {
-        case kpa::ePropertyType_String:
-        case kpa::ePropertyType_Text: return std::make_shared<Text>();
-        case kpa::ePropertyType_URI: return std::make_shared<Uri>();
-        case kpa::ePropertyType_Integer: return std::make_shared<Integer>();
-        case kpa::ePropertyType_Scalar: return std::make_shared<Scalar>();
-        case kpa::ePropertyType_ChoiceList: return std::make_shared<Choices>();
-        case 0: return nullptr;
-        default: return std::make_shared<Value<kpa::IValue>>();
+    case kpa::ePropertyType_String:
+    case kpa::ePropertyType_Text:
+        return std::make_shared<Text>();
+    case kpa::ePropertyType_URI:
+        return std::make_shared<Uri>();
+    case kpa::ePropertyType_Integer:
+        return std::make_shared<Integer>();
+    case kpa::ePropertyType_Scalar:
+        return std::make_shared<Scalar>();
+    case kpa::ePropertyType_ChoiceList:
+        return std::make_shared<Choices>();
+    case 0:
+        return nullptr;
+    default:
+        return std::make_shared<Value<kpa::IValue>>();
     }
 }
 
@@ -435,8 +455,7 @@ std::string tryHost(const std::string& bytes)
 
 } // namespace vyr::attack
 
-kelvor::platform::assets::IAssetLibraryManager*
-kelvor::platform::assets::GetIAssetLibraryManager()
+kelvor::platform::assets::IAssetLibraryManager* kelvor::platform::assets::GetIAssetLibraryManager()
 {
     static vyr::attack::Manager manager;
     vyr::attack::pass();

@@ -33,7 +33,8 @@ std::string comparePng(const OIIO::ImageBuf& image)
     OIIO::ImageSpec found;
     if (!input || !input->set_ioproxy(&memory) || !input->open("x.png", found, hints))
         return "the PNG file cannot be opened: " + input->geterror();
-    std::vector<unsigned char> pixels(spec.image_pixels() * static_cast<std::size_t>(spec.nchannels));
+    std::vector<unsigned char> pixels(spec.image_pixels() *
+                                      static_cast<std::size_t>(spec.nchannels));
     if (found.width != spec.width || found.height != spec.height ||
         found.nchannels != spec.nchannels ||
         !input->read_image(0, 0, 0, spec.nchannels, OIIO::TypeUInt8, pixels.data()))
@@ -65,7 +66,9 @@ std::string tryPixels(const std::string& bytes)
     const std::string content = bytes.substr(5);
     if (at(4) % 2 == 0)
         for (std::size_t i = 0; i < count; ++i)
-            values[i] = static_cast<float>(static_cast<unsigned char>(content[i % content.size()])) / 255.0f;
+            values[i] =
+                static_cast<float>(static_cast<unsigned char>(content[i % content.size()])) /
+                255.0f;
     else
         for (std::size_t i = 0; i < count * sizeof(float); ++i)
             std::memcpy(reinterpret_cast<char*>(values) + i, &content[i % content.size()], 1);
@@ -90,7 +93,8 @@ std::string tryFile(const std::string& name, const std::string& bytes)
     {
         const std::string text = error.what();
         const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20; };
-        return std::any_of(text.begin(), text.end(), isControl) ? "message: " + text : std::string();
+        return std::any_of(text.begin(), text.end(), isControl) ? "message: " + text
+                                                                : std::string();
     }
 }
 
