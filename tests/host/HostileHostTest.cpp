@@ -173,7 +173,7 @@ TEST_F(HostileHost, WhatIsMissingCountsAsAbsent)
 TEST_F(HostileHost, ReferencesAreResolvedAsFarAsTheyCanBe)
 {
     assetlib::setResolverFolders({_folder.text()});
-    _folder.write("stored.png", "");
+    _folder.write("stored.png", "image");
     const auto path = [&](const char* stored)
     {
         const AssetPtr asset =
