@@ -135,6 +135,18 @@ CLI::App& defineSchema(CLI::App& root, SchemaCommand& command)
     return app;
 }
 
+CLI::App& defineInit(CLI::App& root, InitCommand& command)
+{
+    CLI::App& app =
+        *root.add_subcommand("init", "make a first asset library from a folder of textures");
+    app.add_option("DIR", command.folder, "folder with textures; folders in it are searched too")
+        ->required()
+        ->type_name("");
+    addPath(app, "--output,-o", command.output, "library file (default DIR/materials.json)")
+        ->type_name("FILE");
+    return app;
+}
+
 CLI::App& defineValidate(CLI::App& root, ValidateCommand& command)
 {
     CLI::App& app = *root.add_subcommand(
@@ -235,6 +247,7 @@ Request parseCommandLine(int count, const char* const* arguments)
     OverlayCommand overlay;
     ListCommand list;
     SchemaCommand schemas;
+    InitCommand init;
     ValidateCommand validate;
     BakeNormalCommand normal;
     BakeNoiseCommand noise;
@@ -245,6 +258,7 @@ Request parseCommandLine(int count, const char* const* arguments)
     choose(defineOverlay(app, overlay), overlay);
     choose(defineList(app, list), list);
     choose(defineSchema(app, schemas), schemas);
+    choose(defineInit(app, init), init);
     choose(defineValidate(app, validate), validate);
     CLI::App& bake = *app.add_subcommand("bake", "bake images")->require_subcommand(1);
     choose(defineBakeNormal(bake, normal), normal);

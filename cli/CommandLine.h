@@ -80,6 +80,15 @@ struct SchemaCommand
     bool json = false;
 };
 
+/// `vyr-mtlx init`.
+struct InitCommand
+{
+    /// Searched for images, with all folders in it.
+    std::string folder;
+    /// Empty: "materials.json" in the folder.
+    std::string output;
+};
+
 /// `vyr-mtlx validate`.
 struct ValidateCommand
 {
@@ -117,9 +126,9 @@ struct BakeTextureCommand
 };
 
 /// A command, or nothing but to end, because help was printed or the arguments are wrong.
-using Request =
-    std::variant<ExitStatus, ConvertCommand, OverlayCommand, ListCommand, SchemaCommand,
-                 ValidateCommand, BakeNormalCommand, BakeNoiseCommand, BakeTextureCommand>;
+using Request = std::variant<ExitStatus, ConvertCommand, OverlayCommand, ListCommand, SchemaCommand,
+                             InitCommand, ValidateCommand, BakeNormalCommand, BakeNoiseCommand,
+                             BakeTextureCommand>;
 
 /// Reads the arguments; prints the help and the version to standard output, and what is wrong to
 /// standard error.
@@ -129,6 +138,7 @@ ExitStatus run(const ConvertCommand& command);
 ExitStatus run(const OverlayCommand& command);
 ExitStatus run(const ListCommand& command);
 ExitStatus run(const SchemaCommand& command);
+ExitStatus run(const InitCommand& command);
 ExitStatus run(const ValidateCommand& command);
 ExitStatus run(const BakeNormalCommand& command);
 ExitStatus run(const BakeNoiseCommand& command);

@@ -36,6 +36,11 @@ class JsonNode
         require(yyjson_mut_obj_add_strncpy(_document, _value, key, valid.data(), valid.size()));
     }
 
+    void addInteger(const char* key, int number) const
+    {
+        require(yyjson_mut_obj_add_int(_document, _value, key, number));
+    }
+
     void addFlag(const char* key, bool flag) const
     {
         require(yyjson_mut_obj_add_bool(_document, _value, key, flag));
@@ -77,6 +82,11 @@ class JsonNode
     JsonNode addList(const char* key) const
     {
         return {_document, yyjson_mut_obj_add_arr(_document, _value, key)};
+    }
+
+    JsonNode addObject(const char* key) const
+    {
+        return {_document, yyjson_mut_obj_add_obj(_document, _value, key)};
     }
 
     /// Adds an object to a list.
