@@ -285,8 +285,10 @@ Shares gradient(const Properties& given, const Image& image)
             t *= repeats;
             if (alternates)
                 t = thereAndBack(fraction(t * 0.5f));
+            else if (round || (t >= 0.0f && t < repeats))
+                t = fraction(t);
             else
-                t = round || t < repeats ? fraction(t) : 1.0f;
+                t = t < 0.0f ? 0.0f : 1.0f;
         }
         return {reversed ? 1.0f - clamp01(t) : clamp01(t)};
     };
@@ -484,8 +486,8 @@ Shares wave(const Properties& given, const Image& /*image*/)
     {
         float x, y, frequency, phase;
     };
-    constexpr float directions[][2] = {{8, 0}, {7, 3},  {6, 6},  {3, 7},
-                                       {0, 8}, {-3, 7}, {-6, 6}, {-7, 3}};
+    constexpr float directions[][2] = {{0, 8},  {1, 7}, {-1, 9}, {2, 8},
+                                       {-2, 7}, {1, 9}, {-1, 7}, {3, 8}};
     const bool radial = given.integer("wave_Type") == 0;
     const float phase = given.number("wave_Phase") / 360.0f;
     Lots lots(given.seed("wave_Seed"));

@@ -14,6 +14,13 @@
 namespace vyr::MaterialTranslation::bakes
 {
 
+/// An image in place of a pattern's colour that is missing, unreadable or cannot be decoded.
+struct DroppedColorImage
+{
+    std::string property; ///< as ColorImage has it
+    std::string reason;
+};
+
 struct BakeOutcome
 {
     /// The image's bytes as a file has them; empty when it could not be made: its source is missing, unreadable or
@@ -23,6 +30,8 @@ struct BakeOutcome
     std::string message;
     /// What was done differently from what was asked for, one line each.
     std::vector<std::string> warnings;
+    /// Their colours are plain.
+    std::vector<DroppedColorImage> droppedImages;
 };
 
 /// The first channel of a bump image as a normal map, with the image's own attributes as parameters, which as a

@@ -28,6 +28,7 @@ struct ImagePlacement
 /// An image, or another pattern, in place of one of a pattern's two colours.
 struct ColorImage
 {
+    std::string property; ///< of the material that it drives, for messages
     std::filesystem::path file;
     std::shared_ptr<const Pattern> pattern; ///< null: the file
     ImagePlacement placement;

@@ -114,6 +114,31 @@ float between(float a, float b, float share)
     return a + share * (b - a);
 }
 
+/// A pixel, on one axis, of which a larger one covers a share.
+struct Part
+{
+    std::size_t from;
+    std::size_t to;
+    float share; ///< of the larger one
+};
+
+/// All pixels of an axis that gets fewer of them.
+std::vector<Part> partsOf(int from, int to)
+{
+    std::vector<Part> parts;
+    const double size = static_cast<double>(from) / to;
+    for (int i = 0; i < to; ++i)
+    {
+        const double begin = i * size;
+        const double end = i + 1 < to ? (i + 1) * size : from;
+        for (int k = static_cast<int>(begin); k < end; ++k)
+            parts.push_back(
+                {static_cast<std::size_t>(k), static_cast<std::size_t>(i),
+                 static_cast<float>((std::min(k + 1.0, end) - std::max<double>(k, begin)) / size)});
+    }
+    return parts;
+}
+
 /// Makes pixels of 1, 2 or more channels pixels of three.
 std::vector<float> asColors(const OIIO::ImageBuf& image)
 {
@@ -135,16 +160,17 @@ SampledImage::SampledImage(const ColorImage& image, const Pattern& parent, bool 
 {
     read(image, isNumber, settings, set);
     place(image.placement, parent);
-    // Pixels of the image to one of the pattern.
-    const auto density = [&](const float* map, int pixels)
+    // Small enough that neighbouring pixels of the pattern lie at most one of the image's apart on each axis.
+    const auto wanted = [&](const float* map, int pixels)
     {
-        return std::max(std::fabs(map[0]) / static_cast<float>(parent.width),
-                        std::fabs(map[1]) / static_cast<float>(parent.height)) *
-               static_cast<float>(pixels);
+        const float step = std::max(std::fabs(map[0]) / static_cast<float>(parent.width),
+                                    std::fabs(map[1]) / static_cast<float>(parent.height));
+        // What is no number leaves the image as it is.
+        if (!(step * static_cast<float>(pixels) > 1.0f))
+            return pixels;
+        return std::clamp(static_cast<int>(std::ceil(1.0f / step)), 1, pixels);
     };
-    while (std::max(density(_u, _level.width), density(_v, _level.height)) >= 2.0f &&
-           (_level.width > 1 || _level.height > 1))
-        shrink();
+    shrink(wanted(_u, _level.width), wanted(_v, _level.height));
 }
 
 void SampledImage::read(const ColorImage& image, bool isNumber, const BakeSettings& settings,
@@ -183,28 +209,26 @@ void SampledImage::place(const ImagePlacement& own, const Pattern& parent)
     }
 }
 
-/// Halves the image, each pixel the mean of those it stands for.
-void SampledImage::shrink()
+void SampledImage::shrink(int width, int height)
 {
+    if (width == _level.width && height == _level.height)
+        return;
     const Level large = std::move(_level);
-    _level = {(large.width + 1) / 2, (large.height + 1) / 2, {}};
-    _level.pixels.reserve(channels * static_cast<std::size_t>(_level.width) *
-                          static_cast<std::size_t>(_level.height));
-    for (int y = 0; y < _level.height; ++y)
-        for (int x = 0; x < _level.width; ++x)
+    _level = {width, height, {}};
+    _level.pixels.resize(channels * static_cast<std::size_t>(width) *
+                         static_cast<std::size_t>(height));
+    const auto at = [](const Level& level, std::size_t column, std::size_t row)
+    { return channels * (row * static_cast<std::size_t>(level.width) + column); };
+    const std::vector<Part> columns = partsOf(large.width, width);
+    for (const Part& row : partsOf(large.height, height))
+        for (const Part& column : columns)
+        {
+            const float share = row.share * column.share;
+            const float* const from = large.pixels.data() + at(large, column.from, row.from);
+            float* const to = _level.pixels.data() + at(_level, column.to, row.to);
             for (std::size_t c = 0; c < channels; ++c)
-            {
-                const auto at = [&](int dx, int dy)
-                {
-                    const int column = std::min(2 * x + dx, large.width - 1);
-                    const int row = std::min(2 * y + dy, large.height - 1);
-                    return large.pixels[channels * (static_cast<std::size_t>(row) *
-                                                        static_cast<std::size_t>(large.width) +
-                                                    static_cast<std::size_t>(column)) +
-                                        c];
-                };
-                _level.pixels.push_back(0.25f * (at(0, 0) + at(1, 0) + at(0, 1) + at(1, 1)));
-            }
+                to[c] += share * from[c];
+        }
 }
 
 void SampledImage::sample(const float* x, float y, int count, float (*colors)[noiseColumns]) const

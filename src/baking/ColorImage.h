@@ -41,7 +41,8 @@ class SampledImage
     void read(const ColorImage& image, bool isNumber, const BakeSettings& settings,
               const KernelSet& set);
     void place(const ImagePlacement& own, const Pattern& parent);
-    void shrink();
+    /// Each pixel becomes the mean of those that it covers. Neither width nor height may be larger than before.
+    void shrink(int width, int height);
 
     Level _level{};
     bool _repeats[2]{};

@@ -72,20 +72,16 @@ void forEachRowBlock(int width, int height, int threads,
 {
     if (width <= 0 || height <= 0)
         return;
-    const auto block = [&](std::int64_t, std::int64_t, std::int64_t yBegin, std::int64_t yEnd)
-    {
-        const FloatEnvironment environment;
-        task(static_cast<int>(yBegin), static_cast<int>(yEnd));
-    };
     OIIO::paropt options(threads, OIIO::paropt::SplitDir::Y, minimumPixels);
     options.resolve();
-    const std::int64_t blocks = std::max<std::int64_t>(options.maxthreads(), 1) * blocksPerThread;
+    const std::int64_t blocks =
+        options.maxthreads() <= 1 ? 1 : options.maxthreads() * blocksPerThread;
     const std::int64_t rows =
         std::max((height + blocks - 1) / blocks, (minimumPixels + width - 1) / width);
-    if (options.maxthreads() <= 1 || rows >= height)
-        block(0, width, 0, height);
-    else
-        OIIO::parallel_for_chunked_2D(0, width, width, 0, height, rows, block, options);
+    const auto begin = [&](std::int64_t i)
+    { return static_cast<int>(std::min<std::int64_t>(i * rows, height)); };
+    forEachTask(static_cast<int>((height + rows - 1) / rows), threads,
+                [&](int i) { task(begin(i), begin(i + 1)); });
 }
 
 void forEachTask(int count, int threads, const std::function<void(int)>& task)

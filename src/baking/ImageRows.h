@@ -21,11 +21,12 @@ class BakeError : public std::runtime_error
 };
 
 /// Calls `task(yBegin, yEnd)` for blocks of rows that together are all rows of an image, side by side, and
-/// returns when all are done. Blocks have at least 1024 pixels (but for the last). Tasks must not throw. They run
-/// in the default floating-point environment: a host may have set its threads to flush denormals or to round
-/// otherwise, and a bake must not depend on the thread that computes a row.
+/// returns when all are done. Blocks have at least 1024 pixels (but for the last). They run in
+/// the default floating-point environment: a host may have set its threads to flush denormals or to round otherwise,
+/// and a bake must not depend on the thread that computes a row.
 ///
 /// @param threads  0: OpenImageIO's default thread count; 1: everything in the calling thread.
+/// @throws as forEachTask does.
 void forEachRowBlock(int width, int height, int threads,
                      const std::function<void(int yBegin, int yEnd)>& task);
 

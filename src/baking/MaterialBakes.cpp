@@ -121,6 +121,8 @@ BakeOutcome run(const bakes::PatternBake& bake, const BakeSettings& settings, co
         const bakes::Pattern& pattern = *bake.pattern;
         checkWritable(place);
         checkPixels(place, pattern.width, pattern.height, settings.limits);
+        const auto pixelsOf = [&](PatternPixels pixels)
+        { return bakePattern(pattern, pixels, settings, kernels(), &outcome.droppedImages); };
         OIIO::ImageBuf image;
         if (bake.use == bakes::PatternUse::Relief)
         {
@@ -128,15 +130,12 @@ BakeOutcome run(const bakes::PatternBake& bake, const BakeSettings& settings, co
             options.bumpAmount = bake.bumpAmount;
             options.threads = settings.threads;
             checkStrength(place, options);
-            image =
-                bakeMeetingNormals(bakePattern(pattern, PatternPixels::Heights, settings), options);
+            image = bakeMeetingNormals(pixelsOf(PatternPixels::Heights), options);
         }
         else if (bake.use == bakes::PatternUse::Number)
-            image = bakePattern(pattern, PatternPixels::Number, settings);
+            image = pixelsOf(PatternPixels::Number);
         else
-            image = bakePattern(
-                pattern, holdsWholeNumbers(place) ? PatternPixels::Srgb : PatternPixels::Color,
-                settings);
+            image = pixelsOf(holdsWholeNumbers(place) ? PatternPixels::Srgb : PatternPixels::Color);
         outcome.file = encodeFor(place, image, settings.threads);
     };
     outcome.message = failureOf(place, work);

@@ -31,22 +31,29 @@ struct Recipe
     std::array<std::optional<SampledImage>, 2> images{};
 };
 
-/// Bakes some rows strip by strip; a pixel depends on its place only.
+/// Bakes a part of an image strip by strip; a pixel depends on its place only.
 class PatternRows
 {
   public:
-    PatternRows(const Recipe& recipe, const KernelSet& set)
-        : _recipe(recipe), _set(set), _strip(recipe.strip), _shade(recipe.shade)
+    /// Columns that are baked together: what is known of them stays in the cache.
+    static constexpr int mostColumns = 8 * noiseColumns;
+
+    /// @param xBegin  The first of at most mostColumns columns.
+    PatternRows(const Recipe& recipe, const KernelSet& set, int xBegin)
+        : _recipe(recipe), _set(set), _strip(recipe.strip), _shade(recipe.shade),
+          _columns(std::min(mostColumns, recipe.width - xBegin))
     {
-        for (int x = 0; x < recipe.width; x += noiseColumns)
+        for (int x = 0; x < _columns; x += noiseColumns)
         {
             for (const NoiseField& field : recipe.fields)
-                _noise.emplace_back(field, set).moveTo(x);
+                _noise.emplace_back(field, set).moveTo(xBegin + x);
             for (int i = 0; i < noiseColumns; ++i)
-                _x.push_back((static_cast<float>(x + i) + 0.5f) / static_cast<float>(recipe.width));
+                _x.push_back((static_cast<float>(xBegin + x + i) + 0.5f) /
+                             static_cast<float>(recipe.width));
         }
     }
 
+    /// @param pixels  The first one.
     void bake(int yBegin, int yEnd, float* pixels)
     {
         for (int y = yBegin; y < yEnd; y += bandRows)
@@ -72,13 +79,13 @@ class PatternRows
         {
             if (_recipe.rowsAreAlike && y > yBegin)
             {
-                std::copy_n(pixels, rowStart(1), pixels + rowStart(y - yBegin));
+                std::copy_n(pixels, _shade.channels * _columns, pixels + rowStart(y - yBegin));
                 continue;
             }
             // Rows go downwards, the pattern goes up.
             _strip.y = 1.0f - (static_cast<float>(y) + 0.5f) / static_cast<float>(_recipe.height);
             auto sums = _sums.begin();
-            for (int x = 0; x < _recipe.width; x += noiseColumns)
+            for (int x = 0; x < _columns; x += noiseColumns)
             {
                 for (std::size_t i = 0; i < _recipe.fields.size(); ++i)
                 {
@@ -86,7 +93,7 @@ class PatternRows
                     *sums++ += noiseColumns;
                 }
                 bakeStrip(static_cast<std::size_t>(x),
-                          static_cast<std::size_t>(std::min(noiseColumns, _recipe.width - x)),
+                          static_cast<std::size_t>(std::min(noiseColumns, _columns - x)),
                           pixels + rowStart(y - yBegin));
             }
         }
@@ -116,6 +123,7 @@ class PatternRows
     const KernelSet& _set;
     PatternStrip _strip;
     PatternShade _shade;
+    int _columns;
     /// Strip after strip the layers of each, and where their next rows begin.
     std::deque<NoiseStrip> _noise;
     std::vector<const float*> _sums;
@@ -163,13 +171,22 @@ void setOwnHeights(PatternShade& shade)
     shade.colors[1][0] = 0.0f;
 }
 
+/// One that cannot be read leaves its colour plain.
 void setImages(Recipe& recipe, const Pattern& bake, const BakeSettings& settings,
-               const KernelSet& set)
+               const KernelSet& set, std::vector<DroppedColorImage>* dropped)
 {
     for (std::size_t i = 0; i < 2; ++i)
-        if (bake.images[i])
-            recipe.images[i].emplace(*bake.images[i], bake, recipe.shade.channels == 1, settings,
-                                     set);
+        try
+        {
+            if (bake.images[i])
+                recipe.images[i].emplace(*bake.images[i], bake, recipe.shade.channels == 1,
+                                         settings, set);
+        }
+        catch (const BakeError& error)
+        {
+            if (dropped)
+                dropped->push_back({bake.images[i]->property, error.what()});
+        }
 }
 
 template <class Kind> std::vector<NoiseField> fieldsOf(const Kind& kind, const Pattern& bake)
@@ -185,7 +202,7 @@ template <class Kind> std::vector<NoiseField> fieldsOf(const Kind& kind, const P
 } // namespace
 
 OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels, const BakeSettings& settings,
-                           const KernelSet& set)
+                           const KernelSet& set, std::vector<DroppedColorImage>* dropped)
 {
     const bool isColor = pixels == PatternPixels::Color || pixels == PatternPixels::Srgb;
     OIIO::ImageBuf image =
@@ -211,13 +228,14 @@ OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels, const Bake
         if (hasOwnHeights<Kind>() && recipe.strip.heights)
             setOwnHeights(recipe.shade);
         else
-            setImages(recipe, bake, settings, set);
+            setImages(recipe, bake, settings, set, dropped);
         forEachRowBlock(bake.width, bake.height, settings.threads,
                         [&](int yBegin, int yEnd)
                         {
-                            PatternRows(recipe, set)
-                                .bake(yBegin, yEnd,
-                                      static_cast<float*>(image.pixeladdr(0, yBegin)));
+                            for (int x = 0; x < bake.width; x += PatternRows::mostColumns)
+                                PatternRows(recipe, set, x)
+                                    .bake(yBegin, yEnd,
+                                          static_cast<float*>(image.pixeladdr(x, yBegin)));
                         });
     };
     withPatternKind(bake.kind, run);

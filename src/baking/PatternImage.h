@@ -4,7 +4,7 @@
 
 #include <MaterialTranslation/Bakes.h>
 
-#include "bakes/Patterns.h"
+#include "bakes/MaterialBakes.h"
 #include "baking/kernels/Kernels.h"
 
 namespace vyr::MaterialTranslation::baking
@@ -22,9 +22,10 @@ enum class PatternPixels
 /// Bakes a pattern into 32-bit floats. docs/bakes.md has the formulas.
 ///
 /// @param settings  The result is the same for every number of threads.
-/// @throws BakeError when an image in place of a colour cannot be read.
+/// @param dropped  Takes what images in place of colours cannot be read; null: nobody wants to know.
 /// @throws std::runtime_error when memory does not hold the result.
 OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels, const BakeSettings& settings,
-                           const KernelSet& set = kernels());
+                           const KernelSet& set = kernels(),
+                           std::vector<DroppedColorImage>* dropped = nullptr);
 
 } // namespace vyr::MaterialTranslation::baking

@@ -145,6 +145,7 @@ class PatternReader
                                      _log,
                                      log};
         auto read = std::make_shared<bakes::ColorImage>();
+        read->property = _made ? property : std::string(_request.property) + '/' + property;
         if (findPattern(schema))
         {
             PatternReader reader(request, isColor() ? PatternUse::Color : PatternUse::Number, true);

@@ -208,6 +208,9 @@ void TextureSet::bakeInto(Entry& entry, const std::vector<std::string>& images)
         bakes::bakeForMaterial(entry.reading->bake->record, _translation.bakes, place);
     for (const std::string& warning : outcome.warnings)
         log.warning(DiagnosticCode::ValueAdjusted, entry.property, warning);
+    for (const bakes::DroppedColorImage& image : outcome.droppedImages)
+        log.warning(DiagnosticCode::TextureNotTranslated, image.property,
+                    image.reason + "; the plain colour is used");
     if (outcome.file.empty())
         return dropBake(entry, outcome.message);
     try

@@ -111,16 +111,17 @@ OIIO::ImageBuf plainPattern(const Pattern& pattern, PatternPixels pixels)
 std::array<float, 2> differences(const OIIO::ImageBuf& image, int dx, int dy)
 {
     const OIIO::ImageSpec& spec = image.spec();
+    const auto* pixels = static_cast<const float*>(image.localpixels());
+    const auto at = [&](int x, int y) { return pixels + (y * spec.width + x) * spec.nchannels; };
     std::array<float, 2> largest{};
     for (int y = 0; y < spec.height; ++y)
         for (int x = 0; x < spec.width; ++x)
         {
-            const bool isSeam = x + dx == spec.width || y + dy == spec.height;
+            float& most = largest[x + dx == spec.width || y + dy == spec.height];
+            const float* const one = at(x, y);
+            const float* const next = at((x + dx) % spec.width, (y + dy) % spec.height);
             for (int c = 0; c < spec.nchannels; ++c)
-                largest[isSeam] = std::max(
-                    largest[isSeam], std::fabs(image.getchannel((x + dx) % spec.width,
-                                                                (y + dy) % spec.height, 0, c) -
-                                               image.getchannel(x, y, 0, c)));
+                most = std::max(most, std::fabs(next[c] - one[c]));
         }
     return largest;
 }
@@ -136,7 +137,7 @@ double cushion(double x, double y)
 
 TEST(PatternKernels, EqualTheReferenceInEveryBit)
 {
-    constexpr int shapes[][2] = {{61, 43}, {1, 1}, {257, 9}, {3, 70}, {16, 16}, {1, 77}};
+    constexpr int shapes[][2] = {{61, 43}, {1, 1}, {257, 9}, {3, 70}, {16, 16}, {1, 77}, {2053, 1}};
     for (std::size_t i = 0; i < 700; ++i)
     {
         const auto& [width, height] = shapes[anyBelow(std::size(shapes))];
@@ -151,7 +152,7 @@ TEST(PatternKernels, EqualTheReferenceInEveryBit)
     for (std::size_t kind = 0; kind < patternKindCount; ++kind)
         for (std::size_t choice = 0; choice < choices(kinds[kind].rows[0]); ++choice)
         {
-            Pattern pattern = anyPattern(kind, 331, 149);
+            Pattern pattern = anyPattern(kind, 331, 29);
             if (kinds[kind].rows[0].kind == PropertyKind::Choice)
                 pattern.values.rows[0][0][0] = static_cast<float>(choice);
             const OIIO::ImageBuf expected = plainPattern(pattern, PatternPixels::Srgb);

@@ -166,8 +166,8 @@ struct Gradient
         return x;
     }
 
-    /// The ramp runs once for each whole number. Round the middle it has no end; elsewhere the end of the last run is
-    /// its end.
+    /// The ramp runs once for each whole number. Round the middle it has no end, and to and fro it meets itself;
+    /// elsewhere it stays at its start before the first run and at its end after the last one.
     template <class L> typename L::Floats repeated(typename L::Floats t) const
     {
         using M = Math<L>;
@@ -177,7 +177,9 @@ struct Gradient
             return M::sub(1.0f, M::abs(M::sub(M::mul(half, 2.0f), 1.0f)));
         }
         const auto run = M::fraction(t);
-        return isRound ? run : M::less(t, repeats, run, M::all(1.0f));
+        if (isRound)
+            return run;
+        return M::less(t, 0.0f, M::all(0.0f), M::less(t, repeats, run, M::all(1.0f)));
     }
 
     Shape shape;

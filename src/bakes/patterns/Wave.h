@@ -23,7 +23,7 @@ struct Wave
          .takesTexture = true},
         {.name = "wave_Type",
          .kind = PropertyKind::Choice,
-         .meaning = "circles around points, or straight fronts",
+         .meaning = "circles around points, or straight fronts that run upwards",
          .choices = "wave_radial wave_plane"},
         {.name = "wave_Sources",
          .kind = PropertyKind::Integer,
@@ -75,9 +75,10 @@ struct Wave
           length(values.number(rowOf(rows, "wave_Length"))),
           amplitude(values.number(rowOf(rows, "wave_Amplitude")))
     {
-        // Whole numbers of waves in all directions of half a turn, about as many as lengths.
-        constexpr float directions[][2] = {{8, 0}, {7, 3},  {6, 6},  {3, 7},
-                                           {0, 8}, {-3, 7}, {-6, 6}, {-7, 3}};
+        // Whole numbers of waves, about as many as lengths, that run much the same way: fronts that cross each
+        // other look like cloth.
+        constexpr float directions[][2] = {{0, 8},  {1, 7}, {-1, 9}, {2, 8},
+                                           {-2, 7}, {1, 9}, {-1, 7}, {3, 8}};
         const float variation = values.number(rowOf(rows, "wave_LengthVariation"));
         const float phase = values.number(rowOf(rows, "wave_Phase")) / 360.0f;
         Lots lots(values.integer(rowOf(rows, "wave_Seed")));
