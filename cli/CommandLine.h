@@ -6,8 +6,8 @@
 #include <vector>
 
 #include <MaterialTranslation/Bakes.h>
-#include <MaterialTranslation/ConverterOptions.h>
-#include <MaterialTranslation/NodeForms.h>
+
+#include "batch/Settings.h"
 
 /// @file
 /// What the program can be asked for, and how it ends. Texts are UTF-8; paths are as the user wrote them.
@@ -29,22 +29,11 @@ enum class ExitStatus : int
 };
 
 /// What commands have in common that make documents of asset files.
-struct DocumentsCommand
+struct DocumentsCommand : batch::Settings
 {
     std::vector<std::string> files;
-    std::string output;
     /// Further folders to look image references up in.
     std::vector<std::string> texturePaths;
-    /// `outputDirectory` is filled when the folder is known to exist.
-    MaterialTranslation::ConverterOptions options;
-    bool absolutePaths = false;
-    /// How the documents use the kvor nodes.
-    MaterialTranslation::NodeForm nodes = MaterialTranslation::NodeForm::Reference;
-    bool validate = false;
-    /// Documents made side by side; 0: as many as there are cores.
-    unsigned jobs = 0;
-    /// JSON report; empty: none.
-    std::string report;
     bool strict = false;
     bool quiet = false;
     /// Whether a run that is done has waited for the disk.
@@ -54,8 +43,6 @@ struct DocumentsCommand
 /// `vyr-mtlx convert`.
 struct ConvertCommand : DocumentsCommand
 {
-    /// Of the images that are baked.
-    MaterialTranslation::ImageLimits limits;
     /// Identifiers of the only materials to convert; empty: all.
     std::vector<std::string> assets;
 };

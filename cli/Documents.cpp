@@ -1,18 +1,12 @@
 #include "Documents.h"
 
-#include <algorithm>
-#include <exception>
 #include <filesystem>
-#include <thread>
 #include <utility>
 
-#include <MaterialTranslation/Bakes.h>
 #include <MaterialTranslation/Diagnostics.h>
-#include <MaterialTranslation/DocumentIO.h>
 
 #include "Console.h"
 #include "Json.h"
-#include "OrderedRun.h"
 #include "base/Paths.h"
 #include "base/WriteFile.h"
 
@@ -21,103 +15,9 @@ namespace vyr::cli
 namespace
 {
 
-using MaterialTranslation::NodeForm;
-using MaterialTranslation::ValidationMessage;
-
-/// Whether the definitions of nodes can be read, where the command needs them; standard error says why
-/// not. They are read once, here, before anything is written.
-bool definitionsAreThere(const DocumentsCommand& command)
-{
-    try
-    {
-        if (command.validate || command.nodes != NodeForm::Reference)
-            MaterialTranslation::definitionLibrary();
-        return true;
-    }
-    catch (const std::exception& error)
-    {
-        complain(std::string("vyr-mtlx: ") + error.what());
-        return false;
-    }
-}
-
-/// Why the document is invalid; empty when it is not.
-std::string invalidity(const MaterialX::DocumentPtr& document, const DocumentsCommand& command,
-                       const OutputFolder& folder)
-{
-    MaterialTranslation::ValidationOptions options;
-    options.searchFolders = {folder.absolute};
-    // The other forms are for readers that have MaterialX's definitions only.
-    if (command.nodes != NodeForm::Reference)
-        options.definitions = MaterialTranslation::DefinitionSet::Standard;
-    std::string all;
-    for (const ValidationMessage& message : validateDocument(document, options))
-        all += (all.empty() ? "invalid document: " : "; ") + withPath(message);
-    return all;
-}
-
-/// The images that a document names, each once.
-std::vector<std::string> imagesOf(const MaterialX::DocumentPtr& document)
-{
-    std::vector<std::string> paths;
-    for (const MaterialX::InputPtr& input : MaterialTranslation::fileInputs(document))
-        if (const std::string& path = input->getValueString();
-            std::ranges::find(paths, path) == paths.end())
-            paths.push_back(path);
-    return paths;
-}
-
-/// Brings a translated document into the form that the command asks for, checks it when that is asked for
-/// too, and writes it.
-void write(const MaterialX::DocumentPtr& document, const Task& task, const OutputFolder& folder,
-           const DocumentsCommand& command, Outcome& outcome)
-{
-    const std::filesystem::path file = folder.shown / documentFile(task.name);
-    try
-    {
-        if (!command.absolutePaths)
-            makeImagePathsRelative(document, folder);
-        if (command.nodes != NodeForm::Reference)
-            for (const ValidationMessage& message : applyNodeForm(document, command.nodes))
-                outcome.warnings.push_back(
-                    {validationCodeName(message.code), message.path, message.text});
-        const std::string problems =
-            command.validate ? invalidity(document, command, folder) : std::string();
-        if (problems.empty())
-            writeDocument(file, MaterialTranslation::documentToXml(document), outcome);
-        else
-            outcome.message += problems;
-        if (outcome.converted && !command.report.empty())
-            outcome.textures = imagesOf(document);
-    }
-    catch (const std::exception& error)
-    {
-        outcome.message = writeFailure(base::utf8FromPath(file), error.what());
-    }
-}
-
-Outcome convert(const Translate& translate, std::size_t worker, const Task& task,
-                const OutputFolder& folder, const DocumentsCommand& command)
-{
-    Outcome outcome;
-    outcome.warnings = task.warnings;
-    outcome.message = task.refusal;
-    if (!task.refusal.empty())
-        return outcome;
-    if (const MaterialX::DocumentPtr document = translate(worker, task, outcome))
-        write(document, task, folder, command, outcome);
-    if (!outcome.converted)
-        MaterialTranslation::discardLastBakes();
-    return outcome;
-}
-
-/// How many threads the command may use.
-unsigned jobsOf(const DocumentsCommand& command)
-{
-    if (command.options.verbose)
-        return 1;
-    return std::max(command.jobs ? command.jobs : std::thread::hardware_concurrency(), 1U);
-}
+using batch::Outcome;
+using batch::Task;
+using batch::writeFailure;
 
 void addItem(const JsonNode& entry, const assetlib::Material& material, const std::string& name)
 {
@@ -130,7 +30,7 @@ void addItem(const JsonNode& entry, const assetlib::Overlay& overlay, const std:
 {
     entry.add("overlay", overlay.name);
     entry.add("name", name);
-    entry.add("type", typeName(overlay));
+    entry.add("type", batch::typeName(overlay));
 }
 
 /// Takes the outcomes of a conversion in input order: prints them, counts them, and notes them for
@@ -156,7 +56,8 @@ class Delivery
         const Task& task = _tasks[step];
         const bool isSilent = outcome.converted && outcome.warnings.empty();
         const std::string messages =
-            isSilent ? "" : messageLines(fileOf(task.item), subjectOf(task.item), outcome);
+            isSilent ? ""
+                     : messageLines(batch::fileOf(task.item), batch::subjectOf(task.item), outcome);
         if (!messages.empty() || Results::onTerminal())
             _progress.clear();
         // Both may go to one file, and what was done before is told before.
@@ -180,7 +81,7 @@ class Delivery
     /// and then there is no report.
     /// @param done number of outcomes that were taken.
     /// @return how the conversion ended.
-    ExitStatus finish(std::size_t done, const OutputFolder& folder)
+    ExitStatus finish(std::size_t done, const batch::OutputFolder& folder)
     {
         printResults();
         _progress.clear();
@@ -212,13 +113,13 @@ class Delivery
     {
         const JsonNode entry = _entries.addObject();
         std::visit([&](const auto* item) { addItem(entry, *item, task.name); }, task.item);
-        entry.add("file", fileOf(task.item));
+        entry.add("file", batch::fileOf(task.item));
         entry.add("status", outcome.converted ? "converted" : "failed");
         entry.addOrNull("document", outcome.document);
         entry.add("textures", outcome.textures);
         entry.addOrNull("message", outcome.message);
         const JsonNode warnings = entry.addList("warnings");
-        for (const Warning& warning : outcome.warnings)
+        for (const batch::Remark& warning : outcome.warnings)
         {
             const JsonNode object = warnings.addObject();
             object.add("code", warning.code);
@@ -228,7 +129,7 @@ class Delivery
     }
 
     /// What was told to be done outlives a power cut. The report may be on another disk.
-    bool reachDisk(const OutputFolder& folder) const
+    bool reachDisk(const batch::OutputFolder& folder) const
     {
         const auto failsFor = [](const std::filesystem::path& place)
         {
@@ -265,32 +166,23 @@ class Delivery
 
 } // namespace
 
-std::optional<Source> loadFiles(const DocumentsCommand& command)
+batch::Source loadFiles(const DocumentsCommand& command)
 {
-    return loadFiles(command.files, {command.texturePaths, jobsOf(command)});
-}
-
-std::size_t workersFor(const DocumentsCommand& command, std::size_t tasks)
-{
-    return std::clamp<std::size_t>(tasks, 1, jobsOf(command));
-}
-
-bool canConvert(const DocumentsCommand& command, const std::vector<Task>& tasks,
-                const Source& source)
-{
-    return filesAreApart(command, tasks, source) && definitionsAreThere(command);
+    return batch::loadFiles(command.files, {command.texturePaths, jobsOf(command)});
 }
 
 ExitStatus convertAll(const DocumentsCommand& command, const std::vector<Task>& tasks,
-                      const char* things, const OutputFolder& folder, std::size_t workers,
-                      const Translate& translate)
+                      const char* things, const batch::OutputFolder& folder, std::size_t workers,
+                      const batch::Translate& translate)
 {
-    const auto work = [&](std::size_t worker, std::size_t step)
-    { return convert(translate, worker, tasks[step], folder, command); };
     Delivery delivery(command, tasks, things);
     const auto deliver = [&delivery](std::size_t step, const Outcome& outcome)
     { delivery.take(step, outcome); };
-    return delivery.finish(OrderedRun(tasks.size(), work, deliver).on(workers), folder);
+    batch::Settings settings = command;
+    settings.listImages = !command.report.empty();
+    return delivery.finish(
+        batch::convertAll({translate, deliver, stopRequested}, tasks, folder, settings, workers),
+        folder);
 }
 
 } // namespace vyr::cli

@@ -1,13 +1,15 @@
 #include <algorithm>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include <MaterialTranslation/Bakes.h>
 #include <MaterialTranslation/Validation.h>
 
 #include "CommandLine.h"
 #include "Console.h"
-#include "Output.h"
 #include "base/Paths.h"
+#include "batch/Output.h"
 
 // The commands that need no asset library.
 namespace vyr::cli
@@ -15,11 +17,21 @@ namespace vyr::cli
 namespace
 {
 
+/// Whether the text names an ordinary file; standard error says why not.
+bool isInputFile(const std::string& file)
+{
+    std::error_code error;
+    if (std::filesystem::is_regular_file(base::pathFromUtf8(file), error))
+        return true;
+    complain("vyr-mtlx: " + file + ": " + (error ? error.message() : "not a file"));
+    return false;
+}
+
 bool isValid(const std::string& file)
 {
     const auto messages = MaterialTranslation::validateFile(base::pathFromUtf8(file));
     for (const MaterialTranslation::ValidationMessage& message : messages)
-        complain(file + ": " + withPath(message));
+        complain(file + ": " + batch::withPath(message));
     return messages.empty();
 }
 

@@ -8,8 +8,8 @@
 #include "CommandLine.h"
 #include "Console.h"
 #include "Json.h"
-#include "Source.h"
 #include "base/Text.h"
+#include "batch/Source.h"
 
 namespace vyr::cli
 {
@@ -35,7 +35,7 @@ std::vector<Entry> materialsOf(const assetlib::Library& library)
     std::vector<Entry> entries;
     for (const assetlib::Material& material : library.materials())
         entries.push_back({material.id, converter.getMaterialName(*material.asset).str(),
-                           material.schema, material.file, imagesOf(*material.asset)});
+                           material.schema, material.file, batch::imagesOf(*material.asset)});
     return entries;
 }
 
@@ -43,7 +43,8 @@ std::vector<Entry> overlaysOf(const assetlib::Library& library)
 {
     std::vector<Entry> entries;
     for (const assetlib::Overlay& overlay : library.overlays())
-        entries.push_back({{}, overlay.name, typeName(overlay), overlay.file, imagesOf(overlay)});
+        entries.push_back(
+            {{}, overlay.name, batch::typeName(overlay), overlay.file, batch::imagesOf(overlay)});
     return entries;
 }
 
@@ -110,11 +111,9 @@ std::string asTable(const std::vector<Entry>& materials, const std::vector<Entry
 
 ExitStatus run(const ListCommand& command)
 {
-    const std::optional<Source> source = loadFiles(command.files);
-    if (!source)
-        return ExitStatus::WrongUse;
-    const std::vector<Entry> materials = materialsOf(source->library);
-    const std::vector<Entry> overlays = overlaysOf(source->library);
+    const batch::Source source = batch::loadFiles(command.files);
+    const std::vector<Entry> materials = materialsOf(source.library);
+    const std::vector<Entry> overlays = overlaysOf(source.library);
     Results results;
     results.write(command.json ? asJson(materials, overlays) : asTable(materials, overlays));
     return results.delivered() ? ExitStatus::Done : ExitStatus::SomeFailed;

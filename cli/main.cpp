@@ -5,15 +5,27 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "batch/Refusal.h"
 
 namespace
 {
 
 using namespace vyr::cli;
+namespace batch = vyr::batch;
 
 ExitStatus run(ExitStatus status)
 {
     return status;
+}
+
+/// Each reason: errors of files begin with their place, all others with the program.
+void complainOf(const batch::Refusal& refusal)
+{
+    const bool isOfFiles = dynamic_cast<const batch::LoadRefusal*>(&refusal) != nullptr;
+    const bool isOfAssets = dynamic_cast<const batch::UnknownMaterial*>(&refusal) != nullptr;
+    const std::string lead = isOfFiles ? "" : isOfAssets ? "vyr-mtlx: --asset: " : "vyr-mtlx: ";
+    for (const std::string& reason : refusal.reasons())
+        complain(lead + reason);
 }
 
 /// Memory may have run out, also for the message.
@@ -38,6 +50,11 @@ int main(int argc, char** argv)
         catchStopRequests();
         const Request request = parseCommandLine(argc, argv);
         status = std::visit([](const auto& command) { return run(command); }, request);
+    }
+    catch (const batch::Refusal& refusal)
+    {
+        complainOf(refusal);
+        status = ExitStatus::WrongUse;
     }
     catch (const std::exception& error)
     {

@@ -22,7 +22,7 @@ command_for() {
 # All C++ files of the project, relative to its root, each ended by a NUL.
 sources() {
     local folder folders=()
-    for folder in include platform src assetlib cli tests benchmarks examples tools; do
+    for folder in include platform src assetlib batch cli tests benchmarks examples tools; do
         [[ -d $root/$folder ]] && folders+=("$folder")
     done
     (cd "$root" && find "${folders[@]}" -type f \( -name '*.h' -o -name '*.cpp' \) -print0 | sort -z)

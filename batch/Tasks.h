@@ -1,15 +1,14 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
-#include "CommandLine.h"
-#include "Output.h"
-#include "Source.h"
+#include "batch/Output.h"
+#include "batch/Settings.h"
+#include "batch/Source.h"
 
-namespace vyr::cli
+namespace vyr::batch
 {
 
 /// A material or overlay, borrowed from the source.
@@ -24,7 +23,7 @@ struct Task
     /// Why it cannot be converted, known before anything is; empty when it may be tried.
     std::string refusal;
     /// What loading its files found.
-    std::vector<Warning> warnings;
+    std::vector<Remark> warnings;
 };
 
 /// The file that it comes from, and how messages call it.
@@ -32,16 +31,19 @@ const std::string& fileOf(const Item& item);
 std::string subjectOf(const Item& item);
 
 /// All overlays, in input order, with their names.
-std::vector<Task> makeTasks(const OverlayCommand& command, const Source& source);
+std::vector<Task> overlayTasks(const Source& source);
 
-/// The materials that the command selects, in input order, with their names.
-/// @return nothing when a selected material does not exist; standard error then names it.
-std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const Source& source);
+/// The materials in input order, with their names.
+/// @param assets identifiers of the only ones; empty: all.
+/// @throws UnknownMaterial naming all that do not exist, a line each.
+std::vector<Task> materialTasks(const Source& source,
+                                const MaterialTranslation::ConverterOptions& options,
+                                const std::vector<std::string>& assets = {});
 
 /// What can be told about the files to be written before anything is: no input is written over, be it
 /// a library or an image of anything in it, converted or not, the report has a folder to go to, and it is not one of the documents.
-/// @return false when something is wrong; standard error then says what.
-bool filesAreApart(const DocumentsCommand& command, const std::vector<Task>& tasks,
-                   const Source& source);
+/// @throws Refusal when something is wrong.
+void checkFilesAreApart(const Settings& settings, const std::vector<Task>& tasks,
+                        const Source& source);
 
-} // namespace vyr::cli
+} // namespace vyr::batch

@@ -2,29 +2,31 @@
 
 #include <atomic>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <type_traits>
 #include <utility>
 
-#include "Console.h"
 #include "base/SideBySide.h"
 
-namespace vyr::cli
+namespace vyr::batch
 {
 
 /// Does steps 0 to `count` - 1 on several threads and delivers their outcomes in the order of the steps, one
 /// at a time, as soon as all earlier ones are there.
 ///
-/// When a stop is requested no further step is begun; those in hand are finished and delivered.
+/// When a stop is asked for no further step is begun; those in hand are finished and delivered.
 template <class Work, class Deliver> class OrderedRun
 {
   public:
     /// @param work makes the outcome: `work(worker, step)`, on the thread of that worker, which does one
     ///             step after the other.
     /// @param deliver takes it over: `deliver(step, outcome)`.
-    OrderedRun(std::size_t count, const Work& work, const Deliver& deliver)
-        : _count(count), _work(work), _deliver(deliver)
+    /// @param stop tells whether to stop; called on any of the threads.
+    OrderedRun(std::size_t count, const Work& work, const Deliver& deliver,
+               std::function<bool()> stop)
+        : _count(count), _work(work), _deliver(deliver), _stop(std::move(stop))
     {
     }
 
@@ -45,7 +47,7 @@ template <class Work, class Deliver> class OrderedRun
     {
         try
         {
-            while (!_failed && !stopRequested())
+            while (!_failed && !_stop())
             {
                 const std::size_t step = _next++;
                 if (step >= _count)
@@ -81,6 +83,7 @@ template <class Work, class Deliver> class OrderedRun
     const std::size_t _count;
     const Work& _work;
     const Deliver& _deliver;
+    const std::function<bool()> _stop;
     std::atomic<std::size_t> _next{0};
     std::atomic<bool> _failed{false};
 
@@ -90,4 +93,4 @@ template <class Work, class Deliver> class OrderedRun
     std::size_t _delivered = 0;
 };
 
-} // namespace vyr::cli
+} // namespace vyr::batch

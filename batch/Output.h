@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,11 +10,11 @@
 #include <MaterialTranslation/Validation.h>
 
 /// @file
-/// What comes of the commands: files in a folder, and messages.
-namespace vyr::cli
+/// What comes of a conversion: files in a folder, and messages.
+namespace vyr::batch
 {
 
-/// The folder that a command writes into.
+/// The folder that documents are written into.
 struct OutputFolder
 {
     /// As the user wrote it, for messages and results.
@@ -27,11 +26,8 @@ struct OutputFolder
 };
 
 /// Makes the folder, with its parents, when it is missing.
-/// @return nothing when that cannot be done; standard error then says why.
-std::optional<OutputFolder> makeOutputFolder(const std::string& path);
-
-/// Whether the text names an ordinary file; standard error says why not.
-bool isInputFile(const std::string& file);
+/// @throws Refusal when that cannot be done.
+OutputFolder makeOutputFolder(const std::string& path);
 
 /// The file with the folder that it is in resolved, so that two spellings of one place compare
 /// equal; the file itself need not exist, and a symbolic link stays one.
@@ -44,8 +40,8 @@ void makeImagePathsRelative(const MaterialX::DocumentPtr& document, const Output
 /// The file name of a document.
 std::filesystem::path documentFile(const std::string& name);
 
-/// Something that was lost or changed on the way.
-struct Warning
+/// Something that was lost or changed on the way, or that failed it.
+struct Remark
 {
     /// Stable name of what it is about, such as "texture-file-missing".
     std::string code;
@@ -62,9 +58,11 @@ struct Outcome
     std::string message;
     /// The document that was written; empty when none was.
     std::string document;
-    /// The image files that the document names, as it names them, each once. Only for a report.
+    /// The image files that the document names, as it names them, each once, if they are to be listed.
     std::vector<std::string> textures;
-    std::vector<Warning> warnings;
+    std::vector<Remark> warnings;
+    /// What of the message comes with a code.
+    std::vector<Remark> errors;
 };
 
 /// Adds the diagnostics of this thread's last conversion to an outcome: warnings to its warnings,
@@ -87,4 +85,4 @@ std::string withPath(const MaterialTranslation::ValidationMessage& message);
 std::string messageLines(const std::string& file, const std::string& subject,
                          const Outcome& outcome);
 
-} // namespace vyr::cli
+} // namespace vyr::batch

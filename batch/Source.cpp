@@ -1,4 +1,4 @@
-#include "Source.h"
+#include "batch/Source.h"
 
 #include <memory>
 #include <utility>
@@ -9,9 +9,9 @@
 #include <kelvor/platform/assets/IUriValue.h>
 #include <kelvor/platform/assets/PropertyType.h>
 
-#include "Console.h"
+#include "batch/Refusal.h"
 
-namespace vyr::cli
+namespace vyr::batch
 {
 namespace
 {
@@ -126,15 +126,12 @@ void addPath(std::vector<std::string>& paths,
 
 } // namespace
 
-std::optional<Source> loadFiles(const std::vector<std::string>& files,
-                                const assetlib::LoadOptions& options)
+Source loadFiles(const std::vector<std::string>& files, const assetlib::LoadOptions& options)
 {
     assetlib::LoadResult result = assetlib::load(files, options);
-    for (const assetlib::LoadError& error : result.errors)
-        complain(error.format());
     if (!result.library)
-        return std::nullopt;
-    return Source{std::move(*result.library), std::move(result.warnings)};
+        throw LoadRefusal(std::move(result.errors));
+    return {std::move(*result.library), std::move(result.warnings), files};
 }
 
 std::string subjectOf(const assetlib::Material& material)
@@ -179,4 +176,4 @@ std::vector<std::string> imagesOf(const IAssetInstance& asset)
     return images;
 }
 
-} // namespace vyr::cli
+} // namespace vyr::batch

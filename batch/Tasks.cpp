@@ -1,7 +1,8 @@
-#include "Tasks.h"
+#include "batch/Tasks.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 #include <unordered_map>
 #include <unordered_set>
@@ -10,11 +11,11 @@
 #include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/MaterialXConverter.h>
 
-#include "Console.h"
 #include "base/Paths.h"
 #include "base/Text.h"
+#include "batch/Refusal.h"
 
-namespace vyr::cli
+namespace vyr::batch
 {
 namespace
 {
@@ -24,17 +25,14 @@ using kelvor::platform::assets::IAssetInstance;
 using MaterialTranslation::ConverterOptions;
 using MaterialTranslation::MaterialXConverter;
 
-bool allExist(const std::vector<std::string>& ids, const assetlib::Library& library)
+void requireAll(const std::vector<std::string>& ids, const assetlib::Library& library)
 {
-    bool exist = true;
+    std::vector<std::string> missing;
     for (const std::string& id : ids)
-    {
-        if (library.findMaterial(id))
-            continue;
-        complain("vyr-mtlx: --asset: no material has the identifier \"" + id + "\"");
-        exist = false;
-    }
-    return exist;
+        if (!library.findMaterial(id))
+            missing.push_back("no material has the identifier \"" + id + '"');
+    if (!missing.empty())
+        throw UnknownMaterial(std::move(missing));
 }
 
 /// Keeps apart the documents that are written into one folder.
@@ -141,12 +139,12 @@ Places placesOf(const std::string& file)
 class Preflight
 {
   public:
-    /// Both are borrowed.
-    Preflight(const DocumentsCommand& command, const std::vector<Task>& tasks)
-        : _tasks(tasks), _folder(placeOf(base::pathFromUtf8(command.output) / "*").parent_path()),
-          _copies(command.options.copyTextures)
+    /// The tasks are borrowed.
+    Preflight(const Settings& settings, const std::vector<Task>& tasks, const Source& source)
+        : _tasks(tasks), _folder(placeOf(base::pathFromUtf8(settings.output) / "*").parent_path()),
+          _copies(settings.options.copyTextures)
     {
-        for (const std::string& file : command.files)
+        for (const std::string& file : source.files)
         {
             const auto [place, target] = placesOf(file);
             for (const fs::path& input : {place, target})
@@ -155,9 +153,9 @@ class Preflight
                 keep(input, "an input file");
             }
         }
-        if (command.report.empty())
+        if (settings.report.empty())
             return;
-        _report = placeOf(base::pathFromUtf8(command.report));
+        _report = placeOf(base::pathFromUtf8(settings.report));
         keep(*_report, "the report");
     }
 
@@ -270,7 +268,7 @@ std::string subjectOf(const Item& item)
     return std::visit([](const auto* i) { return subjectOf(*i); }, item);
 }
 
-std::vector<Task> makeTasks(const OverlayCommand& /*command*/, const Source& source)
+std::vector<Task> overlayTasks(const Source& source)
 {
     std::vector<Task> tasks;
     DocumentNames names(source.library.overlays().size());
@@ -288,43 +286,40 @@ std::vector<Task> makeTasks(const OverlayCommand& /*command*/, const Source& sou
     return tasks;
 }
 
-std::optional<std::vector<Task>> makeTasks(const ConvertCommand& command, const Source& source)
+std::vector<Task> materialTasks(const Source& source, const ConverterOptions& options,
+                                const std::vector<std::string>& assets)
 {
-    if (!allExist(command.assets, source.library))
-        return std::nullopt;
-    const std::unordered_set<std::string> selected(command.assets.begin(), command.assets.end());
+    requireAll(assets, source.library);
+    const std::unordered_set<std::string> selected(assets.begin(), assets.end());
     std::vector<Task> tasks;
     tasks.reserve(selected.empty() ? source.library.materials().size() : selected.size());
     for (const assetlib::Material& material : source.library.materials())
         if (selected.empty() || selected.contains(material.id))
             tasks.emplace_back().item = &material;
-    nameTasks(tasks, command.options);
+    nameTasks(tasks, options);
     attachWarnings(tasks, source.warnings);
     return tasks;
 }
 
-bool filesAreApart(const DocumentsCommand& command, const std::vector<Task>& tasks,
-                   const Source& source)
+void checkFilesAreApart(const Settings& settings, const std::vector<Task>& tasks,
+                        const Source& source)
 {
-    const auto isFine = [](const auto& subject, const std::string& problem)
+    const auto require = [](const auto& subject, const std::string& problem)
     {
         if (!problem.empty())
-            complain("vyr-mtlx: " + subject() + ": " + problem);
-        return problem.empty();
+            throw Refusal(subject() + ": " + problem);
     };
-    Preflight preflight(command, tasks);
-    if (!isFine([&] { return "--report " + command.report; }, preflight.reportProblem()))
-        return false;
+    Preflight preflight(settings, tasks, source);
+    require([&] { return "--report " + settings.report; }, preflight.reportProblem());
     for (const Task& task : tasks)
-        if (!isFine([&] { return subjectOf(task.item); }, preflight.problemOf(task)))
-            return false;
-    const auto areFine = [&](const auto& items)
+        require([&] { return subjectOf(task.item); }, preflight.problemOf(task));
+    const auto requireAll = [&](const auto& items)
     {
-        return std::ranges::all_of(
-            items, [&](const auto& item)
-            { return isFine([&] { return subjectOf(item); }, preflight.imageProblem(&item)); });
+        for (const auto& item : items)
+            require([&] { return subjectOf(item); }, preflight.imageProblem(&item));
     };
-    return areFine(source.library.materials()) && areFine(source.library.overlays());
+    requireAll(source.library.materials());
+    requireAll(source.library.overlays());
 }
 
-} // namespace vyr::cli
+} // namespace vyr::batch

@@ -1,18 +1,19 @@
-#include "Output.h"
+#include "batch/Output.h"
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <system_error>
 
 #include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/DocumentIO.h>
 
-#include "Console.h"
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "base/WriteFile.h"
+#include "batch/Refusal.h"
 
-namespace vyr::cli
+namespace vyr::batch
 {
 namespace
 {
@@ -48,7 +49,7 @@ std::string withProperty(const std::string& text, const std::string& property)
 
 } // namespace
 
-std::optional<OutputFolder> makeOutputFolder(const std::string& path)
+OutputFolder makeOutputFolder(const std::string& path)
 {
     OutputFolder folder;
     folder.shown = base::pathFromUtf8(path);
@@ -62,19 +63,9 @@ std::optional<OutputFolder> makeOutputFolder(const std::string& path)
         folder.absolute = fs::absolute(folder.shown, error).lexically_normal();
     if (!error)
         folder.canonical = fs::canonical(folder.shown, error);
-    if (!error)
-        return folder;
-    complain("vyr-mtlx: " + path + ": " + error.message());
-    return std::nullopt;
-}
-
-bool isInputFile(const std::string& file)
-{
-    std::error_code error;
-    if (fs::is_regular_file(base::pathFromUtf8(file), error))
-        return true;
-    complain("vyr-mtlx: " + file + ": " + (error ? error.message() : "not a file"));
-    return false;
+    if (error)
+        throw Refusal(path + ": " + error.message());
+    return folder;
 }
 
 fs::path placeOf(const fs::path& file)
@@ -101,12 +92,15 @@ void addDiagnostics(Outcome& outcome, const std::string& reason)
 {
     namespace mt = MaterialTranslation;
     for (const mt::Diagnostic& diagnostic : mt::lastDiagnostics())
-        if (diagnostic.severity == mt::Severity::Error)
+    {
+        const bool isError = diagnostic.severity == mt::Severity::Error;
+        if (isError)
             outcome.message += (outcome.message.empty() ? "" : "; ") +
                                withProperty(diagnostic.text, diagnostic.property);
-        else
-            outcome.warnings.push_back(
+        (isError ? outcome.errors : outcome.warnings)
+            .push_back(
                 {mt::diagnosticCodeName(diagnostic.code), diagnostic.property, diagnostic.text});
+    }
     if (outcome.message.empty())
         outcome.message = reason;
 }
@@ -136,11 +130,11 @@ std::string messageLines(const std::string& file, const std::string& subject,
     std::string lines;
     const auto addLine = [&](const std::string& kind, const std::string& text)
     { lines += base::printable(file + ": " + kind + subject + ": " + text) + '\n'; };
-    for (const Warning& warning : outcome.warnings)
+    for (const Remark& warning : outcome.warnings)
         addLine("warning: ", withProperty(warning.text, warning.property));
     if (!outcome.converted)
         addLine("", outcome.message);
     return lines;
 }
 
-} // namespace vyr::cli
+} // namespace vyr::batch

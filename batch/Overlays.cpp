@@ -10,11 +10,10 @@
 #include <MaterialTranslation/Overlays.h>
 #include <MaterialTranslation/ThreadInfo.h>
 
-#include "Console.h"
-#include "Documents.h"
 #include "base/Paths.h"
+#include "batch/Documents.h"
 
-namespace vyr::cli
+namespace vyr::batch
 {
 namespace
 {
@@ -109,24 +108,12 @@ MaterialX::DocumentPtr translate(const Task& task, const mt::ConverterOptions& o
 
 } // namespace
 
-ExitStatus run(const OverlayCommand& command)
+Translate overlayTranslation(const Settings& settings, const OutputFolder& folder)
 {
-    const std::optional<Source> source = loadFiles(command);
-    if (!source)
-        return ExitStatus::WrongUse;
-    const std::vector<Task> tasks = makeTasks(command, *source);
-    if (!canConvert(command, tasks, *source))
-        return ExitStatus::WrongUse;
-
-    finishBeforeStopping();
-    const std::optional<OutputFolder> folder = makeOutputFolder(command.output);
-    if (!folder)
-        return ExitStatus::WrongUse;
-    mt::ConverterOptions options = command.options;
-    options.outputDirectory = base::utf8FromPath(folder->absolute);
-    const auto work = [&](std::size_t /*worker*/, const Task& task, Outcome& outcome)
+    mt::ConverterOptions options = settings.options;
+    options.outputDirectory = base::utf8FromPath(folder.absolute);
+    return [options](std::size_t /*worker*/, const Task& task, Outcome& outcome)
     { return translate(task, options, outcome); };
-    return convertAll(command, tasks, "overlays", *folder, workersFor(command, tasks.size()), work);
 }
 
-} // namespace vyr::cli
+} // namespace vyr::batch

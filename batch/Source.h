@@ -1,13 +1,12 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
 #include <vyr/assetlib/Library.h>
 
-namespace vyr::cli
+namespace vyr::batch
 {
 
 /// The loaded files.
@@ -15,12 +14,12 @@ struct Source
 {
     assetlib::Library library;
     std::vector<assetlib::LoadWarning> warnings;
+    std::vector<std::string> files;
 };
 
 /// Loads asset library files together.
-/// @return nothing when there is an error; all of them are then on standard error.
-std::optional<Source> loadFiles(const std::vector<std::string>& files,
-                                const assetlib::LoadOptions& options = {});
+/// @throws LoadRefusal with all errors.
+Source loadFiles(const std::vector<std::string>& files, const assetlib::LoadOptions& options = {});
 
 /// How messages call a material or overlay: `material "mat-3" (GenericSchema)`.
 std::string subjectOf(const assetlib::Material& material);
@@ -38,4 +37,4 @@ std::unordered_set<std::string> idsOf(const kelvor::platform::assets::IAssetInst
 /// Their image references, in the order of their properties, each once.
 std::vector<std::string> imagesOf(const kelvor::platform::assets::IAssetInstance& asset);
 
-} // namespace vyr::cli
+} // namespace vyr::batch
