@@ -7,11 +7,11 @@
 
 #include "CommandLine.h"
 #include "Console.h"
-#include "Output.h"
 #include "StarterLibrary.h"
 #include "TextureSets.h"
 #include "base/Paths.h"
 #include "base/WriteFile.h"
+#include "batch/Output.h"
 
 // A library file of the textures that lie in a folder, for its user to go on with.
 namespace vyr::cli
@@ -87,7 +87,7 @@ ExitStatus run(const InitCommand& command)
     finishBeforeStopping();
     if (const std::error_code error = base::writeFile(file, starter.text()))
     {
-        complain("vyr-mtlx: " + writeFailure(shown, error.message()));
+        complain("vyr-mtlx: " + batch::writeFailure(shown, error.message()));
         return ExitStatus::SomeFailed;
     }
     complain("vyr-mtlx: " + std::to_string(starter.count()) + " materials, " +
