@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <span>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -21,19 +22,8 @@ namespace
 
 using MaterialTranslation::PropertyKind;
 using MaterialTranslation::PropertyRow;
+using MaterialTranslation::SchemaGroup;
 using MaterialTranslation::SchemaRow;
-
-/// Schemas of one sort. Names are those of headings.
-struct Group
-{
-    const char* name;
-    const std::vector<SchemaRow>& (*schemas)();
-};
-
-constexpr Group groups[] = {
-    {"Legacy materials", MaterialTranslation::legacyMaterials},
-    {"Procedural textures", MaterialTranslation::proceduralTextures},
-};
 
 /// As asset files name them.
 const char* typeName(PropertyKind kind)
@@ -45,13 +35,18 @@ const char* typeName(PropertyKind kind)
     case PropertyKind::Integer:
         return "integer";
     case PropertyKind::Scalar:
+    case PropertyKind::Vector:
         return "scalar";
     case PropertyKind::Color:
         return "color";
     case PropertyKind::Choice:
+        return "choice";
+    case PropertyKind::Uri:
+        return "uri";
+    case PropertyKind::Reference:
         break;
     }
-    return "choice";
+    return "reference";
 }
 
 std::vector<std::string> choicesOf(const PropertyRow& row)
@@ -70,10 +65,15 @@ std::string textOf(float number)
     return {digits, std::to_chars(std::begin(digits), std::end(digits), number).ptr};
 }
 
-/// Empty where each number of a numbered property may be missing.
+bool hasDefault(const PropertyRow& row)
+{
+    return row.hasFallback && !isNumbered(row) && row.kind != PropertyKind::Reference;
+}
+
+/// Empty for none; each number of a numbered property may be missing.
 std::string defaultOf(const PropertyRow& row)
 {
-    if (isNumbered(row))
+    if (!hasDefault(row))
         return {};
     const auto& [first, second, third] = row.fallback;
     switch (row.kind)
@@ -86,50 +86,74 @@ std::string defaultOf(const PropertyRow& row)
         return choicesOf(row).at(static_cast<std::size_t>(first));
     case PropertyKind::Integer:
     case PropertyKind::Scalar:
+    case PropertyKind::Vector:
+    case PropertyKind::Uri:
+    case PropertyKind::Reference:
         break;
     }
     return textOf(first);
 }
 
-std::string rangeOf(const PropertyRow& row)
+std::string spanOf(const PropertyRow& row)
 {
-    if (std::isinf(row.least) && std::isinf(row.most))
+    const auto [least, most] = rangeOf(row);
+    if (std::isinf(least) && std::isinf(most))
         return {};
-    if (std::isinf(row.most))
-        return textOf(row.least) + " and up";
-    return (std::isinf(row.least) ? "up" : textOf(row.least)) + " to " + textOf(row.most);
+    if (std::isinf(most))
+        return textOf(least) + " and up";
+    return (std::isinf(least) ? "up" : textOf(least)) + " to " + textOf(most);
 }
 
-std::string asText(const SchemaRow& schema)
+/// "scalar (meter)", "3 scalars".
+std::string kindOf(const PropertyRow& row)
 {
-    std::string text = std::string(schema.name) + ": " + schema.meaning + '\n';
-    for (std::size_t i = 0; i < schema.propertyCount; ++i)
-    {
-        const PropertyRow& row = schema.properties[i];
-        text += std::string("  ") + row.name + "  " + typeName(row.kind);
-        if (*row.unit)
-            text += std::string(" in ") + row.unit + 's';
-        if (const std::string range = rangeOf(row); !range.empty())
-            text += ", " + range;
-        if (const std::string fallback = defaultOf(row); !fallback.empty())
-            text += ", default " + fallback;
-        if (row.takesTexture)
-            text += ", takes a texture";
-        text += std::string("\n      ") + row.meaning + '\n';
-        for (const char* more : {row.effect, row.source})
-            if (*more)
-                text += std::string("      ") + more + '\n';
-        for (const std::string& choice : choicesOf(row))
-            text += "      - " + choice + '\n';
-    }
+    if (row.kind == PropertyKind::Vector)
+        return "3 scalars";
+    const std::string unit = *row.unit ? std::string(" (") + row.unit + ')' : "";
+    return typeName(row.kind) + unit;
+}
+
+std::string asText(const PropertyRow& row)
+{
+    std::string text = std::string("  ") + row.name + "  " + kindOf(row);
+    if (const std::string span = spanOf(row); !span.empty())
+        text += ", " + span;
+    if (const std::string fallback = defaultOf(row); !fallback.empty())
+        text += ", default " + fallback;
+    if (row.takesTexture)
+        text += ", takes a texture";
+    if (*row.needs)
+        text += std::string(", which shows with ") + row.needs;
+    text += std::string("\n      ") + row.meaning + '\n';
+    for (const char* more : {row.effect, row.source})
+        if (*more)
+            text += std::string("      ") + more + '\n';
+    for (const std::string& choice : choicesOf(row))
+        text += "      - " + choice + '\n';
     return text;
 }
 
-/// Null where each number of a numbered property may be missing.
+std::span<const PropertyRow> rowsOf(const SchemaRow& schema)
+{
+    return {schema.properties, schema.propertyCount};
+}
+
+std::string asText(const SchemaRow& schema, bool isTexture)
+{
+    std::string text = std::string(schema.name) + ": " + schema.meaning + '\n';
+    for (const PropertyRow& row : rowsOf(schema))
+        text += asText(row);
+    if (isTexture)
+        for (const PropertyRow& row : rowsOf(MaterialTranslation::texturePlacement()))
+            text += asText(row);
+    return text;
+}
+
+/// Null for none.
 void addDefault(const JsonNode& property, const PropertyRow& row)
 {
     constexpr const char* key = "default";
-    if (isNumbered(row))
+    if (!hasDefault(row))
         property.addOrNull(key, {});
     else if (row.kind == PropertyKind::Boolean)
         property.addFlag(key, row.fallback[0] != 0.0f);
@@ -142,23 +166,22 @@ void addDefault(const JsonNode& property, const PropertyRow& row)
 }
 
 /// Every property has all keys, so that readers need no rules of what is left out.
-void addSchema(const JsonNode& object, const SchemaRow& schema)
+void addProperties(const JsonNode& object, const SchemaRow& schema)
 {
-    object.add("name", schema.name);
-    object.add("meaning", schema.meaning);
     const JsonNode properties = object.addList("properties");
-    for (std::size_t i = 0; i < schema.propertyCount; ++i)
+    for (const PropertyRow& row : rowsOf(schema))
     {
-        const PropertyRow& row = schema.properties[i];
         const JsonNode property = properties.addObject();
         property.add("name", row.name);
         property.add("type", typeName(row.kind));
+        property.addNumber("count", row.kind == PropertyKind::Vector ? 3.0f : 1.0f);
         property.addOrNull("unit", row.unit);
-        property.addNumber("least", row.least);
-        property.addNumber("most", row.most);
+        property.addNumber("least", rangeOf(row).least);
+        property.addNumber("most", rangeOf(row).most);
         addDefault(property, row);
         property.add("choices", choicesOf(row));
         property.addFlag("texture", row.takesTexture);
+        property.addOrNull("needs", row.needs);
         property.add("meaning", row.meaning);
         property.add("effect", row.effect);
         property.add("source", row.source);
@@ -173,10 +196,11 @@ ExitStatus run(const SchemaCommand& command)
     const JsonDocument document;
     const JsonNode list = document.root().addList("groups");
     std::vector<std::string_view> names;
-    for (const Group& group : groups)
+    bool hasTextures = false;
+    for (const SchemaGroup& group : MaterialTranslation::schemaGroups())
     {
         std::vector<SchemaRow> wanted;
-        for (const SchemaRow& schema : group.schemas())
+        for (const SchemaRow& schema : *group.schemas)
         {
             names.emplace_back(schema.name);
             if (command.name.empty() || command.name == schema.name)
@@ -184,15 +208,22 @@ ExitStatus run(const SchemaCommand& command)
         }
         if (wanted.empty())
             continue;
+        hasTextures = hasTextures || group.areTextures;
         const JsonNode object = list.addObject();
         object.add("name", group.name);
+        object.addFlag("placed", group.areTextures);
         const JsonNode schemas = object.addList("schemas");
         for (const SchemaRow& schema : wanted)
         {
-            addSchema(schemas.addObject(), schema);
-            text += (text.empty() ? "" : "\n") + asText(schema);
+            const JsonNode entry = schemas.addObject();
+            entry.add("name", schema.name);
+            entry.add("meaning", schema.meaning);
+            addProperties(entry, schema);
+            text += (text.empty() ? "" : "\n") + asText(schema, group.areTextures);
         }
     }
+    if (hasTextures)
+        addProperties(document.root().addObject("placement"), MaterialTranslation::texturePlacement());
     if (text.empty())
     {
         complain("vyr-mtlx: there is no schema " + base::inQuotes(command.name) +

@@ -6,6 +6,7 @@
 
 #include <kelvor/platform/assets/UnitCode.h>
 
+#include "assets/LyrexRows.h"
 #include "base/Text.h"
 #include "base/Units.h"
 
@@ -113,11 +114,11 @@ constexpr const LyrexProperty* glazing[] = {
 };
 
 constexpr LyrexFamily families[] = {
-    {"LyrexMetalSchema", "kvor:metal", metal},
-    {"LyrexOpaqueSchema", "kvor:opaque", opaque},
-    {"LyrexTransparentSchema", "kvor:transparent", transparent},
-    {"LyrexLayeredSchema", "kvor:layered", layered},
-    {"LyrexGlazingSchema", "kvor:glazing", glazing},
+    {"LyrexMetalSchema", "kvor:metal", metal, lyrex::metalRows, lyrex::metalMeaning},
+    {"LyrexOpaqueSchema", "kvor:opaque", opaque, lyrex::opaqueRows, lyrex::opaqueMeaning},
+    {"LyrexTransparentSchema", "kvor:transparent", transparent, lyrex::transparentRows, lyrex::transparentMeaning},
+    {"LyrexLayeredSchema", "kvor:layered", layered, lyrex::layeredRows, lyrex::layeredMeaning},
+    {"LyrexGlazingSchema", "kvor:glazing", glazing, lyrex::glazingRows, lyrex::glazingMeaning},
 };
 
 constexpr bool isInAFamily(const LyrexProperty& property)
@@ -128,6 +129,15 @@ constexpr bool isInAFamily(const LyrexProperty& property)
 }
 
 static_assert(std::ranges::all_of(properties, isInAFamily), "a property that no family has");
+
+constexpr bool isDefined(const LyrexFamily& family)
+{
+    const auto areSame = [](const LyrexProperty* property, const PropertyRow& row)
+    { return property->name == std::string_view(row.name); };
+    return std::ranges::equal(family.properties, family.rows, areSame);
+}
+
+static_assert(std::ranges::all_of(families, isDefined), "not the inputs of the node's definition");
 
 constexpr std::string_view namePrefix = "Lyrex-";
 
@@ -216,3 +226,20 @@ ColorMeaning presetMeaning(int number)
 }
 
 } // namespace vyr::MaterialTranslation::assets
+
+namespace vyr::MaterialTranslation
+{
+
+const std::vector<SchemaRow>& lyrexMaterials()
+{
+    static const std::vector<SchemaRow> schemas = []
+    {
+        std::vector<SchemaRow> all;
+        for (const assets::LyrexFamily& family : assets::lyrexFamilies())
+            all.push_back({family.schema, family.meaning, family.rows.data(), family.rows.size()});
+        return all;
+    }();
+    return schemas;
+}
+
+} // namespace vyr::MaterialTranslation

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include <MaterialTranslation/Schemas.h>
+
 /// @file
 /// The "Lyrex" schemas: their properties and shading nodes, and the names of their presets.
 namespace vyr::MaterialTranslation::assets
@@ -53,6 +55,9 @@ struct LyrexFamily
     const char* category;
     /// In the order in which documents have them.
     std::span<const LyrexProperty* const> properties;
+    /// What the node's definition says of them, in the same order.
+    std::span<const PropertyRow> rows;
+    const char* meaning;
 };
 
 std::span<const LyrexFamily> lyrexFamilies();

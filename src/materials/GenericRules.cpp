@@ -5,6 +5,7 @@
 
 #include <kelvor/platform/assets/UnitCode.h>
 
+#include "materials/GenericRows.h"
 #include "materials/Translators.h"
 #include "textures/Translation.h"
 
@@ -16,61 +17,11 @@ namespace
 
 using Color = StandardSurfaceParams::Color;
 using textures::Texture;
-using textures::TextureRole;
-
-/// A property of the generic table. Where a texture may drive it, the row says which shader input, and
-/// under which conditions the rules ask for the texture at all.
-struct GenericProperty
-{
-    const char* name;
-    const char* input = nullptr;
-    TextureRole role = TextureRole::Value;
-    /// The property that fades the texture: at 0 and below it does not show.
-    const char* fade = nullptr;
-    /// The property without whose value the texture has no effect.
-    const char* needs = nullptr;
-    bool (*mayShow)(const assets::Asset& asset) = nullptr;
-};
-
-/// Translucency counts for what light passes through: not with a plain transparency of 0.
-bool mayBeTransparent(const assets::Asset& asset)
-{
-    const assets::Property transparency = asset["generic_transparency"];
-    return transparency.isConnected() || transparency.numberIfAny().value_or(0.0f) > 0.0f;
-}
-
-using enum TextureRole;
-
-/// All of them. The rules name no other: `row` would not compile.
-constexpr GenericProperty properties[] = {
-    {"color_by_object"},
-    {"generic_diffuse", shaderInput("base_color"), Value, "generic_diffuse_image_fade"},
-    {"generic_diffuse_image_fade"},
-    {"generic_reflectivity_at_0deg", shaderInput("specular")},
-    {"generic_is_metal"},
-    {"generic_glossiness", shaderInput("specular_roughness")},
-    {"generic_transparency", shaderInput("transmission"), Value, "generic_transparency_image_fade"},
-    {"generic_transparency_image_fade"},
-    {"generic_refraction_translucency_weight", shaderInput("transmission_color"), Value, nullptr,
-     nullptr, mayBeTransparent},
-    {"generic_refraction_index"},
-    {"generic_cutout_opacity", shaderInput("opacity")},
-    {"generic_self_illum_luminance"},
-    {"generic_self_illum_filter_map", shaderInput("emission_color"), Value, nullptr,
-     "generic_self_illum_luminance"},
-    {"generic_bump_amount"},
-    {"generic_bump_map", shaderInput("normal"), Relief, nullptr, "generic_bump_amount"},
-};
-
-consteval const GenericProperty& row(std::string_view name)
-{
-    const auto* found = std::ranges::find(properties, name, &GenericProperty::name);
-    return found != std::end(properties) ? *found : throw "a property without a row";
-}
 
 bool isGenericProperty(const std::string& name)
 {
-    return std::ranges::find(properties, name, &GenericProperty::name) != std::end(properties);
+    return std::ranges::find(genericProperties, name, &GenericProperty::name) !=
+           std::end(genericProperties);
 }
 
 /// Candela per square metre that count as an emission of 1.
@@ -131,7 +82,7 @@ class GenericRules
     }
 
   private:
-    assets::Property at(const GenericProperty& property) const { return _asset[property.name]; }
+    assets::Property at(const GenericProperty& property) const { return _asset[property.row.name]; }
 
     /// The plain number of a property; nothing when it has none.
     std::optional<float> number(const GenericProperty& property, std::uint32_t unit = 0) const
@@ -146,11 +97,11 @@ class GenericRules
         {
             return p.input && at(p).isConnected() &&
                    (!p.fade || _asset[p.fade].numberIfAny().value_or(1.0f) > 0.0f) &&
-                   (!p.needs || _asset[p.needs].hasValue()) && (!p.mayShow || p.mayShow(_asset));
+                   (!*p.row.needs || _asset[p.row.needs].hasValue()) && (!p.mayShow || p.mayShow(_asset));
         };
-        for (const GenericProperty& property : properties)
+        for (const GenericProperty& property : genericProperties)
             if (shows(property))
-                _textures.read(property.name, property.role, shaderInputType(property.input),
+                _textures.read(property.row.name, property.role, shaderInputType(property.input),
                                at(row("generic_bump_amount")).numberIfAny().value_or(0.0f));
     }
 
@@ -171,7 +122,7 @@ class GenericRules
             return nullptr;
         return &_material.textures
                     .insert_or_assign(property.input,
-                                      DrivingTexture{property.name, std::move(*texture)})
+                                      DrivingTexture{property.row.name, std::move(*texture)})
                     .first->second.texture;
     }
 
@@ -183,7 +134,7 @@ class GenericRules
 
     void readDiffuse()
     {
-        const Color diffuse = _colors.read(row("generic_diffuse").name, Color(0.0f));
+        const Color diffuse = _colors.read(row("generic_diffuse").row.name, Color(0.0f));
         const bool byObject = at(row("color_by_object")).boolean(false);
         _params.base_color = byObject ? Color(0.5f) : diffuse;
         takeTexture(row("generic_diffuse"));
@@ -231,7 +182,7 @@ class GenericRules
     {
         tone->invert = !tone->invert;
         if (_options.roughnessMode != linearRoughness || tone->amount != 1.0f)
-            _log.warning(DiagnosticCode::ValueAdjusted, row("generic_glossiness").name,
+            _log.warning(DiagnosticCode::ValueAdjusted, row("generic_glossiness").row.name,
                          "the image is inverted; the roughness curve is not applied to it, and an "
                          "amount other than 1 scales the roughness");
     }
@@ -264,7 +215,7 @@ class GenericRules
     {
         const GenericProperty& cutout = row("generic_cutout_opacity");
         if (!takeTexture(cutout) && number(cutout).value_or(1.0f) != 1.0f)
-            _log.warning(DiagnosticCode::CutoutIgnored, cutout.name,
+            _log.warning(DiagnosticCode::CutoutIgnored, cutout.row.name,
                          "only an image cuts out; the plain value has no effect");
     }
 
@@ -279,7 +230,7 @@ class GenericRules
             _params.emission = *luminance / luminanceOfEmissionOne;
         if (!takeTexture(row("generic_self_illum_filter_map")))
             _params.emission_color =
-                _colors.read(row("generic_self_illum_filter_map").name, _params.emission_color);
+                _colors.read(row("generic_self_illum_filter_map").row.name, _params.emission_color);
     }
 
     void readBump()
@@ -298,13 +249,6 @@ class GenericRules
 };
 
 } // namespace
-
-std::vector<std::string> genericPropertyNames()
-{
-    std::vector<std::string> names;
-    std::ranges::transform(properties, std::back_inserter(names), &GenericProperty::name);
-    return names;
-}
 
 StandardSurface readGenericProperties(const assets::Asset& asset, const Translation& translation)
 {

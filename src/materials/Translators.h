@@ -29,9 +29,6 @@ bool translateLegacy(const Translation& translation);
 std::optional<assets::DeclaredColor> readTint(const std::string& schema,
                                               const assets::ColorReader& own);
 
-/// All properties that the rules of the generic table know.
-std::vector<std::string> genericPropertyNames();
-
 /// Reads the "generic_..." properties of a table into shader values and textures, and warns about
 /// what the table says that the document will not.
 /// @param asset with the table that holds the generic properties.

@@ -2,6 +2,7 @@
 #include "assets/ColorSpaces.h"
 #include "base/Paths.h"
 #include "base/Text.h"
+#include "textures/ImageRows.h"
 #include "textures/Kinds.h"
 
 namespace vyr::MaterialTranslation::textures
@@ -10,20 +11,23 @@ namespace vyr::MaterialTranslation::textures
 namespace
 {
 
-constexpr const char* bumpImageProperty = "bumpmap_Bitmap";
+constexpr const char* bumpImageProperty = imageRow("bumpmap_Bitmap").name;
+constexpr const PropertyRow& depthRow = imageRow("bumpmap_Depth");
+constexpr const PropertyRow& normalScaleRow = imageRow("bumpmap_NormalScale");
+static_assert(imageRow(assets::bitmapImageProperty).kind == PropertyKind::Uri);
 
 /// A pair of numbers in the unit of the first; a document states one unit for both.
-Measured<assets::Vector2> readPair(const TextureRequest& request, const char* nameOfX,
-                                   const char* nameOfY, float fallback)
+Measured<assets::Vector2> readPair(const TextureRequest& request, const PropertyRow& rowOfX,
+                                   const PropertyRow& rowOfY)
 {
-    const assets::Property x = request.texture[nameOfX];
-    const assets::Property y = request.texture[nameOfY];
+    const assets::Property x = request.texture[rowOfX.name];
+    const assets::Property y = request.texture[rowOfY.name];
     Measured<assets::Vector2> pair;
-    pair.value = {x.number(fallback), y.number(fallback)};
+    pair.value = {x.number(rowOfX.fallback[0]), y.number(rowOfY.fallback[0])};
     pair.unit = x.unit(base::distanceUnitType, request.textureLog);
     if (y.hasValue() && y.hasUnit() && base::unitForCode(y.unitCode()) != pair.unit)
-        request.textureLog.warning(DiagnosticCode::UnitIgnored, nameOfY,
-                                   std::string("its unit is not that of ") + nameOfX +
+        request.textureLog.warning(DiagnosticCode::UnitIgnored, rowOfY.name,
+                                   std::string("its unit is not that of ") + rowOfX.name +
                                        ", which holds for both");
     return pair;
 }
@@ -56,8 +60,8 @@ Reading readMap(const TextureRequest& request, const char* category, const char*
         return std::nullopt;
     texture->strength = readStrength(*texture);
     // Assets carry the strengths of both kinds; that of the other kind is switched off, not lost.
-    for (const char* strength : {"bumpmap_Depth", "bumpmap_NormalScale"})
-        request.texture[strength];
+    for (const PropertyRow* strength : {&depthRow, &normalScaleRow})
+        request.texture[strength->name];
     return TextureReading{std::move(*texture)};
 }
 
@@ -95,35 +99,47 @@ bool isImageFile(const std::string& image)
     return path.is_absolute() && base::isFile(path);
 }
 
-Measured<float> readMeasured(const TextureRequest& request, const char* property, float fallback,
+Measured<float> readMeasured(const TextureRequest& request, const PropertyRow& row,
                              const char* unitType)
 {
-    const assets::Property number = request.texture[property];
-    return {number.number(fallback), number.unit(unitType, request.textureLog)};
+    const assets::Property number = request.texture[row.name];
+    return {number.number(row.fallback[0]), number.unit(unitType, request.textureLog)};
 }
 
 Measured<assets::Vector2> readRealWorldScale(const TextureRequest& request)
 {
-    return readPair(request, "texture_RealWorldScaleX", "texture_RealWorldScaleY", 1.0f);
+    return readPair(request, imageRow("texture_RealWorldScaleX"),
+                    imageRow("texture_RealWorldScaleY"));
 }
 
 Placement readPlacement(const TextureRequest& request)
 {
-    const auto bare = [&](const char* name, float fallback)
+    const auto bare = [&](const PropertyRow& row)
     {
-        const assets::Property number = request.texture[name];
-        return number.hasValue() ? number.bareNumber(request.textureLog) : fallback;
+        const assets::Property number = request.texture[row.name];
+        return number.hasValue() ? number.bareNumber(request.textureLog) : row.fallback[0];
     };
+    const auto isSet = [&](const PropertyRow& row)
+    { return request.texture[row.name].boolean(row.fallback[0] != 0.0f); };
     Placement placement;
     placement.realWorldOffset =
-        readPair(request, "texture_RealWorldOffsetX", "texture_RealWorldOffsetY", 0.0f);
+        readPair(request, imageRow("texture_RealWorldOffsetX"),
+                                        imageRow("texture_RealWorldOffsetY"));
     placement.realWorldScale = readRealWorldScale(request);
-    placement.uvOffset = {bare("texture_UOffset", 0.0f), bare("texture_VOffset", 0.0f)};
-    placement.uvScale = {bare("texture_UScale", 1.0f), bare("texture_VScale", 1.0f)};
-    placement.repeatU = request.texture["texture_URepeat"].boolean(false);
-    placement.repeatV = request.texture["texture_VRepeat"].boolean(false);
-    placement.rotation = readMeasured(request, "texture_WAngle", 0.0f, base::angleUnitType);
+    placement.uvOffset = {bare(imageRow("texture_UOffset")), bare(imageRow("texture_VOffset"))};
+    placement.uvScale = {bare(imageRow("texture_UScale")), bare(imageRow("texture_VScale"))};
+    placement.repeatU = isSet(imageRow("texture_URepeat"));
+    placement.repeatV = isSet(imageRow("texture_VRepeat"));
+    placement.rotation = readMeasured(request, imageRow("texture_WAngle"), base::angleUnitType);
     return placement;
+}
+
+Tone readTone(const TextureRequest& request)
+{
+    constexpr const PropertyRow& amount = imageRow("unifiedbitmap_RGBAmount");
+    constexpr const PropertyRow& invert = imageRow("unifiedbitmap_Invert");
+    return {request.texture[amount.name].number(amount.fallback[0]),
+            request.texture[invert.name].boolean(invert.fallback[0] != 0.0f)};
 }
 
 Reading readBitmap(const TextureRequest& request)
@@ -132,8 +148,7 @@ Reading readBitmap(const TextureRequest& request)
         readPlacedImage(request, "kvor:bitmap", assets::bitmapImageProperty);
     if (!texture)
         return std::nullopt;
-    texture->tone = {request.texture["unifiedbitmap_RGBAmount"].number(1.0f),
-                     request.texture["unifiedbitmap_Invert"].boolean(false)};
+    texture->tone = readTone(request);
     return TextureReading{std::move(*texture)};
 }
 
@@ -154,7 +169,7 @@ Reading readHeightMap(const TextureRequest& request, const char* imageProperty,
         {
             if (givenDepth)
                 return {"depth", {*givenDepth, texture.placement->realWorldScale.unit}};
-            return {"depth", readMeasured(request, "bumpmap_Depth", 0.0f, base::distanceUnitType)};
+            return {"depth", readMeasured(request, depthRow, base::distanceUnitType)};
         });
 }
 
@@ -167,13 +182,13 @@ Reading readNormalMap(const TextureRequest& request, const char* imageProperty,
                        if (givenScale)
                            return {"normal_scale", {*givenScale, {}}};
                        return {"normal_scale",
-                               readMeasured(request, "bumpmap_NormalScale", 1.0f, "")};
+                               readMeasured(request, normalScaleRow, "")};
                    });
 }
 
 Reading readLyrexMap(const TextureRequest& request)
 {
-    constexpr const char* typeProperty = "bumpmap_Type";
+    constexpr const char* typeProperty = imageRow("bumpmap_Type").name;
     const std::string type = request.texture[typeProperty].choice("");
     Reading map;
     if (type == "bumpmap_normal_map")
@@ -195,3 +210,28 @@ Reading readLyrexMap(const TextureRequest& request)
 }
 
 } // namespace vyr::MaterialTranslation::textures
+
+namespace vyr::MaterialTranslation
+{
+
+const std::vector<SchemaRow>& imageTextures()
+{
+    using namespace textures;
+    static const std::vector<SchemaRow> schemas = {
+        {assets::bitmapSchema, "an image, for colours and numbers, or as heights", bitmapRows,
+         std::size(bitmapRows)},
+        {assets::bumpMapSchema, "a height or normal map, for the normals of Lyrex materials", bumpMapRows,
+         std::size(bumpMapRows)},
+    };
+    return schemas;
+}
+
+const SchemaRow& texturePlacement()
+{
+    using namespace textures;
+    static const SchemaRow rows = {"", "how a texture lies on a surface", placementRows,
+                                   std::size(placementRows)};
+    return rows;
+}
+
+} // namespace vyr::MaterialTranslation

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include <MaterialTranslation/Schemas.h>
+
 #include "textures/Texture.h"
 
 /// @file
@@ -61,7 +63,10 @@ Measured<assets::Vector2> readRealWorldScale(const TextureRequest& request);
 
 /// A number and its unit.
 /// @param unitType of the numbers that the input takes; empty where they have no unit.
-Measured<float> readMeasured(const TextureRequest& request, const char* property, float fallback,
+Measured<float> readMeasured(const TextureRequest& request, const PropertyRow& row,
                              const char* unitType);
+
+/// What a bitmap does with the values of its image.
+Tone readTone(const TextureRequest& request);
 
 } // namespace vyr::MaterialTranslation::textures

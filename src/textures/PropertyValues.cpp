@@ -87,6 +87,10 @@ std::optional<Value> readPropertyValue(const assets::Asset& asset, const Propert
     case PropertyKind::Choice:
         value[0] = readChoice(row, property, log);
         break;
+    case PropertyKind::Vector:
+    case PropertyKind::Uri:
+    case PropertyKind::Reference:
+        return std::nullopt; // no legacy material or pattern has such properties
     }
     if (const std::string done = takeInside(row, value); !done.empty())
         log.warning(DiagnosticCode::ValueAdjusted, name, done);

@@ -135,7 +135,10 @@ TEST(Registry, HasTheShadingNodesOfTheDefinitionsWithTheirInputs)
 TEST(Registry, HasEveryRowInCasesDocumentsAndSamples)
 {
     const std::string root = VYR_SOURCE_DIR "/";
-    const std::vector<std::string> generic = materials::genericPropertyNames();
+    std::vector<std::string> generic;
+    const SchemaRow& genericSchema = genericMaterials().front();
+    for (std::size_t i = 0; i < genericSchema.propertyCount; ++i)
+        generic.emplace_back(genericSchema.properties[i].name);
     const std::vector<std::string> textures = textures::textureSchemas();
     std::vector<std::string> schemas = textures, rows = generic;
     for (const auto& family : assets::lyrexFamilies())
