@@ -79,26 +79,52 @@ std::string materialJson(std::size_t i)
            part(67) + R"(, "generic_self_illum_filter_map": [1.0, 0.5, )" + part(61) + "]}}";
 }
 
-/// Materials of the legacy family by turns, without what has to be baked.
+/// Materials of all schemas of the legacy family by turns, without what has to be baked and with the same inputs.
 std::string legacyJson(std::size_t i)
 {
     const std::string number = std::to_string(i);
-    const std::string share = std::to_string(static_cast<double>(i % 97) / 97.0);
+    const std::string share = std::to_string(static_cast<double>(i % 89) / 97.0);
     const auto choice = [](const char* name, const char* value)
     { return std::string("\"") + name + R"(": {"type": "choice", "value": ")" + value + "\"}, "; };
-    const std::string properties[] = {
-        choice("metal_type", "metal_copper") + choice("metal_finish", "metal_brushed") +
-            "\"metal_patina\": " + share,
-        choice("glazing_tint", "glazing_bronze") +
-            R"("glazing_sheets": {"type": "integer", "value": 2}, "glazing_reflectance": )" + share,
-        choice("ceramic_type", "ceramic_porcelain") + choice("ceramic_finish", "ceramic_satin") +
-            "\"ceramic_color\": [0.5, 0.2, " + share + "]",
-        choice("hardwood_finish", "hardwood_gloss") + "\"hardwood_color\": [0.5, 0.4, " + share +
-            "]"};
-    const char* const schemas[] = {"MetalSchema", "GlazingSchema", "CeramicSchema",
-                                   "HardwoodSchema"};
-    return R"({"id": "m)" + number + R"(", "schema": ")" + schemas[i % 4] + R"(", "name": "Wall )" +
-           number + R"(", "description": "A wall", "properties": {)" + properties[i % 4] + "}}";
+    const auto color = [&](const char* name)
+    { return std::string("\"") + name + "\": [0.5, 0.2, " + share + "]"; };
+    const std::pair<const char*, std::string> materials[] = {
+        {"CeramicSchema", choice("ceramic_type", "ceramic_porcelain") +
+                              choice("ceramic_finish", "ceramic_satin") + color("ceramic_color")},
+        {"ConcreteSchema", choice("concrete_finish", "concrete_smooth") +
+                               choice("concrete_sealant", "concrete_matte") +
+                               color("concrete_color")},
+        {"GlazingSchema",
+         choice("glazing_tint", "glazing_bronze") +
+             R"("glazing_sheets": {"type": "integer", "value": 2}, "glazing_reflectance": )" +
+             share},
+        {"HardwoodSchema", choice("hardwood_finish", "hardwood_gloss") + color("hardwood_color")},
+        {"MasonryCMUSchema", choice("masonrycmu_type", "masonrycmu_glazed") +
+                                 choice("masonrycmu_sealant", "masonrycmu_glossy") +
+                                 color("masonrycmu_color")},
+        {"MetalSchema", choice("metal_type", "metal_copper") +
+                            choice("metal_finish", "metal_satin") +
+                            choice("metal_coat", "metal_matte") + "\"metal_patina\": 1.0"},
+        {"MetallicPaintSchema", choice("metal_type", "metal_aluminum") +
+                                    choice("metallicpaint_finish", "metallicpaint_satin") +
+                                    "\"metallicpaint_flakes\": " + share},
+        {"MirrorSchema", choice("mirror_type", "mirror_silver") + "\"mirror_roughness\": " + share},
+        {"PlasticVinylSchema", choice("plasticvinyl_type", "plasticvinyl_transparent") +
+                                   choice("plasticvinyl_finish", "plasticvinyl_matte") +
+                                   color("plasticvinyl_color")},
+        {"SolidGlassSchema", choice("solidglass_tint", "solidglass_green") +
+                                 "\"solidglass_depth\": 0.02, \"glazing_reflectance\": " + share},
+        {"StoneSchema", choice("stone_finish", "stone_polished") +
+                            choice("stone_sealant", "stone_glossy") + color("stone_color")},
+        {"WallPaintSchema", choice("wallpaint_finish", "wallpaint_eggshell") +
+                                choice("wallpaint_application", "wallpaint_spray") +
+                                color("wallpaint_color")},
+        {"WaterSchema",
+         choice("water_type", "water_custom") + "\"water_depth\": 2.0, " + color("water_color")},
+    };
+    const auto& [schema, properties] = materials[i % std::size(materials)];
+    return R"({"id": "m)" + number + R"(", "schema": ")" + schema + R"(", "name": "Wall )" +
+           number + R"(", "description": "A wall", "properties": {)" + properties + "}}";
 }
 
 struct Materials

@@ -60,9 +60,9 @@ struct PatternBake
 {
     std::shared_ptr<const Pattern> pattern;
     PatternUse use{};
-    /// Strength of a relief for the image as a whole, as that of a noise is; 0 leaves slopes as they are from
-    /// pixel to pixel.
-    float bumpAmount = 0.0f;
+    /// Strength of a relief along x and y for the image as a whole, as that of a noise is: half its depth, in widths
+    /// and heights of the image. 0 leaves slopes as they are from pixel to pixel.
+    std::array<float, 2> strength{};
 };
 
 } // namespace vyr::MaterialTranslation::bakes

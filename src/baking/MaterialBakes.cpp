@@ -102,7 +102,8 @@ OIIO::ImageBuf bakeMeetingNormals(const OIIO::ImageBuf& heights, NormalBakeOptio
     }
     const auto share = [](int pixels)
     { return static_cast<float>(pixels) / static_cast<float>(pixels + 2); };
-    options.bumpScale = {share(spec.width), share(spec.height)};
+    options.bumpScale = {options.bumpScale[0] * share(spec.width),
+                         options.bumpScale[1] * share(spec.height)};
     const OIIO::ImageBuf normals = bakeNormals(wide, options);
     OIIO::ImageSpec inner(spec.width, spec.height, 3, OIIO::TypeFloat);
     inner.attribute("oiio:ColorSpace", "Linear");
@@ -127,7 +128,9 @@ BakeOutcome run(const bakes::PatternBake& bake, const BakeSettings& settings, co
         if (bake.use == bakes::PatternUse::Relief)
         {
             NormalBakeOptions options;
-            options.bumpAmount = bake.bumpAmount;
+            options.bumpAmount = bake.strength[0];
+            if (bake.strength[1] != bake.strength[0])
+                options.bumpScale[1] = bake.strength[1] / bake.strength[0];
             options.threads = settings.threads;
             checkStrength(place, options);
             image = bakeMeetingNormals(pixelsOf(PatternPixels::Heights), options);

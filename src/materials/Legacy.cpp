@@ -1,105 +1,23 @@
 #include <algorithm>
-#include <deque>
+#include <cmath>
 #include <iostream>
 #include <string_view>
 
 #include "materials/Translators.h"
-#include "materials/legacy/Rows.h"
-#include "textures/PropertyValues.h"
+#include "materials/legacy/MaterialValues.h"
+#include "textures/Patterns.h"
 #include "textures/Translation.h"
 
-namespace vyr::MaterialTranslation
-{
-
-namespace materials
+namespace vyr::MaterialTranslation::materials
 {
 
 namespace
 {
 
+using legacy::NamedSchema;
+using textures::MadePattern;
 using textures::TextureRole;
-using Value = std::array<float, 3>;
-
-/// A row with the names that assets use.
-struct NamedRow
-{
-    const legacy::Row* row;
-    PropertyRow property;
-};
-
-/// A schema's table with the names that assets use.
-class NamedSchema
-{
-  public:
-    explicit NamedSchema(const legacy::Schema& schema) : _schema(&schema)
-    {
-        for (const auto group : schema.groups)
-            for (const legacy::Row& row : group)
-            {
-                PropertyRow property = row.property;
-                const std::string& name = _texts.emplace_back(nameOf(property.name));
-                property.name = name.c_str();
-                const std::string prefix = name.substr(0, name.find('_') + 1);
-                std::string& choices = _texts.emplace_back();
-                for (const legacy::Preset& preset : row.presets)
-                    choices += (choices.empty() ? "" : " ") + prefix + preset.name;
-                property.choices = choices.c_str();
-                for (const legacy::Assignment& standard : schema.defaults)
-                    if (standard.field == row.field && row.presets.empty())
-                        property.fallback = standard.value;
-                _rows.push_back({&row, property});
-                _properties.push_back(property);
-            }
-    }
-
-    const legacy::Schema& schema() const { return *_schema; }
-    const std::vector<NamedRow>& rows() const { return _rows; }
-    const std::vector<PropertyRow>& properties() const { return _properties; }
-
-    /// The full name of what a table names.
-    std::string nameOf(std::string_view name) const
-    {
-        return name.starts_with(':') ? std::string(name.substr(1))
-                                     : std::string(_schema->prefix) + '_' + std::string(name);
-    }
-
-  private:
-    const legacy::Schema* _schema;
-    std::deque<std::string> _texts;
-    std::vector<NamedRow> _rows;
-    std::vector<PropertyRow> _properties;
-};
-
-const std::deque<NamedSchema>& namedSchemas()
-{
-    static const std::deque<NamedSchema> named = []
-    {
-        std::deque<NamedSchema> all;
-        for (const legacy::Schema* schema : legacy::schemas())
-            all.emplace_back(*schema);
-        return all;
-    }();
-    return named;
-}
-
-void assign(StandardSurfaceParams& params, const legacy::Field& field, const Value& value)
-{
-    using Params = StandardSurfaceParams;
-    struct Setter
-    {
-        Params& params;
-        const Value& value;
-
-        void operator()(std::monostate /*none*/) const {}
-        void operator()(float Params::* number) const { params.*number = value[0]; }
-        void operator()(bool Params::* flag) const { params.*flag = value[0] != 0.0f; }
-        void operator()(Params::Color Params::* color) const
-        {
-            params.*color = {value[0], value[1], value[2]};
-        }
-    };
-    std::visit(Setter{params, value}, field);
-}
+using Params = StandardSurfaceParams;
 
 /// The shader input that shows a field; null for one that no texture may drive.
 const StandardSurfaceInput* inputOf(const legacy::Row& row)
@@ -120,110 +38,70 @@ const StandardSurfaceInput* inputOf(const legacy::Row& row)
     return find([&](const StandardSurfaceInput& input) { return input.field == row.field; });
 }
 
-/// Applies a schema's table to one material.
-class LegacyRules : public legacy::LegacyValues
+/// What the value of a field is as a colour; nothing for a field that no texture drives.
+std::optional<std::array<float, 3>> shownBy(const Params& params,
+                                            const StandardSurfaceInput::Field& field)
+{
+    if (const auto* number = std::get_if<float Params::*>(&field))
+        return std::array{params.*(*number), params.*(*number), params.*(*number)};
+    if (const auto* color = std::get_if<Params::Color Params::*>(&field))
+        return std::array{(params.*(*color))[0], (params.*(*color))[1], (params.*(*color))[2]};
+    return std::nullopt;
+}
+
+/// Noise that covers a share of the surface with its second colour.
+MadePattern patches(float share, const std::array<float, 3>& bare,
+                    const std::array<float, 3>& covered)
+{
+    // The noise lies around 0.5 like a normal distribution of deviation 0.13; a logistic one is near enough.
+    constexpr double deviation = 0.13;
+    const double odds = (1.0 - static_cast<double>(share)) / static_cast<double>(share);
+    const auto edge = static_cast<float>(0.5 + deviation / 1.7 * std::log(odds));
+    constexpr float blur = 0.04f;
+    constexpr float size = 0.6f;
+    return {"NoiseSchema",
+            {},
+            {{"noise_Type", {1.0f}},
+             {"noise_Size", {12.0f}},
+             {"noise_Levels", {5.0f}},
+             {"noise_ThresholdLow", {edge - blur}},
+             {"noise_ThresholdHigh", {edge + blur}},
+             {"noise_Color1", bare},
+             {"noise_Color2", covered}},
+            size};
+}
+
+/// Makes and reads the textures of one material.
+class LegacyTextures
 {
   public:
-    LegacyRules(const assets::Asset& asset, const Translation& translation,
-                const NamedSchema& schema)
-        : _asset(asset), _log(translation.log), _colorMode(translation.options.colorMode),
-          _schema(schema), _textures(asset, translation)
+    LegacyTextures(const assets::Asset& asset, const Translation& translation,
+                   const NamedSchema& schema, const legacy::MaterialValues& values,
+                   StandardSurface& material)
+        : _asset(asset), _log(translation.log), _schema(schema), _values(values),
+          _material(material), _textures(asset, translation)
     {
     }
 
-    StandardSurface read()
+    /// In the order in which one texture of an input wins over the next.
+    void read()
     {
-        readValues();
-        setParams();
-        readTextures();
-        readReliefs();
+        const bool isMade = isPatternMade();
+        readConnected(isMade);
+        if (isMade)
+            makePattern();
+        makeReliefs();
+        makePatches();
         _textures.bake();
         for (const auto& [input, property] : _driven)
-            takeTexture(input, property);
+            take(input, property);
         _textures.dropUnused();
-        _asset.reportUnread(_log);
-        stateColors();
-        return std::move(_material);
     }
-
-    float number(const char* row) const override { return valueOf(row)[0]; }
-    Value color(const char* row) const override { return valueOf(row); }
-    bool isGiven(const char* row) const override { return _values[placeOf(row)].has_value(); }
 
   private:
-    std::size_t placeOf(std::string_view row) const
+    float reliefAmount() const
     {
-        const auto& rows = _schema.rows();
-        const auto found = std::ranges::find_if(rows, [&](const NamedRow& named)
-                                                { return named.row->property.name == row; });
-        return static_cast<std::size_t>(found - rows.begin());
-    }
-
-    Value valueOf(std::string_view row) const { return valueAt(placeOf(row)); }
-
-    Value valueAt(std::size_t place) const
-    {
-        return _values[place].value_or(_schema.rows()[place].property.fallback);
-    }
-
-    /// The preset that a row's choice names; null for a row without presets.
-    const legacy::Preset* presetAt(std::size_t place) const
-    {
-        const auto presets = _schema.rows()[place].row->presets;
-        return presets.empty() ? nullptr : &presets[static_cast<std::size_t>(valueAt(place)[0])];
-    }
-
-    /// What the asset says in the row of a duty.
-    std::optional<float> givenBy(legacy::Duty duty) const
-    {
-        for (std::size_t i = 0; i < _values.size(); ++i)
-            if (_schema.rows()[i].row->duty == duty && _values[i])
-                return (*_values[i])[0];
-        return std::nullopt;
-    }
-
-    float reliefAmount(float standard) const
-    {
-        return givenBy(legacy::Duty::ReliefAmount).value_or(standard);
-    }
-
-    void readValues()
-    {
-        for (const NamedRow& row : _schema.rows())
-        {
-            auto& value = _values.emplace_back(textures::readPropertyValue(
-                _asset, row.property, row.property.name, _colorMode, _log));
-            if (!value || row.property.kind != PropertyKind::Color)
-                continue;
-            const Value given = *value;
-            for (float& channel : *value)
-                channel = std::clamp(channel, 0.0f, 1.0f);
-            if (*value != given)
-                _log.warning(
-                    DiagnosticCode::ValueAdjusted, row.property.name,
-                    "no surface gives more light than it gets; the colour is cut to 0 to 1");
-        }
-        for (std::size_t i = 0; i < _values.size(); ++i)
-            if (_schema.rows()[i].row->duty == legacy::Duty::NamesColor)
-                chooseColor(i);
-    }
-
-    /// A colour without a choice is a choice too: that of the colour.
-    void chooseColor(std::size_t choice)
-    {
-        if (!isGiven("color"))
-            return;
-        if (!_values[choice])
-            _values[choice] = {static_cast<float>(_schema.rows()[choice].row->presets.size() - 1)};
-        else if (!takesColor(*presetAt(choice)))
-            _log.warning(DiagnosticCode::ValueAdjusted, _schema.nameOf("color"),
-                         std::string("not used: \"") + _schema.rows()[choice].property.name +
-                             "\" names the colour");
-    }
-
-    static bool takesColor(const legacy::Preset& preset)
-    {
-        return std::holds_alternative<std::monostate>(preset.sets[0].field);
+        return _values.givenBy(legacy::Duty::ReliefAmount).value_or(1.0f);
     }
 
     /// Whether the material's own properties make its pattern.
@@ -232,20 +110,19 @@ class LegacyRules : public legacy::LegacyValues
         const legacy::Pattern* const pattern = _schema.schema().pattern;
         if (!pattern)
             return false;
-        const std::size_t place = placeOf(pattern->property);
-        if (_values[place])
-            return valueAt(place)[0] != 0.0f;
+        const std::size_t place = _values.placeOf(pattern->property);
+        if (_values.isGiven(place))
+            return _values.at(place)[0] != 0.0f;
         const auto& rows = _schema.rows();
         for (std::size_t i = 0; i < rows.size(); ++i)
-            if (rows[i].row->pattern && _values[i])
+            if (rows[i].row->pattern && _values.isGiven(i))
                 return true;
         return false;
     }
 
-    void readTextures()
+    void readConnected(bool isMade)
     {
         const auto& rows = _schema.rows();
-        const bool isMade = isPatternMade();
         for (std::size_t i = 0; i < rows.size(); ++i)
         {
             const legacy::Row& row = *rows[i].row;
@@ -254,7 +131,7 @@ class LegacyRules : public legacy::LegacyValues
             if (!row.property.takesTexture || !input || !_asset[name].isConnected())
                 continue;
             if (i + 1 < rows.size() && rows[i + 1].row->duty == legacy::Duty::Fade &&
-                !doesShow(name, rows[i + 1].property.name, valueAt(i + 1)[0]))
+                !doesShow(name, rows[i + 1].property.name, _values.at(i + 1)[0]))
                 continue;
             // A texture of the base colour shows within the pattern.
             if (isMade && isColorOfPattern(row))
@@ -264,11 +141,9 @@ class LegacyRules : public legacy::LegacyValues
             }
             const bool isRelief = row.duty == legacy::Duty::ReliefTexture;
             _textures.read(name, isRelief ? TextureRole::AnyRelief : TextureRole::Value,
-                           input->type, reliefAmount(1.0f));
+                           input->type, reliefAmount());
             _driven.emplace_back(input->name, name);
         }
-        if (isMade)
-            makePattern();
     }
 
     /// Of a fade documents know all or nothing.
@@ -296,7 +171,8 @@ class LegacyRules : public legacy::LegacyValues
     void makePattern()
     {
         const legacy::Pattern& pattern = *_schema.schema().pattern;
-        textures::MadePattern made{pattern.schema, {}, {}};
+        MadePattern made{pattern.schema, {}, {}};
+        made.depth = pattern.depth;
         const auto add = [&](const legacy::Constant& constant)
         {
             if (constant.property)
@@ -308,57 +184,112 @@ class LegacyRules : public legacy::LegacyValues
             if (rows[i].row->pattern)
             {
                 made.links.push_back({rows[i].row->pattern, rows[i].property.name});
-                if (_values[i] && rows[i].row->presets.empty())
-                    add({rows[i].row->pattern, *_values[i]});
+                if (_values.isGiven(i) && rows[i].row->presets.empty())
+                    add({rows[i].row->pattern, _values.at(i)});
             }
         for (std::size_t i = 0; i < rows.size(); ++i)
-            if (const legacy::Preset* const preset = presetAt(i))
+            if (const legacy::Preset* const preset = _values.presetAt(i))
                 std::ranges::for_each(preset->shapes, add);
         for (std::size_t i = 0; i < rows.size(); ++i)
             if (rows[i].row->pattern && rows[i].row->presets.empty())
-                add({rows[i].row->pattern, valueAt(i)});
+                add({rows[i].row->pattern, _values.at(i)});
         if (pattern.color)
         {
-            const StandardSurfaceParams::Color& color = _material.params.base_color;
-            add({pattern.color, {color[0], color[1], color[2]}});
+            add({pattern.color, colorOf(_material.params)});
             if (_isColorTextured)
                 made.links.push_back({pattern.color, _schema.nameOf("color")});
         }
         std::ranges::for_each(pattern.constants, add);
         for (const char* input : pattern.inputs)
             if (input && !isDriven(input))
-                make(input, pattern.property, made, reliefAmount(pattern.amount));
+                make(input, pattern.property, made, reliefAmount());
     }
 
     /// Reliefs that choices make, of which the last row's wins, where nothing else is the relief.
-    void readReliefs()
+    void makeReliefs()
     {
         for (std::size_t i = _schema.rows().size(); i-- > 0;)
         {
-            const legacy::Preset* const preset = presetAt(i);
+            const legacy::Preset* const preset = _values.presetAt(i);
             if (!preset || !preset->relief)
                 continue;
             const legacy::Relief& relief = *preset->relief;
-            if (isDriven("normal"))
+            if (relief.depth > 0.0f && isDriven("normal"))
             {
-                if (_values[i])
+                if (_values.isGiven(i))
                     _log.warning(DiagnosticCode::ValueAdjusted, _schema.rows()[i].property.name,
                                  "its relief is not shown: the material has another one");
-                continue;
             }
-            textures::MadePattern made{relief.schema, {}, {}, relief.size};
-            made.stretch =
-                givenBy(legacy::Duty::ReliefSize).value_or(relief.feature) / relief.feature;
-            for (const legacy::Constant& constant : relief.constants)
-                if (constant.property)
-                    made.constants.push_back({constant.property, constant.value});
-            make("normal", _schema.rows()[i].row->property.name, made, reliefAmount(relief.amount));
+            else if (relief.depth > 0.0f)
+                make("normal", _schema.rows()[i].row->property.name, patternOf(relief),
+                     reliefAmount());
+            if (relief.shade > 0.0f && !isDriven("base_color"))
+                make("base_color", _schema.rows()[i].row->property.name, shadesOf(relief));
+        }
+    }
+
+    MadePattern patternOf(const legacy::Relief& relief) const
+    {
+        MadePattern made{relief.schema, {}, {}, relief.size};
+        made.depth = relief.depth;
+        made.stretch =
+            _values.givenBy(legacy::Duty::ReliefSize).value_or(relief.feature) / relief.feature;
+        for (const legacy::Constant& constant : relief.constants)
+            if (constant.property)
+                made.constants.push_back({constant.property, constant.value});
+        return made;
+    }
+
+    /// The heights of a relief as shades of the base colour.
+    MadePattern shadesOf(const legacy::Relief& relief) const
+    {
+        MadePattern made = patternOf(relief);
+        const std::size_t kind = textures::findPattern(relief.schema).value();
+        const auto color = colorOf(_material.params);
+        for (const std::size_t place : textures::patternColors(kind))
+        {
+            const PropertyRow& row = proceduralTextures()[kind].properties[place];
+            const auto found = std::ranges::find(made.constants, std::string_view(row.name),
+                                                 &MadePattern::Constant::patternProperty);
+            const bool isGiven = found != made.constants.end();
+            const float height = isGiven ? found->value[0] : row.fallback[0];
+            const float left = 1.0f - relief.shade * (1.0f - height);
+            const std::array shaded{color[0] * left, color[1] * left, color[2] * left};
+            if (isGiven)
+                found->value = shaded;
+            else
+                made.constants.push_back({row.name, shaded});
+        }
+        return made;
+    }
+
+    /// What a row covers in part, in patches; evenly where another texture drives what they would.
+    void makePatches()
+    {
+        const auto& rows = _schema.rows();
+        for (std::size_t i = 0; i < rows.size(); ++i)
+        {
+            const float share = _values.at(i)[0];
+            if (rows[i].row->duty != legacy::Duty::Patches || share <= 0.0f || share >= 1.0f)
+                continue;
+            const Params bare = _values.paramsWith(i, 0.0f);
+            const Params covered = _values.paramsWith(i, 1.0f);
+            const auto differs = [&](const StandardSurfaceInput& input)
+            { return shownBy(bare, input.field) != shownBy(covered, input.field); };
+            if (std::ranges::any_of(standardSurfaceInputs, [&](const StandardSurfaceInput& input)
+                                    { return differs(input) && isDriven(input.name); }))
+                continue;
+            for (const StandardSurfaceInput& input : standardSurfaceInputs)
+                if (differs(input))
+                    make(input.name, rows[i].row->property.name,
+                         patches(share, *shownBy(bare, input.field),
+                                 *shownBy(covered, input.field)));
         }
     }
 
     /// @param row  Names the texture's node, with the input.
-    void make(const std::string& input, const char* row, const textures::MadePattern& pattern,
-              float amount)
+    void make(const std::string& input, const char* row, const MadePattern& pattern,
+              float amount = 1.0f)
     {
         const std::string name = _schema.nameOf(row) + '_' + input;
         _textures.make(name.c_str(),
@@ -367,7 +298,7 @@ class LegacyRules : public legacy::LegacyValues
         _driven.emplace_back(input, name);
     }
 
-    void takeTexture(const std::string& input, const std::string& property)
+    void take(const std::string& input, const std::string& property)
     {
         const assets::Property own = _asset[property.c_str()];
         std::optional<textures::Texture> texture =
@@ -377,60 +308,37 @@ class LegacyRules : public legacy::LegacyValues
                                                 DrivingTexture{property, std::move(*texture)});
     }
 
-    /// What is given wins over what a choice brings, and that over what holds for the schema.
-    void setParams()
+    static std::array<float, 3> colorOf(const Params& params)
     {
-        StandardSurfaceParams& params = _material.params;
-        const auto& rows = _schema.rows();
-        for (const legacy::Assignment& standard : _schema.schema().defaults)
-            assign(params, standard.field, standard.value);
-        bool byObject = false;
-        bool isOtherwise = false;
-        for (std::size_t i = 0; i < rows.size(); ++i)
-        {
-            const legacy::Duty duty = rows[i].row->duty;
-            if (duty != legacy::Duty::Otherwise)
-                assign(params, rows[i].row->field, valueAt(i));
-            byObject = byObject || (duty == legacy::Duty::ColorByObject && valueAt(i)[0] != 0.0f);
-            isOtherwise =
-                isOtherwise || (duty == legacy::Duty::NamesColor && takesColor(*presetAt(i)));
-        }
-        for (std::size_t i = 0; i < rows.size(); ++i)
-            if (const legacy::Preset* const preset = presetAt(i))
-                for (const legacy::Assignment& set : preset->sets)
-                    assign(params, set.field, set.value);
-        for (std::size_t i = 0; i < rows.size(); ++i)
-            if (rows[i].row->duty == legacy::Duty::Otherwise ? isOtherwise : _values[i].has_value())
-                assign(params, rows[i].row->field, valueAt(i));
-        if (_schema.schema().finish)
-            _schema.schema().finish(params, *this);
-        if (byObject)
-            params.base_color = StandardSurfaceParams::Color(0.5f);
-    }
-
-    void stateColors()
-    {
-        StandardSurfaceParams& params = _material.params;
-        for (const StandardSurfaceInput& input : standardSurfaceInputs)
-            if (const auto* color =
-                    std::get_if<StandardSurfaceParams::Color StandardSurfaceParams::*>(
-                        &input.field))
-                params.*(*color) = assets::statedColor(params.*(*color), _colorMode);
+        return {params.base_color[0], params.base_color[1], params.base_color[2]};
     }
 
     const assets::Asset& _asset;
     const Log& _log;
-    std::int32_t _colorMode;
     const NamedSchema& _schema;
+    const legacy::MaterialValues& _values;
+    StandardSurface& _material;
     textures::TextureSet _textures;
-    /// For each row what the asset says.
-    std::vector<std::optional<Value>> _values;
     /// Whether a texture shows in the colour of the pattern.
     bool _isColorTextured = false;
     /// Shader inputs and the textures that drive them.
     std::vector<std::pair<std::string, std::string>> _driven;
-    StandardSurface _material;
 };
+
+StandardSurface readLegacy(const assets::Asset& asset, const Translation& translation,
+                           const NamedSchema& schema)
+{
+    const std::int32_t colorMode = translation.options.colorMode;
+    const legacy::MaterialValues values(asset, schema, colorMode, translation.log);
+    StandardSurface material;
+    material.params = values.params();
+    LegacyTextures(asset, translation, schema, values, material).read();
+    asset.reportUnread(translation.log);
+    for (const StandardSurfaceInput& input : standardSurfaceInputs)
+        if (const auto* color = std::get_if<Params::Color Params::*>(&input.field))
+            material.params.*(*color) = assets::statedColor(material.params.*(*color), colorMode);
+    return material;
+}
 
 } // namespace
 
@@ -442,9 +350,10 @@ bool translateLegacy(const Translation& translation)
         return translateGeneric(translation);
     if (translation.options.verbose)
         assets::writeMaterialDescription(described, std::cout);
-    const auto named = std::ranges::find_if(namedSchemas(), [&](const NamedSchema& s)
-                                            { return s.schema().name == schema; });
-    if (named == namedSchemas().end())
+    const auto named =
+        std::ranges::find_if(legacy::namedSchemas(), [&](const legacy::NamedSchema& s)
+                             { return s.schema().name == schema; });
+    if (named == legacy::namedSchemas().end())
     {
         translation.log.error(DiagnosticCode::LegacyUnavailable, "",
                               "the schema \"" + schema + "\" is none of the legacy family");
@@ -456,26 +365,11 @@ bool translateLegacy(const Translation& translation)
         [&]
         {
             const assets::Asset asset(translation.asset, trace);
-            StandardSurface material = LegacyRules(asset, translation, *named).read();
+            StandardSurface material = readLegacy(asset, translation, *named);
             material.tint =
                 readTint(schema, {asset, translation.options.colorMode, translation.log});
             return material;
         });
 }
 
-} // namespace materials
-
-const std::vector<SchemaRow>& legacyMaterials()
-{
-    static const std::vector<SchemaRow> rows = []
-    {
-        std::vector<SchemaRow> all;
-        for (const materials::NamedSchema& named : materials::namedSchemas())
-            all.push_back({named.schema().name, named.schema().meaning, named.properties().data(),
-                           named.properties().size()});
-        return all;
-    }();
-    return rows;
-}
-
-} // namespace vyr::MaterialTranslation
+} // namespace vyr::MaterialTranslation::materials

@@ -69,6 +69,8 @@ class PatternReader
     }
 
     const Placement& placement() const { return _placement; }
+    /// As of the bake; a texture that is connected has the slopes that an image of 1024 pixels has from pixel to pixel.
+    std::array<float, 2> strength() const { return _strength; }
 
   private:
     bool isColor() const { return _use == PatternUse::Color; }
@@ -179,6 +181,8 @@ class PatternReader
         auto period = patternPeriod(_pattern.kind, _pattern.values);
         if (!period && _made)
             period = {_made->size, _made->size};
+        if (_made)
+            _strength = {_made->depth / (*period)[0] * 0.5f, _made->depth / (*period)[1] * 0.5f};
         if (!period || isPlaced)
             return;
         const float stretch = _made ? _made->stretch : 1.0f;
@@ -238,6 +242,7 @@ class PatternReader
     const MadePattern* _made;
     Pattern _pattern;
     Placement _placement;
+    std::array<float, 2> _strength{1.0f / 1024.0f, 1.0f / 1024.0f};
 };
 
 Reading readFrom(const TextureRequest& request, const MadePattern* made)
@@ -269,8 +274,10 @@ Reading readFrom(const TextureRequest& request, const MadePattern* made)
         reading.texture.tone = Tone{};
     }
     reading.texture.placement = reader.placement();
+    const std::array<float, 2> strength =
+        isAmountBaked ? std::array{request.bumpAmount, request.bumpAmount} : reader.strength();
     reading.bake = {std::string(request.property) + "_" + std::to_string(pattern->width) + ".png",
-                    bakes::PatternBake{pattern, use, isAmountBaked ? request.bumpAmount : 0.0f}};
+                    bakes::PatternBake{pattern, use, strength}};
     return reading;
 }
 

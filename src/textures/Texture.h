@@ -139,8 +139,10 @@ struct MadePattern
     std::vector<Constant> constants;
     /// What the image covers, in metres, where neither pattern nor material say.
     float size = 1.0f;
-    /// Larger than that, or smaller.
+    /// Larger than that, or smaller, with the depth.
     float stretch = 1.0f;
+    /// From the lowest to the highest of a relief, metres.
+    float depth = 0.0f;
 };
 
 /// The textures of one material.

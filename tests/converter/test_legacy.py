@@ -5,10 +5,12 @@ import json
 import math
 import os
 import pathlib
+import struct
 import subprocess
 import tempfile
 import unittest
 import xml.etree.ElementTree as ElementTree
+import zlib
 
 TOOL = os.environ["VYR_MTLX"]
 # From smooth to rough, where a schema has them.
@@ -16,7 +18,8 @@ SHEENS = ["polished", "glossy", "gloss", "semigloss", "semipolished", "pearl", "
           "flat", "unfinished", "broom_straight"]  # fmt: skip
 # Reflectances at normal incidence, linear, as published in Real-Time Rendering, 4th edition, table 9.2.
 METALS = {"gold": (1.0, 0.782, 0.344), "copper": (0.955, 0.638, 0.538), "silver": (0.972, 0.96, 0.915), "aluminum": (0.913, 0.922, 0.924),
-          "brass": (0.91, 0.778, 0.423), "iron": (0.562, 0.565, 0.578), "zinc": (0.664, 0.824, 0.85)}  # fmt: skip
+          "brass": (0.91, 0.778, 0.423), "iron": (0.562, 0.565, 0.578), "zinc": (0.664, 0.824, 0.85), "chrome": (0.549, 0.556, 0.554),
+          "nickel": (0.66, 0.609, 0.526), "platinum": (0.673, 0.637, 0.585), "titanium": (0.542, 0.497, 0.449)}  # fmt: skip
 
 
 def run(*arguments):
@@ -68,6 +71,37 @@ def values(row):
     return {word: {"type": row["type"], "value": value, **({"unit": "meter"} if row["unit"] else {})} for word, value in steps.items()}
 
 
+def pixels(file):
+    """The channels of a picture without interlacing, 0 to 1, a list a row."""
+    data, parts, at = file.read_bytes(), {}, 8
+    while at < len(data):
+        length, kind = struct.unpack(">I4s", data[at : at + 8])
+        parts[kind] = parts.get(kind, b"") + data[at + 8 : at + 8 + length]
+        at += length + 12
+    width, _, depth, color = struct.unpack(">IIBB", parts[b"IHDR"][:10])
+    step = {0: 1, 2: 3}[color] * depth // 8
+    raw, before, rows = zlib.decompress(parts[b"IDAT"]), bytes(width * step), []
+    for start in range(0, len(raw), width * step + 1):
+        line = bytearray(raw[start + 1 : start + 1 + width * step])
+        for i, value in enumerate(line):
+            left, up, corner = (line[i - step], before[i], before[i - step]) if i >= step else (0, before[i], 0)
+            nearest = min((left, up, corner), key=lambda each: abs(left + up - corner - each))
+            line[i] = (value + (0, left, up, (left + up) // 2, nearest)[raw[start]]) & 255
+        before = bytes(line)
+        rows.append([each[0] / (256 ** (depth // 8) - 1) for each in struct.iter_unpack({8: ">B", 16: ">H"}[depth], line)])
+    return rows
+
+
+def baked(schema, properties, size):
+    """The images of a material that are baked, by the last word of their names."""
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        material = {"id": "m", "schema": schema, "name": "m", "properties": properties}
+        (folder / "lib.json").write_text(json.dumps({"assetLibrary": 1, "materials": [material]}))
+        run("convert", folder / "lib.json", "--legacy", "--output", folder / "out", "--quiet", "--image-size", size)
+        return {file.stem.removesuffix(f"_{size}").rsplit("_", 1)[1]: pixels(file) for file in folder.rglob("*.png")}
+
+
 def roughness(inputs):
     """Of the surface that is seen first."""
     return inputs["coat_roughness" if inputs["coat"][0] > 0.5 else "specular_roughness"][0]
@@ -88,7 +122,11 @@ class Legacy(unittest.TestCase):
                         wrong[f'{schema["name"]} {row["name"]} {word}'] = row["name"]
             materials += [{"id": f'{schema["name"]} {key}', "schema": schema["name"], "properties": properties}
                           for key, properties in cases.items()]  # fmt: skip
-        for key, entry in convert(materials, "--legacy").items():
+        found = convert(materials, "--legacy")
+        for key, entry in found.items():
+            for told, end in (("wrong", "most"), ("wrong, low", "least")):
+                if key.endswith(f" {told}") and f"{key.removesuffix(told)}{end}" in found:
+                    self.assertEqual(entry["inputs"], found[f"{key.removesuffix(told)}{end}"]["inputs"], key)
             told = [each["property"] for each in entry["warnings"]]
             with self.subTest(key):
                 if not key.endswith(" all"):
@@ -108,6 +146,8 @@ class Legacy(unittest.TestCase):
                 sheens = [f'{row["name"].partition("_")[0]}_{sheen}' for sheen in SHEENS]
                 known = [sheen for sheen in sheens if sheen in row["choices"]]
                 if row["name"].endswith("_finish"):
+                    self.assertGreaterEqual(len(known), 3, f"{row['name']}: no sheens are known")
+                if len(known) > 1:
                     found = [roughness(each) for each in legacy([(schema["name"], {row["name"]: choice(sheen)}) for sheen in known])]
                     self.assertEqual(found, sorted(set(found)), f"{row['name']}: {known}")
         thickness = [{"type": "scalar", "value": value, "unit": "millimeter"} for value in (6, 12, 50, 1000, 50000)]
@@ -121,6 +161,22 @@ class Legacy(unittest.TestCase):
         sheets = legacy([("GlazingSchema", {"glazing_sheets": {"type": "integer", "value": count}}) for count in (1, 2, 5)])
         self.assertEqual(sorted(sheets, key=lambda each: each["specular_IOR"]), sheets)
         self.assertEqual(sorted(sheets, key=lambda each: each["transmission_color"], reverse=True), sheets)
+
+    def test_reliefs_are_as_deep_in_images_of_every_size(self):
+        # A cushion rises and falls once, a quarter of its width; ribs fall and rise by 0.3 of theirs.
+        large = {"metal_relief_size": {"type": "scalar", "value": 3, "unit": "inch"}}
+        for pattern, steepness, size, given in (("cushioned", 0.25, 32, {}), ("cushioned", 0.25, 128, {}), ("cushioned", 0.25, 64, large),
+                                                ("ribbed", 0.6, 256, {})):  # fmt: skip
+            normals = baked("MetalSchema", {"metal_relief_pattern": choice(f"metal_{pattern}"), **given}, size)["normal"]
+            slopes = [abs(row[i] - 0.5) / (row[i + 2] - 0.5) for row in normals for i in range(0, len(row), 3)]
+            self.assertAlmostEqual(sum(slopes) / len(slopes), steepness, delta=0.1 * steepness, msg=f"{pattern} {size}")
+
+    def test_patches_cover_their_share(self):
+        for share in (0.1, 0.5, 0.8):
+            images = baked("MetalSchema", {"metal_type": choice("metal_copper"), "metal_patina": share}, 128)
+            self.assertEqual(sorted(images), ["color", "metalness", "roughness"])
+            metal = [value for row in images["metalness"] for value in row]
+            self.assertAlmostEqual(sum(metal) / len(metal), 1 - share, delta=0.08)
 
     def test_metals_and_waters_are_the_same_on_both_roads(self):
         rows = {row["name"]: row["choices"] for schema in SCHEMAS for row in schema["properties"]}
@@ -157,7 +213,7 @@ class Legacy(unittest.TestCase):
                                      {"specular_roughness": [0.8]}, []),
             "one relief": ("StoneSchema", {"stone_bond": choice("stone_stack"), "stone_finish": choice("stone_unfinished")},
                            {"base_color": None}, ["stone_finish"]),
-            "the object's colour": ("ConcreteSchema", {"color_by_object": True, "concrete_color": [1, 0, 0]}, {"base_color": [0.5] * 3}, []),
+            "the object's colour": ("ConcreteSchema", {"color_by_object": True, "concrete_color": [1, 0, 0], "concrete_finish": choice("concrete_smooth")}, {"base_color": [0.5] * 3}, []),
             "a stain": ("HardwoodSchema", {"hardwood_color": [1, 1, 1], "hardwood_tint_enabled": choice("hardwood_color_choice"),
                                            "hardwood_tint_color": [0, 0, 0]}, {"base_color": [0.5] * 3}, []),
         }  # fmt: skip

@@ -99,44 +99,79 @@ inline constexpr Row colorRows[] = {
     byObjectRow,
 };
 
-// Reliefs by procedural textures: sizes in metres, strengths by eye.
+// Reliefs by procedural textures: sizes and depths in metres, by eye.
 inline constexpr Relief roughRelief{
     "NoiseSchema",
     0.4f,
     0.04f,
-    1.5f,
+    0.012f,
     {{"noise_Type", {1.0f}}, {"noise_Size", {10.0f}}, {"noise_Levels", {5.0f}}}};
-inline constexpr Relief dimpledRelief{"SpeckleSchema",
-                                      0.0f,
-                                      0.015f,
-                                      2.0f,
-                                      {{"speckle_Size", {0.015f}},
-                                       {"speckle_Soften", {1.0f}},
-                                       {"speckle_Amount", {1.0f}},
-                                       {"speckle_Color1", {1.0f, 1.0f, 1.0f}},
-                                       {"speckle_Color2", {0.0f, 0.0f, 0.0f}}}};
+/// Spots of a size strewn close together, in the colours of ground and spots: heights.
+constexpr Relief strewn(float size, float depth, float ground, float spots)
+{
+    return {"SpeckleSchema",
+            0.0f,
+            size,
+            depth,
+            {{"speckle_Size", {size}},
+             {"speckle_Soften", {1.0f}},
+             {"speckle_Amount", {1.0f}},
+             {"speckle_Color1", {ground, ground, ground}},
+             {"speckle_Color2", {spots, spots, spots}}}};
+}
+inline constexpr Relief dimpledRelief = strewn(0.015f, 0.002f, 1.0f, 0.0f);
+inline constexpr Relief pebbledRelief = strewn(0.004f, 0.0008f, 0.0f, 1.0f);
 inline constexpr Relief wavedRelief{
     "WaveSchema",
     0.0f,
     0.1f,
-    1.0f,
+    0.01f,
     {{"wave_Sources", {8.0f}}, {"wave_Length", {0.1f}}, {"wave_LengthVariation", {0.5f}}}};
 inline constexpr Relief ribbedRelief{
     "GradientSchema",
     0.1f,
     0.01f,
-    1.0f,
-    {{"gradient_Type", {2.0f}}, {"gradient_Repeats", {5.0f}}, {"gradient_Alternates", {1.0f}}}};
+    0.003f,
+    {{"gradient_Type", {2.0f}}, {"gradient_Repeats", {10.0f}}, {"gradient_Alternates", {1.0f}}}};
 inline constexpr Relief cushionedRelief{
-    "GradientSchema", 0.01f, 0.01f, 1.0f, {{"gradient_Type", {11.0f}}}};
+    "GradientSchema", 0.01f, 0.01f, 0.0025f, {{"gradient_Type", {11.0f}}}};
+/// Pyramids: tiles without joints whose slopes meet in the middle.
+constexpr Relief pyramids(float size, float depth)
+{
+    return {"TileSchema",
+            0.0f,
+            size,
+            depth,
+            {{"tile_Width", {size}},
+             {"tile_Height", {size}},
+             {"tile_JointWidth", {0.0f}},
+             {"tile_Bevel", {size * 0.5f}}}};
+}
+inline constexpr Relief facetedRelief = pyramids(0.01f, 0.003f);
+/// Streaks upwards, as a tool or brush leaves them: the rings of a plank without their bends.
+constexpr Relief streaks(float width, float depth, float bends)
+{
+    return {"WoodSchema",
+            0.0f,
+            width,
+            depth,
+            {{"wood_RingWidth", {width}},
+             {"wood_RadialNoise", {bends}},
+             {"wood_AxialNoise", {0.0f}},
+             {"wood_Fibres", {1.0f}},
+             {"wood_Color1", {0.0f, 0.0f, 0.0f}},
+             {"wood_Color2", {1.0f, 1.0f, 1.0f}}}};
+}
 
 inline constexpr Preset reliefPatterns[] = {
     {"none"},
     {"rough", {}, &roughRelief},
     {"dimpled", {}, &dimpledRelief},
+    {"pebbled", {}, &pebbledRelief},
     {"waved", {}, &wavedRelief},
     {"ribbed", {}, &ribbedRelief},
     {"cushioned", {}, &cushionedRelief},
+    {"faceted", {}, &facetedRelief},
 };
 
 /// In the order in which one relief wins over the next; those of finishes and bonds stand in other rows.
@@ -150,7 +185,7 @@ inline constexpr Row reliefRows[] = {
      {},
      Duty::None,
      reliefPatterns},
-    {numberRow("relief_amount", "strength of the relief; without it that of its kind", 1.0f, 0.0f,
+    {numberRow("relief_amount", "strength of the relief; 1: of a choice as it is", 1.0f, 0.0f,
                100.0f, "normal_scale of the normal map"),
      {},
      Duty::ReliefAmount},

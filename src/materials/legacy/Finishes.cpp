@@ -15,17 +15,9 @@ constexpr Assignment binder[] = {{&Params::specular_IOR, {1.5f}}};
 constexpr Relief rolled{"NoiseSchema",
                         0.2f,
                         0.004f,
-                        0.6f,
+                        0.0008f,
                         {{"noise_Type", {1.0f}}, {"noise_Size", {2.0f}}, {"noise_Levels", {2.0f}}}};
-constexpr Relief brushed{"GradientSchema",
-                         0.03f,
-                         0.005f,
-                         0.4f,
-                         {{"gradient_Type", {2.0f}},
-                          {"gradient_Repeats", {6.0f}},
-                          {"gradient_Alternates", {1.0f}},
-                          {"gradient_NoiseAmount", {0.3f}},
-                          {"gradient_NoiseSize", {30.0f}}}};
+constexpr Relief brushed = streaks(0.004f, 0.00015f, 1.0f);
 
 constexpr Preset paintFinishes[] = {
     {"flat", {{&Params::specular_roughness, {0.9f}}, {&Params::diffuse_roughness, {0.5f}}}},
@@ -48,7 +40,7 @@ constexpr Row wallPaintOwn[] = {
      paintFinishes},
     {choiceRow(
          "application", "how it was put on",
-         "normal: none when sprayed, orange peel of 4 mm by roller, streaks of 5 mm by brush"),
+         "normal: none when sprayed, orange peel of 4 mm by roller, streaks of 4 mm by brush"),
      {},
      Duty::None,
      applications},
@@ -110,7 +102,11 @@ constexpr Preset uses[] = {
     {"flooring", {{&Params::diffuse_roughness, {0.15f}}}},
 };
 
-constexpr Preset grains[] = {{"none"}, {"plank"}, {"end"}};
+constexpr Preset grains[] = {
+    {"none"},
+    {"plank"},
+    {"end", {}, nullptr, {{"wood_RadialNoise", {0.6f}}}},
+};
 
 constexpr Preset stains[] = {{"no_stain"}, {"color_choice"}};
 
@@ -165,7 +161,7 @@ constexpr Row hardwoodOwn[] = {
 };
 
 constexpr Pattern rings{"WoodSchema",  "grain", {"wood_Type"},
-                        "wood_Color1", 0.3f,    {"base_color", "normal"}};
+                        "wood_Color1", 0.0003f, {"base_color", "normal"}};
 
 } // namespace
 

@@ -146,28 +146,25 @@ void fillGlass(Params& params, const LegacyValues& values)
         params.specular_IOR = indexOfReflectance(values.number(":glazing_reflectance"));
 }
 
-constexpr Relief ripples{
-    "WaveSchema",
-    0.0f,
-    0.15f,
-    1.0f,
-    {{"wave_Sources", {8.0f}}, {"wave_Length", {0.15f}}, {"wave_LengthVariation", {0.6f}}}};
-constexpr Relief current{"WaveSchema",
-                         0.0f,
-                         0.3f,
-                         2.0f,
-                         {{"wave_Type", {1.0f}},
-                          {"wave_Sources", {8.0f}},
-                          {"wave_Length", {0.3f}},
-                          {"wave_LengthVariation", {0.7f}}}};
-constexpr Relief sea{"WaveSchema",
-                     0.0f,
-                     1.5f,
-                     4.0f,
-                     {{"wave_Type", {1.0f}},
-                      {"wave_Sources", {16.0f}},
-                      {"wave_Length", {1.5f}},
-                      {"wave_LengthVariation", {0.8f}}}};
+/// Straight waves that run much the same way, as under wind.
+constexpr Relief waves(float length, float depth, float sources, float variation)
+{
+    return {"WaveSchema",
+            0.0f,
+            length,
+            depth,
+            {{"wave_Type", {1.0f}},
+             {"wave_Sources", {sources}},
+             {"wave_Length", {length}},
+             {"wave_LengthVariation", {variation}}}};
+}
+constexpr Relief ripples = waves(0.2f, 0.022f, 12.0f, 0.5f);
+constexpr Relief stillness = waves(0.5f, 0.015f, 8.0f, 0.4f);
+constexpr Relief current = waves(0.3f, 0.04f, 12.0f, 0.7f);
+constexpr Relief swell = waves(4.0f, 0.9f, 24.0f, 0.75f);
+/// As insects and falling leaves draw them.
+constexpr Relief rings{
+    "WaveSchema", 0.0f, 0.12f, 0.01f, {{"wave_Sources", {3.0f}}, {"wave_Length", {0.12f}}}};
 
 // What the bottom sends back and what the water leaves of the light, linear: appearance, not measurement.
 constexpr Preset waters[] = {
@@ -177,7 +174,8 @@ constexpr Preset waters[] = {
      &ripples},
     {"reflecting_pool",
      {{&Params::base_color, {0.001f, 0.002f, 0.002f}},
-      {&Params::transmission_color, {0.238f, 0.356f, 0.369f}}}},
+      {&Params::transmission_color, {0.238f, 0.356f, 0.369f}}},
+     &stillness},
     {"stream",
      {{&Params::base_color, {0.05f, 0.06f, 0.035f}},
       {&Params::transmission_color, {0.62f, 0.72f, 0.58f}}},
@@ -185,11 +183,11 @@ constexpr Preset waters[] = {
     {"pond",
      {{&Params::base_color, {0.025f, 0.04f, 0.015f}},
       {&Params::transmission_color, {0.35f, 0.45f, 0.22f}}},
-     &ripples},
+     &rings},
     {"sea",
      {{&Params::base_color, {0.004f, 0.02f, 0.035f}},
       {&Params::transmission_color, {0.1f, 0.33f, 0.45f}}},
-     &sea},
+     &swell},
     {"custom"},
 };
 
@@ -250,7 +248,19 @@ constexpr Row mirrorOwn[] = {
      backings},
     {shareRow("roughness", "0 clear, 1 blind", 0.0f, "specular_roughness"),
      &Params::specular_roughness},
+    {shareRow("tarnish", "share that is tarnished, in patches", 0.0f,
+              "base_color turns dark brown, specular_roughness 0.5"),
+     {},
+     Duty::Patches},
 };
+
+void tarnish(Params& params, const LegacyValues& values)
+{
+    const float share = values.number("tarnish");
+    params.base_color =
+        params.base_color * (1.0f - share) + Params::Color(0.1f, 0.08f, 0.06f) * share;
+    params.specular_roughness += (0.5f - params.specular_roughness) * share;
+}
 
 } // namespace
 
@@ -290,6 +300,7 @@ constinit const Schema water{
     "WaterSchema", "water",  "water, by where it stands", {waterOwn, reliefRows}, liquid,
     nullptr,       fillWater};
 constinit const Schema mirror{
-    "MirrorSchema", "mirror", "mirrors", {mirrorOwn, reliefRows, cutOutRows}, silvered};
+    "MirrorSchema", "mirror", "mirrors", {mirrorOwn, reliefRows, cutOutRows},
+    silvered,       nullptr,  tarnish};
 
 } // namespace vyr::MaterialTranslation::materials::legacy

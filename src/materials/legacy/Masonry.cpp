@@ -86,7 +86,7 @@ constexpr auto slabRows = unitRows(0.4f, 0.4f, 0.005f);
 constexpr auto brickRows = unitRows(0.215f, 0.065f, 0.01f);
 
 constexpr Pattern tiles{"TileSchema", "bond", {"tile_Bond", {1.0f}},
-                        "tile_Color", 1.0f,   {"base_color", "normal"}};
+                        "tile_Color", 0.003f, {"base_color", "normal"}};
 
 constexpr Preset ceramicFinishes[] = {
     {"glossy",
@@ -116,32 +116,36 @@ constexpr Row ceramicOwn[] = {
      ceramicFinishes},
 };
 
-// Reliefs of worked surfaces, by noise: sizes in metres, strengths by eye.
-constexpr Relief broomed{"GradientSchema",
-                         0.02f,
-                         0.005f,
-                         0.6f,
-                         {{"gradient_Type", {2.0f}},
-                          {"gradient_Repeats", {4.0f}},
-                          {"gradient_Alternates", {1.0f}},
-                          {"gradient_NoiseAmount", {0.4f}},
-                          {"gradient_NoiseSize", {20.0f}}}};
+// Reliefs of worked surfaces: sizes and depths in metres, by eye.
+constexpr Relief broomed = streaks(0.006f, 0.0008f, 1.0f);
 constexpr Relief curved{
-    "WaveSchema", 0.0f, 0.03f, 0.6f, {{"wave_Sources", {1.0f}}, {"wave_Length", {0.03f}}}};
+    "WaveSchema", 0.0f, 0.03f, 0.0015f, {{"wave_Sources", {1.0f}}, {"wave_Length", {0.03f}}}};
 constexpr Relief exposed{"SpeckleSchema",
                          0.0f,
                          0.012f,
-                         1.5f,
+                         0.004f,
                          {{"speckle_Size", {0.012f}},
-                          {"speckle_Soften", {1.0f}},
+                          {"speckle_Soften", {0.6f}},
                           {"speckle_Amount", {0.95f}},
                           {"speckle_Color1", {0.0f, 0.0f, 0.0f}},
-                          {"speckle_Color2", {1.0f, 1.0f, 1.0f}}}};
-constexpr Relief cast{"NoiseSchema",
-                      0.5f,
-                      0.03f,
-                      0.5f,
-                      {{"noise_Type", {1.0f}}, {"noise_Size", {6.0f}}, {"noise_Levels", {4.0f}}}};
+                          {"speckle_Color2", {1.0f, 1.0f, 1.0f}}},
+                         0.55f};
+/// Clouds as cement sets, with or without a relief.
+constexpr Relief clouds(float depth, float shade)
+{
+    return {"NoiseSchema",
+            1.0f,
+            0.12f,
+            depth,
+            {{"noise_Type", {1.0f}},
+             {"noise_Size", {12.0f}},
+             {"noise_Levels", {6.0f}},
+             {"noise_ThresholdLow", {0.2f}},
+             {"noise_ThresholdHigh", {0.8f}}},
+            shade};
+}
+constexpr Relief cast = clouds(0.002f, 0.3f);
+constexpr Relief ground = clouds(0.0f, 0.5f);
 
 constexpr Preset concreteFinishes[] = {
     {"cast", {{&Params::specular_roughness, {0.8f}}, {&Params::diffuse_roughness, {0.5f}}}, &cast},
@@ -155,19 +159,22 @@ constexpr Preset concreteFinishes[] = {
      {{&Params::specular_roughness, {0.85f}}, {&Params::diffuse_roughness, {0.5f}}},
      &exposed},
     {"smooth", {{&Params::specular_roughness, {0.6f}}, {&Params::diffuse_roughness, {0.4f}}}},
-    {"polished", {{&Params::specular_roughness, {0.15f}}}},
+    {"polished", {{&Params::specular_roughness, {0.15f}}}, &ground},
 };
 
 constexpr Row concreteOwn[] = {
-    {choiceRow(
-         "finish", "how the surface was worked",
-         "specular_roughness and diffuse_roughness; relief: swirls of the mould, strokes of a "
-         "broom, or exposed aggregate"),
+    {choiceRow("finish", "how the surface was worked",
+               "specular_roughness and diffuse_roughness; relief and shades of base_color: clouds, "
+               "strokes "
+               "of a broom, or exposed aggregate"),
      {},
      Duty::None,
      concreteFinishes},
     {sealantRow("sealant", "over the surface"), {}, Duty::None, sealants},
-    {shareRow("weathering", "0 new, 1 old and dirty", 0.0f, "base_color is darker by up to 0.4")},
+    {shareRow("weathering", "share that is old and dirty, in patches", 0.0f,
+              "base_color is darker by 0.4; evenly where the finish shades it"),
+     {},
+     Duty::Patches},
 };
 
 /// Dirt takes light away; wet and worn surfaces are a little rougher.
@@ -200,18 +207,26 @@ constexpr Row masonryOwn[] = {
     {sealantRow("sealant", "over the wall"), {}, Duty::None, sealants},
 };
 
+constexpr Relief broken = []
+{
+    Relief relief = roughRelief;
+    relief.depth = 0.02f;
+    relief.shade = 0.5f;
+    return relief;
+}();
+
 constexpr Preset stoneFinishes[] = {
     {"polished", {{&Params::specular_roughness, {0.04f}}}},
     {"glossy", {{&Params::specular_roughness, {0.18f}}}},
     {"matte", {{&Params::specular_roughness, {0.5f}}, {&Params::diffuse_roughness, {0.2f}}}},
     {"unfinished",
      {{&Params::specular_roughness, {0.85f}}, {&Params::diffuse_roughness, {0.5f}}},
-     &roughRelief},
+     &broken},
 };
 
 constexpr Row stoneOwn[] = {
     {choiceRow("finish", "how it was worked",
-               "specular_roughness, rising to unfinished, which has a relief"),
+               "specular_roughness, rising to unfinished, which has a relief and darker hollows"),
      {},
      Duty::None,
      stoneFinishes},

@@ -37,12 +37,15 @@ constexpr Preset metals[] = {
     {"custom", {}},
 };
 
-constexpr Relief knurled{"GradientSchema", 0.004f, 0.004f, 2.0f, {{"gradient_Type", {11.0f}}}};
+constexpr Relief knurled = pyramids(0.002f, 0.0008f);
+constexpr Relief brushed = streaks(0.001f, 0.000012f, 1.0f);
 constexpr Preset metalFinishes[] = {
     {"polished", {{&Params::specular_roughness, {0.03f}}}},
     {"semipolished", {{&Params::specular_roughness, {0.15f}}}},
     {"satin", {{&Params::specular_roughness, {0.3f}}}},
-    {"brushed", {{&Params::specular_roughness, {0.3f}}, {&Params::specular_anisotropy, {0.8f}}}},
+    {"brushed",
+     {{&Params::specular_roughness, {0.3f}}, {&Params::specular_anisotropy, {0.8f}}},
+     &brushed},
     {"matte", {{&Params::specular_roughness, {0.5f}}}},
     {"knurled", {{&Params::specular_roughness, {0.15f}}}, &knurled},
     {"hammered", {{&Params::specular_roughness, {0.15f}}}, &dimpledRelief},
@@ -64,17 +67,20 @@ constexpr Row metalOwn[] = {
      &Params::base_color, Duty::Otherwise},
     fadeRow,
     byObjectRow,
-    {choiceRow("finish", "how it was worked",
-               "specular_roughness, specular_anisotropy of brushed metal, relief of knurled and "
-               "hammered metal",
-               "figures by eye"),
+    {choiceRow(
+         "finish", "how it was worked",
+         "specular_roughness, specular_anisotropy of brushed metal, relief of brushed, knurled and "
+         "hammered metal",
+         "figures by eye"),
      {},
      Duty::None,
      metalFinishes},
     {sealantRow("coat", "lacquer over the metal"), {}, Duty::None, sealants},
-    {shareRow(
-        "patina", "0 bright, 1 covered", 0.0f,
-        "towards a rough green crust on copper, brass and bronze, a dull grey one on others")},
+    {shareRow("patina", "share that is covered, in patches", 0.0f,
+              "base_color, metalness and specular_roughness: a rough green crust on copper, brass "
+              "and bronze, a dull grey one on others"),
+     {},
+     Duty::Patches},
     {choiceRow("perforation",
                "rows of holes, straight or staggered; without it, but with another property of the "
                "holes: "
@@ -157,9 +163,28 @@ constexpr Row metallicPaintOwn[] = {
      {},
      Duty::NamesColor,
      metals},
+    {lengthRow("flake_size", "of the largest flakes that are seen; 0, or without it: none is",
+               0.0005f, "base_color, by the pattern SpeckleSchema"),
+     {},
+     Duty::None,
+     {},
+     "speckle_Size"},
+    {plainColorRow("flake_color", "of flakes that are seen", {0.9f, 0.9f, 0.9f}),
+     {},
+     Duty::None,
+     {},
+     "speckle_Color2"},
     {shareRow("pearl", "strength of a pearl layer, seen at grazing angles", 0.0f, "sheen")},
     {plainColorRow("pearl_color", "of the pearl layer", {0.9f, 0.85f, 1.0f}, "sheen_color")},
 };
+
+constexpr Pattern flakes{"SpeckleSchema",
+                         "flake_size",
+                         {"speckle_Size", {0.0005f}},
+                         "speckle_Color1",
+                         0.0f,
+                         {"base_color", nullptr},
+                         {{"speckle_Soften", {0.5f}}}};
 
 void addFlakes(Params& params, const LegacyValues& values)
 {
@@ -200,7 +225,7 @@ constinit const Schema metallicPaint{"MetallicPaintSchema",
                                      "paint with metal flakes under a clear lacquer",
                                      {metallicPaintOwn, reliefRows, cutOutRows},
                                      lacquered,
-                                     nullptr,
+                                     &flakes,
                                      addFlakes};
 
 } // namespace vyr::MaterialTranslation::materials::legacy

@@ -34,14 +34,16 @@ struct Constant
     std::array<float, 3> value{};
 };
 
-/// A procedural texture whose properties are constant.
+/// A procedural texture whose properties are constant; its colours are heights from 0 to 1.
 struct Relief
 {
     const char* schema;
     float size;    ///< of the image, metres; 0: the texture knows
     float feature; ///< of what it is made of, metres: a property may ask for another
-    float amount;  ///< of the relief when no property says otherwise
-    Constant constants[5]{};
+    float depth;   ///< from the lowest to the highest, metres; 0: only the colour shows it
+    Constant constants[6]{};
+    /// How much darker than its colour the lowest is.
+    float shade = 0.0f;
 };
 
 /// What a choice does.
@@ -74,6 +76,7 @@ enum class Duty
     ReliefTexture, ///< a connected texture is the relief
     ReliefAmount,
     ReliefSize, ///< of what the relief of a choice is made of
+    Patches,    ///< a share of the surface, which is covered in patches
     CutOut,     ///< a connected texture is the opacity
     NamesColor, ///< the colour of the choice is the material's; where it has none, the row Otherwise
     Otherwise,
@@ -101,7 +104,7 @@ struct Pattern
     Constant implied;
     /// The pattern's property that the schema's colour is; null: none.
     const char* color;
-    float amount;          ///< of the relief
+    float depth;           ///< of the relief, metres
     const char* inputs[2]; ///< of the shader
     Constant constants[2]{};
 };

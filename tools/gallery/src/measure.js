@@ -5,6 +5,8 @@ const METRES = {
     meter: 1, kilometer: 1000, mile: 1609.344,
 };
 const UNTEXTURED = 0.3;
+/** A tile is no smaller, so that the finest textures are seen as what they make up. */
+const LEAST = 0.05;
 const NICE = [1, 1.5, 2, 3, 4, 5, 6, 8, 10];
 
 /** Share of the plate's width that a decal takes. */
@@ -18,11 +20,12 @@ function unitOf(texture) {
     return METRES[unit] ?? 1;
 }
 
-function repeat(texture) {
+/** Both sides of the image, in metres. */
+function sidesOf(texture) {
     const metres = unitOf(texture);
     const scale = pairOf(texture, "realworld_scale");
     const repeats = pairOf(texture, "uv_scale");
-    return Math.max(...scale.map((length, axis) => Math.abs((length * metres) / repeats[axis])));
+    return scale.map((length, axis) => Math.abs((length * metres) / repeats[axis]));
 }
 
 function nice(length) {
@@ -62,12 +65,13 @@ export function plateOf(text, share = DECAL_SHARE) {
 
 /**
  * Of a document's text: the width in metres that the tile should stand for, so that one and a half repeats of
- * the largest texture are seen, or one when it does not repeat; and whether there is a texture at all.
+ * the shorter side of the largest texture are seen, or one of its longer side when it does not repeat; and whether
+ * there is a texture at all.
  */
 export function tileSize(text) {
     const textures = texturesOf(text);
     if (!textures.length) return { metres: UNTEXTURED, textured: false };
     const periodic = textures.every((texture) => valueOf(texture, "uaddressmode") !== "clamp" && valueOf(texture, "vaddressmode") !== "clamp");
-    const largest = Math.max(...textures.map(repeat));
-    return { metres: periodic ? nice(largest * 1.5) : largest, textured: true };
+    const largest = (side) => Math.max(...textures.map((texture) => side(...sidesOf(texture))));
+    return { metres: periodic ? nice(Math.max(largest(Math.min) * 1.5, LEAST)) : largest(Math.max), textured: true };
 }
