@@ -223,7 +223,8 @@ ExitStatus run(const SchemaCommand& command)
         }
     }
     if (hasTextures)
-        addProperties(document.root().addObject("placement"), MaterialTranslation::texturePlacement());
+        addProperties(document.root().addObject("placement"),
+                      MaterialTranslation::texturePlacement());
     if (text.empty())
     {
         complain("vyr-mtlx: there is no schema " + base::inQuotes(command.name) +

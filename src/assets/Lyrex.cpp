@@ -116,7 +116,8 @@ constexpr const LyrexProperty* glazing[] = {
 constexpr LyrexFamily families[] = {
     {"LyrexMetalSchema", "kvor:metal", metal, lyrex::metalRows, lyrex::metalMeaning},
     {"LyrexOpaqueSchema", "kvor:opaque", opaque, lyrex::opaqueRows, lyrex::opaqueMeaning},
-    {"LyrexTransparentSchema", "kvor:transparent", transparent, lyrex::transparentRows, lyrex::transparentMeaning},
+    {"LyrexTransparentSchema", "kvor:transparent", transparent, lyrex::transparentRows,
+     lyrex::transparentMeaning},
     {"LyrexLayeredSchema", "kvor:layered", layered, lyrex::layeredRows, lyrex::layeredMeaning},
     {"LyrexGlazingSchema", "kvor:glazing", glazing, lyrex::glazingRows, lyrex::glazingMeaning},
 };

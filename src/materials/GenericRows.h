@@ -75,25 +75,27 @@ inline constexpr GenericProperty genericProperties[] = {
      TextureRole::Value,
      "generic_diffuse_image_fade"},
     {genericFadeRow("generic_diffuse_image_fade", "0 switches the texture of generic_diffuse off")},
-    {genericShareRow("generic_reflectivity_at_0deg", "share of the light that is mirrored, seen straight on",
-              "specular and specular_roughness; metalness where generic_is_metal is true, rising from "
-              "0.15 to 0.7; an image: specular"),
+    {genericShareRow(
+         "generic_reflectivity_at_0deg", "share of the light that is mirrored, seen straight on",
+         "specular and specular_roughness; metalness where generic_is_metal is true, rising from "
+         "0.15 to 0.7; an image: specular"),
      shaderInput("specular")},
     {{.name = "generic_is_metal",
       .kind = PropertyKind::Boolean,
       .meaning = "a metal, whose reflection has its own colour",
       .effect = "metalness, by generic_reflectivity_at_0deg"}},
     {genericShareRow("generic_glossiness", "0 is dull, 1 a mirror",
-              "specular_roughness and diffuse_roughness, which are its opposite; an image: "
-              "specular_roughness"),
+                     "specular_roughness and diffuse_roughness, which are its opposite; an image: "
+                     "specular_roughness"),
      shaderInput("specular_roughness")},
     {genericShareRow("generic_transparency", "share of the light that passes", "transmission"),
      shaderInput("transmission"), TextureRole::Value, "generic_transparency_image_fade"},
     {genericFadeRow("generic_transparency_image_fade",
-             "0 switches the texture of generic_transparency off")},
-    {genericShareRow("generic_refraction_translucency_weight", "share of the light that is scattered inside",
-              "subsurface and thin_walled, where generic_transparency is above 0; an image: "
-              "transmission_color"),
+                    "0 switches the texture of generic_transparency off")},
+    {genericShareRow("generic_refraction_translucency_weight",
+                     "share of the light that is scattered inside",
+                     "subsurface and thin_walled, where generic_transparency is above 0; an image: "
+                     "transmission_color"),
      shaderInput("transmission_color"), TextureRole::Value, nullptr, mayBeTransparent},
     {{.name = "generic_refraction_index",
       .kind = PropertyKind::Scalar,

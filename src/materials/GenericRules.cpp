@@ -97,7 +97,8 @@ class GenericRules
         {
             return p.input && at(p).isConnected() &&
                    (!p.fade || _asset[p.fade].numberIfAny().value_or(1.0f) > 0.0f) &&
-                   (!*p.row.needs || _asset[p.row.needs].hasValue()) && (!p.mayShow || p.mayShow(_asset));
+                   (!*p.row.needs || _asset[p.row.needs].hasValue()) &&
+                   (!p.mayShow || p.mayShow(_asset));
         };
         for (const GenericProperty& property : genericProperties)
             if (shows(property))

@@ -21,7 +21,8 @@ const std::vector<SchemaRow>& genericMaterials()
     }();
     static const std::vector<SchemaRow> schemas = {
         {assets::genericSchema,
-         "a material in the terms of a standard surface. Materials of other schemas may carry these "
+         "a material in the terms of a standard surface. Materials of other schemas may carry "
+         "these "
          "properties too, as their generic table",
          rows.data(), rows.size()}};
     return schemas;

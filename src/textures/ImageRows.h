@@ -25,10 +25,8 @@ constexpr PropertyRow placementRow(const char* name, const char* meaning, float 
 
 constexpr PropertyRow imageFileRow(const char* name)
 {
-    return {.name = name,
-            .kind = PropertyKind::Uri,
-            .meaning = "its image file",
-            .hasFallback = false};
+    return {
+        .name = name, .kind = PropertyKind::Uri, .meaning = "its image file", .hasFallback = false};
 }
 
 constexpr PropertyRow repeatRow(const char* name, const char* meaning)
@@ -40,14 +38,16 @@ inline constexpr PropertyRow placementRows[] = {
     placementRow("texture_RealWorldOffsetX", "shift to the right on the surface", 0.0f, "length"),
     placementRow("texture_RealWorldOffsetY", "shift upwards on the surface", 0.0f, "length"),
     placementRow("texture_RealWorldScaleX", "width of the image on the surface", 1.0f, "length"),
-    placementRow("texture_RealWorldScaleY", "height of the image on the surface, in the unit of its width",
-                 1.0f, "length"),
+    placementRow("texture_RealWorldScaleY",
+                 "height of the image on the surface, in the unit of its width", 1.0f, "length"),
     placementRow("texture_UOffset", "moves the image to the right, as a share of a repeat"),
     placementRow("texture_VOffset", "moves the image up, as a share of a repeat"),
     placementRow("texture_UScale", "repeats of the image within its width", 1.0f),
     placementRow("texture_VScale", "repeats of the image within its height", 1.0f),
-    repeatRow("texture_URepeat", "whether the image repeats along u; procedural textures do unless it is false"),
-    repeatRow("texture_VRepeat", "whether the image repeats along v; procedural textures do unless it is false"),
+    repeatRow("texture_URepeat",
+              "whether the image repeats along u; procedural textures do unless it is false"),
+    repeatRow("texture_VRepeat",
+              "whether the image repeats along v; procedural textures do unless it is false"),
     placementRow("texture_WAngle", "turn of the image, counter-clockwise", 0.0f, "degree"),
 };
 

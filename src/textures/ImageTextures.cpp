@@ -122,9 +122,8 @@ Placement readPlacement(const TextureRequest& request)
     const auto isSet = [&](const PropertyRow& row)
     { return request.texture[row.name].boolean(row.fallback[0] != 0.0f); };
     Placement placement;
-    placement.realWorldOffset =
-        readPair(request, imageRow("texture_RealWorldOffsetX"),
-                                        imageRow("texture_RealWorldOffsetY"));
+    placement.realWorldOffset = readPair(request, imageRow("texture_RealWorldOffsetX"),
+                                         imageRow("texture_RealWorldOffsetY"));
     placement.realWorldScale = readRealWorldScale(request);
     placement.uvOffset = {bare(imageRow("texture_UOffset")), bare(imageRow("texture_VOffset"))};
     placement.uvScale = {bare(imageRow("texture_UScale")), bare(imageRow("texture_VScale"))};
@@ -163,14 +162,13 @@ Reading readLyrexBitmap(const TextureRequest& request)
 Reading readHeightMap(const TextureRequest& request, const char* imageProperty,
                       const std::optional<float>& givenDepth)
 {
-    return readMap(
-        request, "kvor:height_map", imageProperty,
-        [&](const Texture& texture) -> Strength
-        {
-            if (givenDepth)
-                return {"depth", {*givenDepth, texture.placement->realWorldScale.unit}};
-            return {"depth", readMeasured(request, depthRow, base::distanceUnitType)};
-        });
+    return readMap(request, "kvor:height_map", imageProperty,
+                   [&](const Texture& texture) -> Strength
+                   {
+                       if (givenDepth)
+                           return {"depth", {*givenDepth, texture.placement->realWorldScale.unit}};
+                       return {"depth", readMeasured(request, depthRow, base::distanceUnitType)};
+                   });
 }
 
 Reading readNormalMap(const TextureRequest& request, const char* imageProperty,
@@ -181,8 +179,7 @@ Reading readNormalMap(const TextureRequest& request, const char* imageProperty,
                    {
                        if (givenScale)
                            return {"normal_scale", {*givenScale, {}}};
-                       return {"normal_scale",
-                               readMeasured(request, normalScaleRow, "")};
+                       return {"normal_scale", readMeasured(request, normalScaleRow, "")};
                    });
 }
 
@@ -220,8 +217,8 @@ const std::vector<SchemaRow>& imageTextures()
     static const std::vector<SchemaRow> schemas = {
         {assets::bitmapSchema, "an image, for colours and numbers, or as heights", bitmapRows,
          std::size(bitmapRows)},
-        {assets::bumpMapSchema, "a height or normal map, for the normals of Lyrex materials", bumpMapRows,
-         std::size(bumpMapRows)},
+        {assets::bumpMapSchema, "a height or normal map, for the normals of Lyrex materials",
+         bumpMapRows, std::size(bumpMapRows)},
     };
     return schemas;
 }

@@ -26,7 +26,7 @@ def run(*arguments):
     return subprocess.run([TOOL, *map(str, arguments)], capture_output=True, encoding="utf-8", check=True).stdout
 
 
-SCHEMAS = json.loads(run("schema", "--json"))["groups"][0]["schemas"]
+SCHEMAS = next(group["schemas"] for group in json.loads(run("schema", "--json"))["groups"] if group["name"] == "Legacy materials")
 
 
 def choice(value):
