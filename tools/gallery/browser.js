@@ -62,7 +62,7 @@ export async function withPage(url, ready, problems, action) {
         page.on("request", (request) => {
             if (!/^(file|data|blob):/.test(request.url())) problems.push(`request: ${request.url()}`);
         });
-        await page.goto(url);
+        await page.goto(url, { timeout: PATIENCE });
         await untilReady(page, ready);
         return await action(page);
     } finally {

@@ -163,26 +163,30 @@ constexpr Row hardwoodOwn[] = {
 constexpr Pattern rings{"WoodSchema",  "grain", {"wood_Type"},
                         "wood_Color1", 0.0003f, {"base_color", "normal"}};
 
+constexpr Schema wallPaint{"WallPaintSchema",
+                           "wallpaint",
+                           "paint on walls",
+                           {colorRows, wallPaintOwn, reliefRows},
+                           binder};
+constexpr Schema plasticVinyl{"PlasticVinylSchema",
+                              "plasticvinyl",
+                              "plastics and vinyl",
+                              {colorRows, plasticOwn, reliefRows, cutOutRows},
+                              binder,
+                              nullptr,
+                              colorTransparent};
+constexpr Schema hardwood{"HardwoodSchema",
+                          "hardwood",
+                          "wood, stained and varnished",
+                          {colorRows, hardwoodOwn, reliefRows},
+                          wood,
+                          &rings,
+                          stain};
+
+constexpr const Schema* all[] = {&wallPaint, &plasticVinyl, &hardwood};
+
 } // namespace
 
-constinit const Schema wallPaint{"WallPaintSchema",
-                                 "wallpaint",
-                                 "paint on walls",
-                                 {colorRows, wallPaintOwn, reliefRows},
-                                 binder};
-constinit const Schema plasticVinyl{"PlasticVinylSchema",
-                                    "plasticvinyl",
-                                    "plastics and vinyl",
-                                    {colorRows, plasticOwn, reliefRows, cutOutRows},
-                                    binder,
-                                    nullptr,
-                                    colorTransparent};
-constinit const Schema hardwood{"HardwoodSchema",
-                                "hardwood",
-                                "wood, stained and varnished",
-                                {colorRows, hardwoodOwn, reliefRows},
-                                wood,
-                                &rings,
-                                stain};
+constinit const std::span<const Schema* const> finishSchemas{all};
 
 } // namespace vyr::MaterialTranslation::materials::legacy

@@ -262,6 +262,28 @@ void tarnish(Params& params, const LegacyValues& values)
     params.specular_roughness += (0.5f - params.specular_roughness) * share;
 }
 
+constexpr Schema glazing{"GlazingSchema",
+                         "glazing",
+                         "panes of glass, one or several, thin",
+                         {glazingOwn, reliefRows, cutOutRows},
+                         pane,
+                         nullptr,
+                         stackPanes};
+constexpr Schema solidGlass{"SolidGlassSchema",
+                            "solidglass",
+                            "glass that is solid through and through",
+                            {solidGlassOwn, reliefRows, cutOutRows},
+                            block,
+                            nullptr,
+                            fillGlass};
+constexpr Schema water{
+    "WaterSchema", "water",  "water, by where it stands", {waterOwn, reliefRows}, liquid,
+    nullptr,       fillWater};
+constexpr Schema mirror{"MirrorSchema", "mirror", "mirrors", {mirrorOwn, reliefRows, cutOutRows},
+                        silvered,       nullptr,  tarnish};
+
+constexpr const Schema* all[] = {&glazing, &solidGlass, &water, &mirror};
+
 } // namespace
 
 float indexOfReflectance(float reflectance)
@@ -282,25 +304,6 @@ std::optional<WaterColors> waterColors(const std::string& choice)
                        {transmission[0], transmission[1], transmission[2]}};
 }
 
-constinit const Schema glazing{"GlazingSchema",
-                               "glazing",
-                               "panes of glass, one or several, thin",
-                               {glazingOwn, reliefRows, cutOutRows},
-                               pane,
-                               nullptr,
-                               stackPanes};
-constinit const Schema solidGlass{"SolidGlassSchema",
-                                  "solidglass",
-                                  "glass that is solid through and through",
-                                  {solidGlassOwn, reliefRows, cutOutRows},
-                                  block,
-                                  nullptr,
-                                  fillGlass};
-constinit const Schema water{
-    "WaterSchema", "water",  "water, by where it stands", {waterOwn, reliefRows}, liquid,
-    nullptr,       fillWater};
-constinit const Schema mirror{
-    "MirrorSchema", "mirror", "mirrors", {mirrorOwn, reliefRows, cutOutRows},
-    silvered,       nullptr,  tarnish};
+constinit const std::span<const Schema* const> glassSchemas{all};
 
 } // namespace vyr::MaterialTranslation::materials::legacy

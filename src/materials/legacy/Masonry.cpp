@@ -233,32 +233,36 @@ constexpr Row stoneOwn[] = {
     {sealantRow("sealant", "over the stone"), {}, Duty::None, sealants},
 };
 
+constexpr Schema ceramic{"CeramicSchema",
+                         "ceramic",
+                         "glazed and unglazed ceramics, in pieces or tiled",
+                         {colorRows, ceramicOwn, tileRows, reliefRows},
+                         glassy,
+                         &tiles};
+constexpr Schema concrete{"ConcreteSchema",
+                          "concrete",
+                          "concrete, as it was worked and sealed",
+                          {colorRows, concreteOwn, reliefRows},
+                          cement,
+                          nullptr,
+                          weather};
+constexpr Schema masonry{"MasonryCMUSchema",
+                         "masonrycmu",
+                         "walls of brick or concrete units",
+                         {colorRows, masonryOwn, brickRows, reliefRows},
+                         clay,
+                         &tiles};
+constexpr Schema stone{"StoneSchema",
+                       "stone",
+                       "natural stone, as it was worked and sealed",
+                       {colorRows, stoneOwn, slabRows, reliefRows},
+                       rock,
+                       &tiles};
+
+constexpr const Schema* all[] = {&ceramic, &concrete, &masonry, &stone};
+
 } // namespace
 
-constinit const Schema ceramic{"CeramicSchema",
-                               "ceramic",
-                               "glazed and unglazed ceramics, in pieces or tiled",
-                               {colorRows, ceramicOwn, tileRows, reliefRows},
-                               glassy,
-                               &tiles};
-constinit const Schema concrete{"ConcreteSchema",
-                                "concrete",
-                                "concrete, as it was worked and sealed",
-                                {colorRows, concreteOwn, reliefRows},
-                                cement,
-                                nullptr,
-                                weather};
-constinit const Schema masonry{"MasonryCMUSchema",
-                               "masonrycmu",
-                               "walls of brick or concrete units",
-                               {colorRows, masonryOwn, brickRows, reliefRows},
-                               clay,
-                               &tiles};
-constinit const Schema stone{"StoneSchema",
-                             "stone",
-                             "natural stone, as it was worked and sealed",
-                             {colorRows, stoneOwn, slabRows, reliefRows},
-                             rock,
-                             &tiles};
+constinit const std::span<const Schema* const> masonrySchemas{all};
 
 } // namespace vyr::MaterialTranslation::materials::legacy

@@ -196,6 +196,18 @@ void addFlakes(Params& params, const LegacyValues& values)
     }
 }
 
+constexpr Schema metal{"MetalSchema", "metal", "bare metals", {metalOwn, reliefRows, cutOutRows},
+                       bare,          &holes,  coverMetal};
+constexpr Schema metallicPaint{"MetallicPaintSchema",
+                               "metallicpaint",
+                               "paint with metal flakes under a clear lacquer",
+                               {metallicPaintOwn, reliefRows, cutOutRows},
+                               lacquered,
+                               &flakes,
+                               addFlakes};
+
+constexpr const Schema* all[] = {&metal, &metallicPaint};
+
 } // namespace
 
 std::optional<Params::Color> metalReflectance(const std::string& choice)
@@ -217,15 +229,6 @@ std::optional<Params::Color> metalReflectance(const std::string& choice)
     return Params::Color(color[0], color[1], color[2]);
 }
 
-constinit const Schema metal{
-    "MetalSchema", "metal", "bare metals", {metalOwn, reliefRows, cutOutRows},
-    bare,          &holes,  coverMetal};
-constinit const Schema metallicPaint{"MetallicPaintSchema",
-                                     "metallicpaint",
-                                     "paint with metal flakes under a clear lacquer",
-                                     {metallicPaintOwn, reliefRows, cutOutRows},
-                                     lacquered,
-                                     &flakes,
-                                     addFlakes};
+constinit const std::span<const Schema* const> metalSchemas{all};
 
 } // namespace vyr::MaterialTranslation::materials::legacy

@@ -1,5 +1,7 @@
 #include "materials/legacy/NamedSchema.h"
 
+#include <algorithm>
+
 namespace vyr::MaterialTranslation
 {
 
@@ -37,8 +39,13 @@ const std::deque<NamedSchema>& namedSchemas()
 {
     static const std::deque<NamedSchema> named = []
     {
+        std::vector<const Schema*> schemas;
+        for (const auto list : {finishSchemas, glassSchemas, masonrySchemas, metalSchemas})
+            schemas.insert(schemas.end(), list.begin(), list.end());
+        std::ranges::sort(schemas, {},
+                          [](const Schema* each) { return std::string_view(each->name); });
         std::deque<NamedSchema> all;
-        for (const Schema* schema : schemas())
+        for (const Schema* schema : schemas)
             all.emplace_back(*schema);
         return all;
     }();

@@ -160,21 +160,10 @@ struct WaterColors
 };
 std::optional<WaterColors> waterColors(const std::string& choice);
 
-/// All schemas. A further one is a table in one of the files beside this one, and a line in Schemas.cpp.
-std::span<const Schema* const> schemas();
-
-extern const Schema ceramic;
-extern const Schema concrete;
-extern const Schema glazing;
-extern const Schema hardwood;
-extern const Schema masonry;
-extern const Schema metal;
-extern const Schema metallicPaint;
-extern const Schema mirror;
-extern const Schema plasticVinyl;
-extern const Schema solidGlass;
-extern const Schema stone;
-extern const Schema wallPaint;
-extern const Schema water;
+/// The schemas of each file beside this one, in any order.
+extern const std::span<const Schema* const> finishSchemas;
+extern const std::span<const Schema* const> glassSchemas;
+extern const std::span<const Schema* const> masonrySchemas;
+extern const std::span<const Schema* const> metalSchemas;
 
 } // namespace vyr::MaterialTranslation::materials::legacy
