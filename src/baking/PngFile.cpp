@@ -15,7 +15,7 @@
 
 #include "baking/DeflateStrip.h"
 #include "baking/ImageRows.h"
-#include "baking/PngLevel.h"
+#include "baking/PngPacking.h"
 #include "baking/PngRows.h"
 
 namespace vyr::MaterialTranslation::baking
@@ -26,10 +26,6 @@ namespace
 
 using Bytes = std::span<const unsigned char>;
 using Number = std::array<unsigned char, 4>;
-
-/// Bytes of the rows that are packed at a time: many strips for many threads, each many times as long as what
-/// deflate looks back at.
-constexpr std::size_t stripBytes = std::size_t{1} << 19;
 
 constexpr unsigned char zlibHeader[] = {0x78, 0x9C};
 
@@ -89,14 +85,14 @@ struct Strip
     std::size_t size = 0;
 };
 
-Strip packRows(const OIIO::ImageBuf& image, int yBegin, int yEnd, int level)
+Strip packRows(const OIIO::ImageBuf& image, int yBegin, int yEnd, PngPacking packing)
 {
     const OIIO::ImageSpec& spec = image.spec();
     const auto channels = static_cast<std::size_t>(spec.nchannels);
     const std::size_t values = static_cast<std::size_t>(spec.width) * channels;
     const auto row = [&](int y) { return static_cast<const float*>(image.pixeladdr(0, y)); };
     std::vector<unsigned char> filtered(static_cast<std::size_t>(yEnd - yBegin) * (1 + values));
-    PngRows rows(values, channels);
+    PngRows rows(values, channels, packing.filter);
     if (yBegin > 0)
         rows.setAbove(row(yBegin - 1));
     unsigned char* to = filtered.data();
@@ -108,7 +104,7 @@ Strip packRows(const OIIO::ImageBuf& image, int yBegin, int yEnd, int level)
     strip.adler = libdeflate_adler32(1, filtered.data(), filtered.size());
     if (yBegin == 0)
         strip.chunk.add(zlibHeader);
-    std::vector<unsigned char> packed = pack(filtered, level);
+    std::vector<unsigned char> packed = pack(filtered, packing.level);
     if (yEnd < spec.height)
         openEnd(packed);
     strip.chunk.add(packed);
@@ -120,15 +116,15 @@ std::vector<Strip> packStrips(const OIIO::ImageBuf& image, int threads)
     const OIIO::ImageSpec& spec = image.spec();
     const std::size_t rowBytes =
         1 + static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.nchannels);
-    const int rows = static_cast<int>(
-        std::clamp<std::size_t>(stripBytes / rowBytes, 1, static_cast<std::size_t>(spec.height)));
+    const PngPacking packing = choosePngPacking(image, threads);
+    const int rows = static_cast<int>(std::clamp<std::size_t>(
+        packing.stripBytes / rowBytes, 1, static_cast<std::size_t>(spec.height)));
     std::vector<Strip> strips(static_cast<std::size_t>((spec.height + rows - 1) / rows));
-    const int level = choosePngLevel(image, threads);
     forEachTask(static_cast<int>(strips.size()), threads,
                 [&](int i)
                 {
                     strips[static_cast<std::size_t>(i)] =
-                        packRows(image, i * rows, std::min((i + 1) * rows, spec.height), level);
+                        packRows(image, i * rows, std::min((i + 1) * rows, spec.height), packing);
                 });
     return strips;
 }

@@ -125,6 +125,14 @@ template <Predict predict> constexpr Filter filterOf{cost<predict>, filter<predi
 constexpr std::array filters{filterOf<nothing>, filterOf<sub>, filterOf<up>, filterOf<average>,
                              filterOf<paeth>};
 
+std::size_t bestFilter(Near near, std::size_t count)
+{
+    std::array<std::size_t, filters.size()> costs{};
+    std::ranges::transform(filters, costs.begin(),
+                           [&](const Filter& filter) { return filter.cost(near, count); });
+    return static_cast<std::size_t>(std::ranges::min_element(costs) - costs.begin());
+}
+
 } // namespace
 
 void roundToBytes(const float* values, std::size_t count, unsigned char* bytes)
@@ -141,14 +149,16 @@ void roundToBytes(const float* values, std::size_t count, unsigned char* bytes)
     }
 }
 
-PngRows::PngRows(std::size_t values, std::size_t channels)
-    : _values(values), _channels(channels), _row(margin + values), _above(margin + values)
+PngRows::PngRows(std::size_t values, std::size_t channels, PngFilter filter)
+    : _values(values), _channels(channels), _filter(filter), _row(margin + values),
+      _above(margin + values)
 {
 }
 
 void PngRows::setAbove(const float* row)
 {
     roundToBytes(row, _values, _above.data() + margin);
+    _hasAbove = true;
 }
 
 void PngRows::add(const float* row, unsigned char* to)
@@ -156,13 +166,13 @@ void PngRows::add(const float* row, unsigned char* to)
     roundToBytes(row, _values, _row.data() + margin);
     const Near near{_row.data() + margin, _row.data() + margin - _channels, _above.data() + margin,
                     _above.data() + margin - _channels};
-    std::array<std::size_t, filters.size()> costs{};
-    std::ranges::transform(filters, costs.begin(),
-                           [&](const Filter& filter) { return filter.cost(near, _values); });
-    const auto best = std::ranges::min_element(costs) - costs.begin();
-    to[0] = static_cast<unsigned char>(best);
-    filters[static_cast<std::size_t>(best)].apply(near, _values, to + 1);
+    const std::size_t number = _hasAbove && _filter != PngFilter::Best
+                                   ? static_cast<std::size_t>(_filter)
+                                   : bestFilter(near, _values);
+    to[0] = static_cast<unsigned char>(number);
+    filters[number].apply(near, _values, to + 1);
     std::swap(_row, _above);
+    _hasAbove = true;
 }
 
 } // namespace vyr::MaterialTranslation::baking

@@ -6,13 +6,25 @@
 namespace vyr::MaterialTranslation::baking
 {
 
-/// Turns rows of floats into PNG's filtered rows of bytes, from the top down.
+/// What PNG subtracts from a byte: the one to the left, the one above and so on, in the order of their numbers.
+enum class PngFilter : unsigned char
+{
+    Nothing,
+    Left,
+    Above,
+    Average,
+    Paeth,
+    Best, ///< of each row the one whose bytes, taken as signed, have the lowest sum without signs
+};
+
+/// Turns rows of floats into PNG's filtered rows of bytes, from the top down. A row that has none above takes the
+/// best filter, whichever is given.
 class PngRows
 {
   public:
     /// @param values    Values in a row.
     /// @param channels  Values of a pixel, at most 4.
-    PngRows(std::size_t values, std::size_t channels);
+    PngRows(std::size_t values, std::size_t channels, PngFilter filter);
 
     /// Sets the row above the next one; without it that is a row of zeros, as above the first row of an image.
     void setAbove(const float* row);
@@ -23,6 +35,8 @@ class PngRows
   private:
     std::size_t _values;
     std::size_t _channels;
+    PngFilter _filter;
+    bool _hasAbove = false;
     // Zeros stand in front of both, for the pixel left of the first.
     std::vector<unsigned char> _row;
     std::vector<unsigned char> _above;

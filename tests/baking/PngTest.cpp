@@ -94,7 +94,7 @@ TEST(EncodePng, IsReadBackAsTheImageLibraryRoundsWhateverTheThreads)
                     << width << " x " << height << " x " << channels << ", " << kind;
                 const auto values = static_cast<std::size_t>(width * channels);
                 Bytes row(1 + values);
-                PngRows rows(values, static_cast<std::size_t>(channels));
+                PngRows rows(values, static_cast<std::size_t>(channels), PngFilter::Best);
                 for (int y = 0; y < std::min(height, 20); ++y)
                 {
                     rows.add(static_cast<const float*>(image.pixeladdr(0, y)), row.data());
