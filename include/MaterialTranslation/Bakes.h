@@ -150,6 +150,9 @@ struct BakeSettings
     /// 0: as many threads as OpenImageIO uses by default; 1: only the calling thread, for hosts that
     /// translate several materials side by side.
     int threads = 0;
+    /// Whether images are baked and gathered anew that an earlier translation left where they belong: a bake of
+    /// the same version, parameters and sources, and a copy of the same content. What comes out is the same.
+    bool anew = false;
 };
 
 /// Sets how later translations on the calling thread bake. Other threads keep their own settings.
@@ -157,6 +160,19 @@ VYR_MTLX_API void setBakeSettings(const BakeSettings& settings);
 
 /// The calling thread's settings.
 VYR_MTLX_API const BakeSettings& bakeSettings();
+
+/// The images that lie in a material's folder for its document, absolute.
+struct MaterialImages
+{
+    std::vector<std::filesystem::path> baked;
+    /// Of an earlier bake of the same version, parameters and sources.
+    std::vector<std::filesystem::path> kept;
+    /// Copies, also those that were there already; no image of the user that lies in the folder itself.
+    std::vector<std::filesystem::path> gathered;
+};
+
+/// Those of the calling thread's last translation or buildOverlay, if it succeeded.
+VYR_MTLX_API MaterialImages lastImages();
 
 /// Removes the images that the calling thread's last translation baked, where they were not there before
 /// it and nothing else uses them, and the material's folder if it is empty then. For a caller that fails a

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "bakes/BakeKey.h"
 #include "base/Paths.h"
 #include "base/SharedLibrary.h"
 
@@ -76,7 +77,23 @@ std::invoke_result_t<Function, Arguments...> call(Function BakeLibrary::* functi
 BakeOutcome bakeForMaterial(const MaterialBake& bake, const BakeSettings& settings,
                             const fs::path& place)
 {
-    return call(&BakeLibrary::bakeForMaterial, place, bake, settings, place);
+    try
+    {
+        const std::string key = keyOf(bake, settings.limits);
+        BakeOutcome outcome;
+        outcome.isKept = !settings.anew && !key.empty() && hasKey(place, key);
+        if (outcome.isKept)
+            return outcome;
+        outcome = call(&BakeLibrary::bakeForMaterial, place, bake, settings, place);
+        // What is to be told has to be told again the next time, and a source may have changed meanwhile.
+        if (!key.empty() && outcome.warnings.empty() && keyOf(bake, settings.limits) == key)
+            addKey(outcome.file, key);
+        return outcome;
+    }
+    catch (const std::bad_alloc&)
+    {
+        return {{}, false, "out of memory", {}}; // so short that it takes none
+    }
 }
 
 } // namespace bakes

@@ -26,6 +26,8 @@ struct BakeOutcome
     /// The image's bytes as a file has them; empty when it could not be made: its source is missing, unreadable or
     /// cannot be decoded, its parameters give no numbers, there is no memory, or the bakes' library is missing.
     std::vector<unsigned char> file;
+    /// The image stands in its place already, of the same bake, and there is no file here.
+    bool isKept = false;
     /// Why there is none, in one line with the file's name.
     std::string message;
     /// What was done differently from what was asked for, one line each.
@@ -56,9 +58,9 @@ struct NoiseBumpBake
 /// All of them. A further one is a record here and a function `run` for it in baking/MaterialBakes.cpp.
 using MaterialBake = std::variant<BumpBake, NoiseBumpBake, PatternBake>;
 
-/// Bakes an image for a material. Nothing is thrown.
+/// Bakes an image for a material, unless its place has it already. Nothing is thrown.
 ///
-/// @param place  Where the image will be, for messages; the extension names the format.
+/// @param place  Where the image will be; the extension names the format.
 BakeOutcome bakeForMaterial(const MaterialBake& bake, const BakeSettings& settings,
                             const std::filesystem::path& place);
 

@@ -77,7 +77,7 @@ std::vector<unsigned char> encodeFor(const std::filesystem::path& destination,
 void writeImage(const OIIO::ImageBuf& image, const std::filesystem::path& destination, int threads)
 {
     const std::vector<unsigned char> bytes = encodeFor(destination, image, threads);
-    if (const auto error = base::writeFile(destination, base::textOf(bytes)))
+    if (const auto error = base::writeFile(destination, base::textOf(bytes)).error)
         throw BakeError(destination, "cannot be written: " + error.message());
 }
 

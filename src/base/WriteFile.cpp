@@ -68,23 +68,29 @@ std::error_code copyInto(NewFile& target, const fs::path& from)
     return source.bad() ? std::make_error_code(std::errc::io_error) : std::error_code();
 }
 
+/// @param next gives a piece of the bytes that are expected, at most as long as asked for; an empty one at the end.
+template <class Next> bool holds(std::ifstream& file, const Next& next)
+{
+    constexpr std::size_t atOnce = std::size_t{1} << 16;
+    std::vector<char> piece(atOnce);
+    while (file)
+    {
+        file.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+        const auto count = static_cast<std::size_t>(file.gcount());
+        if (file.bad() || next(count) != std::string_view(piece.data(), count))
+            return false;
+    }
+    return file.eof();
+}
+
 /// Makes a file that is not there yet, which has no name before all of its content is in it.
 /// @return whether it was made. If not, nothing has changed, and replacing the file tells why.
 bool writeNewFile([[maybe_unused]] const fs::path& file, [[maybe_unused]] std::string_view bytes)
 {
 #if defined(__linux__)
-    // Asking costs less than writing in vain, and more than nothing: where the last file was new, this
-    // one probably is too.
-    static std::atomic<bool> lastWasThere{false};
-    struct stat former = {};
-    if (lastWasThere && ::lstat(file.c_str(), &former) == 0)
-        return false;
     NewFile target;
-    if (!target.openUnnamed(file.parent_path()) || target.write(bytes) || target.finish())
-        return false;
-    const bool named = target.giveName(file);
-    lastWasThere = !named && errno == EEXIST;
-    return named;
+    return target.openUnnamed(file.parent_path()) && !target.write(bytes) && !target.finish() &&
+           target.giveName(file);
 #else
     return false;
 #endif
@@ -136,8 +142,15 @@ class PendingFile::State
         return error;
     }
 
-    std::error_code publish(const fs::path& file)
+    std::error_code publish(const fs::path& file, SameBytes same)
     {
+        if (same == SameBytes::Stay && hasBytesOf(file, _temporary))
+        {
+            std::error_code ignored;
+            fs::remove(std::exchange(_temporary, fs::path()), ignored);
+            _target.reset();
+            return {};
+        }
         // It may be another place than the one for which it was written.
         if (isSpecial(file))
             return std::make_error_code(std::errc::operation_not_permitted);
@@ -199,9 +212,9 @@ std::error_code PendingFile::copy(const fs::path& from, const fs::path& to)
                         });
 }
 
-std::error_code PendingFile::publish(const fs::path& file)
+std::error_code PendingFile::publish(const fs::path& file, SameBytes same)
 {
-    return _state->publish(file);
+    return _state->publish(file, same);
 }
 
 std::error_code PendingFile::replace(const fs::path& file)
@@ -214,13 +227,58 @@ void PendingFile::withdraw() const
     _state->withdraw();
 }
 
-std::error_code writeFile(const fs::path& file, std::string_view bytes)
+bool hasBytes(const fs::path& file, std::string_view bytes)
 {
-    if (writeNewFile(file, bytes))
+    std::error_code error;
+    if (!fs::is_regular_file(fs::symlink_status(file, error)) ||
+        fs::file_size(file, error) != bytes.size())
+        return false;
+    std::ifstream stream(file, std::ios::binary);
+    return holds(stream,
+                 [&](std::size_t count)
+                 {
+                     const std::string_view piece = bytes.substr(0, count);
+                     bytes.remove_prefix(piece.size());
+                     return piece;
+                 });
+}
+
+bool hasBytesOf(const fs::path& file, const fs::path& source)
+{
+    std::error_code error;
+    std::error_code sourceError;
+    if (!fs::is_regular_file(fs::symlink_status(file, error)) ||
+        fs::file_size(file, error) != fs::file_size(source, sourceError) || error || sourceError)
+        return false;
+    std::ifstream stream(file, std::ios::binary);
+    std::ifstream expected(source, std::ios::binary);
+    std::string piece;
+    return expected && holds(stream,
+                             [&](std::size_t count)
+                             {
+                                 piece.resize(count);
+                                 expected.read(piece.data(), static_cast<std::streamsize>(count));
+                                 piece.resize(static_cast<std::size_t>(expected.gcount()));
+                                 return std::string_view(piece);
+                             });
+}
+
+Written writeFile(const fs::path& file, std::string_view bytes, SameBytes same)
+{
+    // Where the last file was new, this one probably is too, and asking costs more than trying.
+    static std::atomic<bool> lastWasThere{false};
+    const bool isTried = !lastWasThere;
+    if (isTried && writeNewFile(file, bytes))
+        return {};
+    std::error_code error;
+    lastWasThere = fs::exists(fs::symlink_status(file, error));
+    if (same == SameBytes::Stay && lastWasThere && hasBytes(file, bytes))
+        return {{}, true};
+    if (!isTried && !lastWasThere && writeNewFile(file, bytes))
         return {};
     PendingFile pending;
-    const std::error_code error = pending.write(file, bytes);
-    return error ? error : pending.replace(file);
+    error = pending.write(file, bytes);
+    return {error ? error : pending.replace(file)};
 }
 
 std::error_code copyFile(const fs::path& from, const fs::path& to)

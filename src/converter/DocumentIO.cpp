@@ -1,6 +1,8 @@
 #include <MaterialTranslation/DocumentIO.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <ranges>
@@ -10,6 +12,8 @@
 
 #include <MaterialXFormat/XmlIo.h>
 
+#include "base/Paths.h"
+#include "base/Text.h"
 #include "base/WriteFile.h"
 #include "converter/PlainXml.h"
 
@@ -103,6 +107,41 @@ std::string documentToXml(const MaterialX::DocumentPtr& document)
     return escapeAttributes(MaterialX::writeToXmlString(document));
 }
 
+std::string otherAssetOf(const std::filesystem::path& file, const std::string& asset)
+{
+    constexpr std::string_view attribute = "vyr_asset";
+    std::ifstream stream;
+    if (base::isFile(file))
+        stream.open(file, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(stream),
+                           std::istreambuf_iterator<char>()};
+    const std::string own = base::xmlText(asset);
+    // Mostly it is its own, without characters that are escaped, and then nothing has to be parsed.
+    if (text.find(attribute) == text.npos ||
+        text.find(std::string(attribute) + "=\"" + own + "\"") != text.npos)
+        return {};
+    const MaterialX::DocumentPtr document = MaterialX::createDocument();
+    std::string other;
+    try
+    {
+        MaterialX::XmlReadOptions options;
+        options.readXIncludeFunction = nullptr;
+        MaterialX::readFromXmlString(document, text, MaterialX::FileSearchPath(), &options);
+    }
+    catch (const MaterialX::Exception&)
+    {
+        return {};
+    }
+    for (const MaterialX::ElementPtr& element : document->getChildren())
+    {
+        const std::string& found = element->getAttribute(std::string(attribute));
+        if (found == own && !own.empty())
+            return {};
+        other = found.empty() ? other : found;
+    }
+    return other;
+}
+
 void writeDocumentFile(const MaterialX::DocumentPtr& document, const std::filesystem::path& file)
 {
     writeFileAtomically(file, documentToXml(document));
@@ -110,7 +149,7 @@ void writeDocumentFile(const MaterialX::DocumentPtr& document, const std::filesy
 
 void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes)
 {
-    if (const std::error_code error = base::writeFile(file, bytes))
+    if (const std::error_code error = base::writeFile(file, bytes).error)
         throw std::filesystem::filesystem_error("cannot write", file, error);
 }
 

@@ -71,8 +71,10 @@ bool translate(const assets::IAssetInstance& asset, const std::string& name,
         log.error(DiagnosticCode::CloneFailed, "", "the asset cannot be cloned");
         return false;
     }
-    auto files = std::make_unique<textures::MaterialFiles>(options.outputDirectory.str(), name);
     const BakeSettings bakes = bakeSettings();
+    auto files = std::make_unique<textures::MaterialFiles>(options.outputDirectory.str(), name,
+                                                           bakes.anew ? base::SameBytes::AreWritten
+                                                                      : base::SameBytes::Stay);
     const Translation translation{*clone, name, document, options, bakes, log, *files};
     const std::size_t firstChild = document->getChildren().size();
     if (!runTranslator(translation))

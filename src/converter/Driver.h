@@ -30,8 +30,7 @@ bool translate(const assets::IAssetInstance& asset, const std::string& name,
 /// Copies every file that a "filename" input of the translation names into the material's folder, and
 /// lets the input name the copy, by its absolute path.
 ///
-/// A file is copied once however many inputs name it; it is not copied again while the copy has its
-/// size and is newer, or has its time and its bytes. Different files of one name, also if only their case differs, get
+/// A file is copied once however many inputs name it; a copy that has its bytes is left alone. Different files of one name, also if only their case differs, get
 /// different names. A user's file is never moved, and never replaced, be it an image of a texture that nothing uses
 /// or one that is reached through links; a missing one stays as it is in the document.
 /// Files get their names when all are written: when one cannot be, a folder made for it is gone again.

@@ -74,8 +74,10 @@ bool gather(const mx::DocumentPtr& document, const std::string& name,
                   "not an existing folder: " + outputDirectory);
         return false;
     }
-    textures::MaterialFiles files(outputDirectory, name);
-    converter::gatherTextures(*document, 0, files, log);
+    const auto same = bakeSettings().anew ? base::SameBytes::AreWritten : base::SameBytes::Stay;
+    auto files = std::make_unique<textures::MaterialFiles>(outputDirectory, name, same);
+    converter::gatherTextures(*document, 0, *files, log);
+    textures::MaterialFiles::keep(std::move(files));
     return true;
 }
 
@@ -110,6 +112,7 @@ bool convertOverlay(const MaterialInfo& info, kelvor::platform::core::string::IS
 mx::DocumentPtr buildOverlay(const MaterialInfo& info, const ConverterOptions& options)
 {
     const LogSession session;
+    textures::MaterialFiles::keep(nullptr);
     return converter::reporting([&] { return makeDocument(info, options); });
 }
 

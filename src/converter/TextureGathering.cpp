@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <fstream>
 #include <map>
 #include <set>
 #include <string>
@@ -48,23 +47,6 @@ fs::file_status statusOf(const fs::path& path)
     return status;
 }
 
-bool haveEqualBytes(const fs::path& a, const fs::path& b)
-{
-    std::ifstream first(a, std::ios::binary);
-    std::ifstream second(b, std::ios::binary);
-    std::vector<char> ofFirst(std::size_t{1} << 16);
-    std::vector<char> ofSecond(ofFirst.size());
-    while (first && second)
-    {
-        first.read(ofFirst.data(), static_cast<std::streamsize>(ofFirst.size()));
-        second.read(ofSecond.data(), static_cast<std::streamsize>(ofSecond.size()));
-        if (first.gcount() != second.gcount() ||
-            !std::equal(ofFirst.begin(), ofFirst.begin() + first.gcount(), ofSecond.begin()))
-            return false;
-    }
-    return first.eof() && second.eof();
-}
-
 class Gathering
 {
   public:
@@ -96,6 +78,9 @@ class Gathering
             if (_gathered.empty())
                 return;
             _files.makeFolder();
+            for (const auto& [path, file] : _gathered)
+                if (file.baked)
+                    _files.prepare(base::pathFromUtf8(path), file.destination);
             copyAll();
         }
         catch (const fs::filesystem_error&)
@@ -243,7 +228,11 @@ class Gathering
         {
             const fs::path source = base::pathFromUtf8(file.source);
             if (file.baked || base::placeKey(source) == base::placeKey(file.destination) ||
-                !done.insert(file.destination).second || isUpToDate(source, file.destination))
+                isSameFile(source, file.destination) || !done.insert(file.destination).second)
+                continue;
+            _files.addGathered(file.destination);
+            if (_files.same() == base::SameBytes::Stay &&
+                base::hasBytesOf(file.destination, source))
                 continue;
             auto& [content, copied] = pending.emplace_back(base::PendingFile(), &file);
             if (const auto error = content.copy(source, file.destination))
@@ -254,29 +243,18 @@ class Gathering
         finish();
     }
 
+    /// Whether the destination is the source itself, not a link to it, which would be replaced.
+    static bool isSameFile(const fs::path& source, const fs::path& destination)
+    {
+        std::error_code error;
+        return fs::is_regular_file(fs::symlink_status(destination, error)) &&
+               base::isSameFile(source, destination);
+    }
+
     [[noreturn]] static void throwCopyError(const GatheredFile& file, const std::error_code& error)
     {
         throw fs::filesystem_error("copy_file", base::pathFromUtf8(file.source), file.destination,
                                    error);
-    }
-
-    /// Whether the destination is the source itself or a whole copy that is not older. A symbolic
-    /// link in the destination's place is neither: it is replaced, not followed.
-    static bool isUpToDate(const fs::path& source, const fs::path& destination)
-    {
-        std::error_code error;
-        const fs::file_status status = fs::symlink_status(destination, error);
-        if (!fs::is_regular_file(status))
-            return false;
-        if (base::isSameFile(source, destination))
-            return true;
-        if (fs::file_size(source, error) != fs::file_size(destination, error) || error)
-            return false;
-        // Copies keep the time, so an equal one says nothing yet: another image may have been there.
-        const auto sourceTime = fs::last_write_time(source, error);
-        const auto destinationTime = fs::last_write_time(destination, error);
-        return !error && (sourceTime < destinationTime ||
-                          (sourceTime == destinationTime && haveEqualBytes(source, destination)));
     }
 
     void rewriteInputs() const

@@ -26,6 +26,13 @@ std::mutex& placesMutex()
     return mutex;
 }
 
+/// All that have files, of every thread; behind the mutex.
+std::set<MaterialFiles*>& withFiles()
+{
+    static std::set<MaterialFiles*>& all = *new std::set<MaterialFiles*>;
+    return all;
+}
+
 std::unique_ptr<MaterialFiles>& lastFiles()
 {
     thread_local std::unique_ptr<MaterialFiles> files;
@@ -40,8 +47,9 @@ BakeSettings& threadSettings()
 
 } // namespace
 
-MaterialFiles::MaterialFiles(const std::string& outputDirectory, const std::string& material)
-    : _outputDirectory(outputDirectory), _material(material)
+MaterialFiles::MaterialFiles(const std::string& outputDirectory, const std::string& material,
+                             base::SameBytes same)
+    : _outputDirectory(outputDirectory), _material(material), _same(same)
 {
 }
 
@@ -64,6 +72,8 @@ MaterialFiles::~MaterialFiles()
     {
         // There was no memory for the folder's name: it stays, with nothing in it.
     }
+    const std::lock_guard lock(placesMutex());
+    withFiles().erase(this);
 }
 
 void MaterialFiles::makeFolder()
@@ -106,10 +116,13 @@ void MaterialFiles::add(const fs::path& place, std::string_view bytes)
     for (int attempt = 0; attempt < mostAttempts; ++attempt)
     {
         makeFolder();
-        File file{place, {}};
+        File file;
+        file.place = place;
         error = file.content.write(place, bytes);
         if (!error)
         {
+            const std::lock_guard lock(placesMutex());
+            withFiles().insert(this);
             _files.push_back(std::move(file));
             return;
         }
@@ -118,6 +131,44 @@ void MaterialFiles::add(const fs::path& place, std::string_view bytes)
             break;
     }
     throw fs::filesystem_error("write", place, error);
+}
+
+void MaterialFiles::addKept(const fs::path& place)
+{
+    const std::lock_guard lock(placesMutex());
+    withFiles().insert(this);
+    File& file = _files.emplace_back();
+    file.place = place;
+    file.isKept = true;
+    file.published = place;
+    shareWithOthers(place);
+}
+
+void MaterialFiles::shareWithOthers(const fs::path& place) const
+{
+    for (MaterialFiles* const other : withFiles())
+        if (other != this)
+            for (File& file : other->_files)
+                file.isShared = file.isShared || file.published == place;
+}
+
+void MaterialFiles::prepare(const fs::path& place, const fs::path& destination)
+{
+    const auto file = std::ranges::find(_files, place, &File::place);
+    if (file == _files.end() || !file->isKept || place == destination)
+        return;
+    if (const std::error_code error = file->content.copy(place, destination))
+        throw fs::filesystem_error("write", destination, error);
+    file->published.clear();
+}
+
+MaterialImages MaterialFiles::images() const
+{
+    MaterialImages images{{}, {}, _gathered};
+    for (const File& file : _files)
+        if (!file.published.empty())
+            (file.isKept ? images.kept : images.baked).push_back(file.published);
+    return images;
 }
 
 void MaterialFiles::drop(const fs::path& place)
@@ -130,11 +181,12 @@ void MaterialFiles::publish(const fs::path& place, const fs::path& destination)
     const std::lock_guard lock(placesMutex());
     for (File& file : _files)
     {
-        if (file.place != place || file.isPublished)
+        if (file.place != place || !file.published.empty())
             continue;
-        if (const std::error_code error = file.content.publish(destination))
+        if (const std::error_code error = file.content.publish(destination, _same))
             throw fs::filesystem_error("rename", destination, error);
-        file.isPublished = true;
+        file.published = destination;
+        shareWithOthers(destination);
     }
 }
 
@@ -161,8 +213,10 @@ void MaterialFiles::discard()
 {
     const std::lock_guard lock(placesMutex());
     for (const File& file : _files)
-        file.content.withdraw();
+        if (!file.isShared)
+            file.content.withdraw();
     _files.clear();
+    _gathered.clear();
     leaveFolder();
 }
 
@@ -189,6 +243,12 @@ void discardLastBakes()
 {
     if (const auto files = std::exchange(textures::lastFiles(), nullptr))
         files->discard();
+}
+
+MaterialImages lastImages()
+{
+    const auto& files = textures::lastFiles();
+    return files ? files->images() : MaterialImages();
 }
 
 void setBakeSettings(const BakeSettings& settings)

@@ -254,7 +254,7 @@ BakeResult bakeTextureFile(const std::filesystem::path& destination,
     warnings.insert(warnings.end(), outcome.warnings.begin(), outcome.warnings.end());
     if (outcome.file.empty())
         return {false, outcome.message, std::move(warnings)};
-    if (const auto error = base::writeFile(destination, base::textOf(outcome.file)))
+    if (const auto error = base::writeFile(destination, base::textOf(outcome.file)).error)
         return {false, name + "cannot be written: " + error.message(), std::move(warnings)};
     return {true, {}, std::move(warnings)};
 }

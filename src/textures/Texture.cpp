@@ -211,11 +211,14 @@ void TextureSet::bakeInto(Entry& entry, const std::vector<std::string>& images)
     for (const bakes::DroppedColorImage& image : outcome.droppedImages)
         log.warning(DiagnosticCode::TextureNotTranslated, image.property,
                     image.reason + "; the plain colour is used");
-    if (outcome.file.empty())
+    if (outcome.file.empty() && !outcome.isKept)
         return dropBake(entry, outcome.message);
     try
     {
-        _translation.files.add(place, base::textOf(outcome.file));
+        if (outcome.isKept)
+            _translation.files.addKept(place);
+        else
+            _translation.files.add(place, base::textOf(outcome.file));
     }
     catch (const std::filesystem::filesystem_error& error)
     {

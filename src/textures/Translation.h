@@ -21,7 +21,9 @@ namespace vyr::MaterialTranslation::textures
 class MaterialFiles
 {
   public:
-    MaterialFiles(const std::string& outputDirectory, const std::string& material);
+    /// @param same  what becomes of files that are there with the same bytes.
+    MaterialFiles(const std::string& outputDirectory, const std::string& material,
+                  base::SameBytes same);
     ~MaterialFiles();
     MaterialFiles(const MaterialFiles&) = delete;
     MaterialFiles& operator=(const MaterialFiles&) = delete;
@@ -43,6 +45,20 @@ class MaterialFiles
     /// Writes a file, which gets its place when it is published. Makes the folder.
     /// @throws std::filesystem::filesystem_error "write", and as makeFolder.
     void add(const std::filesystem::path& place, std::string_view bytes);
+
+    /// Adds a file that stands in its place already.
+    void addKept(const std::filesystem::path& place);
+
+    /// Says where a file is going to be published, before another file may get the place that it was added for.
+    /// @throws std::filesystem::filesystem_error "write"
+    void prepare(const std::filesystem::path& place, const std::filesystem::path& destination);
+
+    /// Notes a copy of a user's image.
+    void addGathered(const std::filesystem::path& place) { _gathered.push_back(place); }
+
+    base::SameBytes same() const { return _same; }
+
+    MaterialImages images() const;
 
     /// Says that nothing needs a file that was added.
     void drop(const std::filesystem::path& place);
@@ -78,16 +94,25 @@ class MaterialFiles
     {
         std::filesystem::path place;
         base::PendingFile content;
-        bool isPublished = false;
+        bool isKept = false;
+        /// Another translation found it in its place and needs it too.
+        bool isShared = false;
+        /// Empty until it has its place.
+        std::filesystem::path published;
     };
+
+    /// Says that this one needs a file too. To be called under the mutex of the places.
+    void shareWithOthers(const std::filesystem::path& place) const;
 
     std::string _outputDirectory;
     std::string _material;
+    base::SameBytes _same;
     /// Empty until it is asked for: most materials have no files.
     mutable std::filesystem::path _folder;
     bool _madeFolder = false;
     bool _kept = false;
     std::vector<File> _files;
+    std::vector<std::filesystem::path> _gathered;
 };
 
 } // namespace vyr::MaterialTranslation::textures

@@ -22,7 +22,7 @@ int main(int argc, char** argv)
         for (const std::size_t size = std::stoul(argv[4]); bytes.size() < size;)
             bytes += argv[3];
         for (int times = argc > 5 ? std::stoi(argv[5]) : 1; times > 0 && !error; --times)
-            error = vyr::base::writeFile(pathFromUtf8(argv[2]), bytes);
+            error = vyr::base::writeFile(pathFromUtf8(argv[2]), bytes).error;
     }
     if (error)
         std::cout << error.value() << '\n';

@@ -63,15 +63,17 @@ def make_files(case, folder):
 
 
 def contents(folder):
-    """The files below a folder with their bytes; none of a link that leads nowhere."""
-    return {path: path.read_bytes() if path.exists() else b"" for path in sorted(folder.rglob("*")) if not path.is_dir()}
+    """The files below a folder with their bytes, without the list of them; none of a link that leads nowhere."""
+    return {path: path.read_bytes() if path.exists() else b"" for path in sorted(folder.rglob("*"))
+            if not path.is_dir() and not path.match(".vyr-mtlx-*.json")}
 
 
 def other_files(folder, written, sources):
-    """Lines of the files that are no documents, each with the first file of the same content."""
+    """Lines of the files that are no documents, each with the first file of the same content, whatever it was baked of."""
     first = {content: name for name, content in reversed(sources.items())}
     for path, content in written.items():
         name = path.relative_to(folder).as_posix()
+        content = re.sub(rb"\0\0\0JtEXtvyr_bake\0.{65}.{4}", b"", content, flags=re.DOTALL)
         same = first.setdefault(content, name)
         if path.suffix != ".mtlx":
             yield name + (f" -> {os.readlink(path)}" if path.is_symlink() else f" = {same}" if same != name else "")
