@@ -113,7 +113,7 @@ std::string writeFailure(const std::string& file, const std::string& reason)
 void writeDocument(const fs::path& file, std::string_view text, Outcome& outcome)
 {
     const std::string shown = base::utf8FromPath(file);
-    const std::error_code error = base::writeFile(file, text);
+    const std::error_code error = base::writeFile(file, text).error;
     outcome.converted = !error;
     (error ? outcome.message : outcome.document) =
         error ? writeFailure(shown, error.message()) : shown;

@@ -144,7 +144,8 @@ class Delivery
 
     bool writeReport() const
     {
-        const auto error = base::writeFile(base::pathFromUtf8(_command.report), _report.text());
+        const auto error =
+            base::writeFile(base::pathFromUtf8(_command.report), _report.text()).error;
         if (error)
             complain("vyr-mtlx: " + writeFailure(_command.report, error.message()));
         return !error;

@@ -85,7 +85,7 @@ ExitStatus run(const InitCommand& command)
         return ExitStatus::WrongUse;
     }
     finishBeforeStopping();
-    if (const std::error_code error = base::writeFile(file, starter.text()))
+    if (const std::error_code error = base::writeFile(file, starter.text()).error)
     {
         complain("vyr-mtlx: " + batch::writeFailure(shown, error.message()));
         return ExitStatus::SomeFailed;

@@ -79,7 +79,8 @@ class Key
 
     void add(const ColorImage& image)
     {
-        const auto& [file, pattern, placement] = image;
+        const auto& [property, file, pattern, placement] =
+            image; // the property names it in messages alone
         add(pattern);
         if (!pattern)
             addSource(file);

@@ -86,13 +86,16 @@ BakeOutcome bakeForMaterial(const MaterialBake& bake, const BakeSettings& settin
             return outcome;
         outcome = call(&BakeLibrary::bakeForMaterial, place, bake, settings, place);
         // What is to be told has to be told again the next time, and a source may have changed meanwhile.
-        if (!key.empty() && outcome.warnings.empty() && keyOf(bake, settings.limits) == key)
+        if (!key.empty() && outcome.warnings.empty() && outcome.droppedImages.empty() &&
+            keyOf(bake, settings.limits) == key)
             addKey(outcome.file, key);
         return outcome;
     }
     catch (const std::bad_alloc&)
     {
-        return {{}, false, "out of memory", {}}; // so short that it takes none
+        BakeOutcome outcome;
+        outcome.message = "out of memory"; // so short that it takes none
+        return outcome;
     }
 }
 
