@@ -202,6 +202,17 @@ class Legacy(unittest.TestCase):
         red, green, blue = bare["metal_copper"]["base_color"]
         self.assertTrue(red > 1.3 * green >= 1.3 * blue)
 
+    def test_samples_show_every_schema(self):
+        root = pathlib.Path(__file__).resolve().parents[2]
+        library, page = root / "samples/legacy.json", (root / "docs/samples.md").read_text()
+        materials = json.loads(library.read_text())["materials"]
+        for schema in SCHEMAS:
+            self.assertGreaterEqual(sum(each["schema"] == schema["name"] for each in materials), 3, schema["name"])
+        for each in materials:
+            self.assertIn("| {displayName} (`{id}`) | `{schema}` | {description} |".format(**each), page)
+        with tempfile.TemporaryDirectory() as folder:
+            run("convert", library, "--legacy", "--strict", "--validate", "--output", folder, "--image-size", 16)
+
     def test_what_is_given_wins_and_what_is_dropped_is_told(self):
         mm = lambda value: {"type": "scalar", "value": value, "unit": "millimeter"}  # noqa: E731
         cases = {
