@@ -57,13 +57,13 @@ MadePattern patches(float share, const std::array<float, 3>& bare,
     constexpr double deviation = 0.13;
     const double odds = (1.0 - static_cast<double>(share)) / static_cast<double>(share);
     const auto edge = static_cast<float>(0.5 + deviation / 1.7 * std::log(odds));
-    constexpr float blur = 0.04f;
+    constexpr float blur = 0.12f;
     constexpr float size = 0.6f;
     return {"NoiseSchema",
             {},
             {{"noise_Type", {1.0f}},
              {"noise_Size", {12.0f}},
-             {"noise_Levels", {5.0f}},
+             {"noise_Levels", {7.0f}},
              {"noise_ThresholdLow", {edge - blur}},
              {"noise_ThresholdHigh", {edge + blur}},
              {"noise_Color1", bare},

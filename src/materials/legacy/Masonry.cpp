@@ -123,13 +123,13 @@ constexpr Relief curved{
 constexpr Relief exposed{"SpeckleSchema",
                          0.0f,
                          0.012f,
-                         0.004f,
+                         0.006f,
                          {{"speckle_Size", {0.012f}},
                           {"speckle_Soften", {0.6f}},
                           {"speckle_Amount", {0.95f}},
                           {"speckle_Color1", {0.0f, 0.0f, 0.0f}},
                           {"speckle_Color2", {1.0f, 1.0f, 1.0f}}},
-                         0.55f};
+                         0.45f};
 /// Clouds as cement sets, with or without a relief.
 constexpr Relief clouds(float depth, float shade)
 {
@@ -210,7 +210,7 @@ constexpr Row masonryOwn[] = {
 constexpr Relief broken = []
 {
     Relief relief = roughRelief;
-    relief.depth = 0.02f;
+    relief.depth = 0.014f;
     relief.shade = 0.5f;
     return relief;
 }();

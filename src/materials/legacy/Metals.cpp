@@ -124,7 +124,7 @@ void coverMetal(Params& params, const LegacyValues& values)
     const bool hasCopper = type == placeOf(metals, "brass") || type == placeOf(metals, "bronze") ||
                            type == placeOf(metals, "copper");
     const Params::Color crust =
-        hasCopper ? Params::Color(0.17f, 0.42f, 0.32f) : Params::Color(0.2f, 0.2f, 0.2f);
+        hasCopper ? Params::Color(0.1f, 0.31f, 0.24f) : Params::Color(0.2f, 0.2f, 0.2f);
     params.base_color = params.base_color * (1.0f - patina) + crust * patina;
     params.metalness = 1.0f - patina;
     params.specular_roughness += (0.85f - params.specular_roughness) * patina;
