@@ -598,6 +598,7 @@ constexpr KindOfPattern kinds[] = {
     {speckle, "speckle_Color1", "speckle_Color2"}, {tile, "tile_Color", "tile_JointColor"},
     {wave, "wave_Color1", "wave_Color2"},          {wood, "wood_Color1", "wood_Color2"},
 };
+static_assert(std::size(kinds) == bakes::patternKindCount, "a kind without a plain formula");
 
 } // namespace
 

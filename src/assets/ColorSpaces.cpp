@@ -103,8 +103,9 @@ std::string inputColorSpace(const ColorSpaceQuestion& question, const Log& log)
         return declared;
 
     const std::string version = question.source[versionProperty].text();
-    const bool sourceIsTexture = base::equalsIgnoringCase(version, bitmapSchema) ||
-                                 base::equalsIgnoringCase(version, bumpMapSchema);
+    const bool sourceIsTexture =
+        std::ranges::any_of(lyrexTextureSchemas, [&](const char* schema)
+                            { return base::equalsIgnoringCase(version, schema); });
     const bool colored = isColorOrVector(question.type);
     if (!colored && !sourceIsTexture && !question.isImage)
         return {};

@@ -13,6 +13,9 @@ inline constexpr const char* gamma22Rec709 = "g22_rec709";
 inline constexpr const char* displayRec709 = "rec709_display";
 inline constexpr const char* srgbTexture = "srgb_texture";
 
+/// The textures of "Lyrex" materials, whose own images count rather than the name of the material.
+inline constexpr const char* lyrexTextureSchemas[] = {bitmapSchema, bumpMapSchema};
+
 /// The colour space that the asset declares for a colour property by the choice in its companion
 /// "<identifier>_colorspace": `displayRec709` for "colorspace_sRGB_gamma24", `linearRec709` for
 /// "colorspace_linear", else empty. A companion that cannot be read declares nothing, with a warning.

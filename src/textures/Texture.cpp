@@ -5,7 +5,7 @@
 
 #include <MaterialTranslation/Schemas.h>
 
-#include "assets/Asset.h"
+#include "assets/ColorSpaces.h"
 #include "base/Paths.h"
 #include "base/Text.h"
 #include "graph/Nodes.h"
@@ -37,6 +37,15 @@ constexpr KindRow ownKinds[] = {
     {TextureRole::Lyrex, assets::bitmapSchema, readLyrexBitmap},
     {TextureRole::Lyrex, assets::bumpMapSchema, readLyrexMap},
 };
+
+constexpr bool hasColorSpace(const KindRow& kind)
+{
+    return kind.role != TextureRole::Lyrex ||
+           std::ranges::find(assets::lyrexTextureSchemas, std::string_view(kind.schema)) !=
+               std::end(assets::lyrexTextureSchemas);
+}
+
+static_assert(std::ranges::all_of(ownKinds, hasColorSpace), "missing in lyrexTextureSchemas");
 
 /// Every procedural texture gives values.
 const std::vector<KindRow>& kinds()

@@ -150,6 +150,7 @@ TEST(AssetErrors, OfNoAssetFileHaveLineAndColumn)
         {"{\"assetLibrary\": 1,\n \"materials\": [", "2:16: broken JSON: unexpected end of the file"},
         {"{\"a\": 1,\n  }", "1:8: broken JSON: expected no comma behind the last item"},
         {"{ true}", "1:3: broken JSON: expected a key in double quotes, found \"true\""},
+        {"{\"a\" 1}", "1:6: broken JSON: expected ':' after the key, found \"1\""},
         {"[1 \"\\u00e4\"]", "1:4: broken JSON: expected ',' or ']', found a text"},
         {"[\n tru-e]", "2:2: broken JSON: expected a value, found \"tru-e\""},
         // Columns count characters, and what is found is one.

@@ -229,6 +229,8 @@ TEST(Patterns, MeetAtOppositeEdges)
                                      {{"gradient_Type", {shape}},
                                       {"gradient_NoiseAmount", {0.2f}},
                                       {"gradient_NoiseLevels", {2.0f}}}));
+    for (std::size_t kind = 0; kind < kinds.size(); ++kind)
+        EXPECT_TRUE(std::ranges::count(patterns, kind, &Pattern::kind)) << kinds[kind].schema;
     for (const Pattern& pattern : patterns)
         for (const PatternPixels pixels : {PatternPixels::Heights, PatternPixels::Srgb})
         {

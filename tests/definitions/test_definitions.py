@@ -1,5 +1,6 @@
 """The kvor definitions: complete, valid, and able to generate shaders for every target."""
 
+import json
 import pathlib
 import re
 import unittest
@@ -53,13 +54,25 @@ class Definitions(unittest.TestCase):
                     if value.getUnitType() in ("angle", "luminance"):
                         self.assertTrue(value.getUnit(), "MaterialX converts to the unit of the scene's lengths without one")
 
+    def test_every_sample_has_a_line_on_its_page(self):
+        page = (ROOT / "docs/samples.md").read_text()
+        for file in (ROOT / "samples").glob("*.json"):
+            library = json.loads(file.read_text())
+            for sample in library.get("materials", []) + library.get("overlays", []):
+                mark = f"(`{sample['id']}`)" if "id" in sample else f"| {sample['name']} |"
+                self.assertTrue(mark in page, f"docs/samples.md has no line of {mark}, {file.name}")
+
     def test_every_input_has_an_effect_and_a_value_measured_and_every_node_a_picture(self):
         shown = (ROOT / "tools/gallery/src/examples.js").read_text()
         measured = set(re.findall(r"\w+", (ROOT / "tests/definitions/test_values.py").read_text()))
         for definition in nodes():
             node = definition.getNodeString()
-            self.assertIn(f'"{node}"', shown)
+            self.assertTrue(f'"{node}"' in shown, f"tools/gallery/src/examples.js has no row of {node}")
             self.assertTrue((ROOT / f"docs/pictures/node-{node}.webp").exists(), node)
+            for value in definition.getInputs():
+                name, type = value.getName(), value.getType()
+                self.assertTrue(type == "float" or f"{name}: " not in shown or f'{name}: "{type}"' in shown,
+                                f"TYPES in tools/gallery/src/examples.js has no {name} of type {type}")
             # MaterialX has no way to cull.
             used = {e.getInterfaceName() for e in definition.getImplementation().traverseTree() if e.isA(mx.Input)}
             for name in {value.getName() for value in definition.getInputs()} - {"glazing_backface_culling"}:
@@ -79,14 +92,14 @@ class Shaders(unittest.TestCase):
                         compiled(shader)
 
     def test_transparency_is_recognised(self):
-        white, half = "1, 1, 1", "0.5, 0.5, 0.5"
-        cases = [("metal", white, False), ("opaque", white, False), ("layered", white, False), ("opaque", half, True),
-                 ("transparent", white, True), ("glazing", white, True)]  # fmt: skip
-        for node, cutout, transparent in cases:
-            doc = kv.document("")
-            shader = doc.addNode(f"kvor:{node}", "node", "surfaceshader")
-            shader.setInputValue("surface_cutout", cutout, "color3")
-            self.assertEqual(mx_gen.isTransparentSurface(shader, "genglsl"), transparent, (node, cutout))
+        for definition in kv.definitions():
+            if definition.getInput("surface_cutout"):
+                node = definition.getNodeString()
+                for cutout, transparent in ("1, 1, 1", node in ("transparent", "glazing")), ("0.5, 0.5, 0.5", True):
+                    doc = kv.document("")
+                    shader = doc.addNode(f"kvor:{node}", "node", "surfaceshader")
+                    shader.setInputValue("surface_cutout", cutout, "color3")
+                    self.assertEqual(mx_gen.isTransparentSurface(shader, "genglsl"), transparent, (node, cutout))
 
 
 if __name__ == "__main__":
