@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <filesystem>
+#include <iterator>
 #include <thread>
 
 #include <MaterialTranslation/Bakes.h>
@@ -68,13 +69,52 @@ std::optional<std::string> finish(const MaterialX::DocumentPtr& document,
     return MaterialTranslation::documentToXml(document);
 }
 
+/// Notes the images in the folder of a document that were written for it.
+void noteImages(const std::filesystem::path& folder, Outcome& outcome)
+{
+    const MaterialTranslation::MaterialImages images = MaterialTranslation::lastImages();
+    outcome.baked = std::ssize(images.baked);
+    outcome.kept = std::ssize(images.kept);
+    for (const auto* list : {&images.baked, &images.kept, &images.gathered})
+        for (const std::filesystem::path& image : *list)
+            if (image.parent_path() == folder)
+                outcome.written.images.push_back(WrittenImage::at(image, list == &images.gathered));
+}
+
+/// The identifier that the document of a task tells; those of overlays tell none.
+std::string assetOf(const Task& task)
+{
+    const auto* material = std::get_if<const assetlib::Material*>(&task.item);
+    return material ? (*material)->id : std::string();
+}
+
+/// Why the document that is there is not to be replaced; empty when it may be.
+std::string ownerProblem(const Task& task, const OutputFolder& folder)
+{
+    const std::filesystem::path file = documentFile(task.name);
+    const std::string other =
+        MaterialTranslation::otherAssetOf(folder.absolute / file, assetOf(task));
+    return other.empty()
+               ? std::string()
+               : base::utf8FromPath(folder.shown / file) + " is the document of the asset \"" +
+                     other + "\"; --replace replaces it";
+}
+
 Outcome convert(const Run& run, std::size_t worker, const Task& task, const OutputFolder& folder,
                 const Settings& settings)
 {
     Outcome outcome;
+    // Before the translation, which would replace the images of the other asset.
+    if (task.refusal.empty() && !settings.replace)
+        outcome.message = ownerProblem(task, folder);
+    if (!outcome.message.empty())
+        return outcome;
     if (const auto text = makeText(run.translate, worker, task, folder, settings, outcome))
-        writeDocument(folder.shown / documentFile(task.name), *text, outcome);
-    if (!outcome.converted && task.refusal.empty())
+        writeDocument(folder.shown / documentFile(task.name), *text,
+                      settings.anew ? base::SameBytes::AreWritten : base::SameBytes::Stay, outcome);
+    if (outcome.converted)
+        noteImages(folder.absolute / base::pathFromUtf8(task.name), outcome);
+    else if (task.refusal.empty())
         MaterialTranslation::discardLastBakes();
     return outcome;
 }

@@ -12,7 +12,8 @@ using MaterialTranslation::MaterialXConverter;
 MaterialTranslators::MaterialTranslators(const Settings& settings, const OutputFolder& folder,
                                          std::size_t workers)
     // Side by side with other materials a bake is not to take all cores.
-    : _bakes{.limits = settings.limits, .threads = workers > 1 ? 1 : 0}, _converters(workers)
+    : _bakes{.limits = settings.limits, .threads = workers > 1 ? 1 : 0, .anew = settings.anew},
+      _converters(workers)
 {
     MaterialTranslation::ConverterOptions options = settings.options;
     options.outputDirectory = base::utf8FromPath(folder.absolute);

@@ -8,9 +8,9 @@
 #include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/DocumentIO.h>
 
+#include "base/Hash.h"
 #include "base/Paths.h"
 #include "base/Text.h"
-#include "base/WriteFile.h"
 #include "batch/Refusal.h"
 
 namespace vyr::batch
@@ -110,11 +110,38 @@ std::string writeFailure(const std::string& file, const std::string& reason)
     return "cannot write " + file + ": " + reason;
 }
 
-void writeDocument(const fs::path& file, std::string_view text, Outcome& outcome)
+WrittenImage WrittenImage::at(const fs::path& file, bool isCopy)
+{
+    WrittenImage image;
+    image.file = base::utf8FromPath(file.filename());
+    std::error_code error;
+    if (isCopy)
+    {
+        image.size = static_cast<std::int64_t>(fs::file_size(file, error));
+        image.time = fs::last_write_time(file, error).time_since_epoch().count();
+    }
+    else
+        image.hash = base::hashOfFile(file).value_or(std::string());
+    return image;
+}
+
+bool WrittenImage::isAt(const fs::path& path) const
+{
+    std::error_code error;
+    if (!fs::is_regular_file(fs::symlink_status(path, error)))
+        return false;
+    const WrittenImage found = at(path, hash.empty());
+    return found.hash == hash && found.size == size && found.time == time;
+}
+
+void writeDocument(const fs::path& file, std::string_view text, base::SameBytes same,
+                   Outcome& outcome)
 {
     const std::string shown = base::utf8FromPath(file);
-    const std::error_code error = base::writeFile(file, text).error;
+    const auto [error, stayed] = base::writeFile(file, text, same);
     outcome.converted = !error;
+    outcome.unchanged = stayed;
+    outcome.written.hash = base::hashOf(text);
     (error ? outcome.message : outcome.document) =
         error ? writeFailure(shown, error.message()) : shown;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -8,6 +9,8 @@
 #include <MaterialXCore/Document.h>
 
 #include <MaterialTranslation/Validation.h>
+
+#include "base/WriteFile.h"
 
 /// @file
 /// What comes of a conversion: files in a folder, and messages.
@@ -50,10 +53,39 @@ struct Remark
     std::string text;
 };
 
+/// An image that was written for a document into the folder of its name, as it is known again.
+struct WrittenImage
+{
+    /// Notes an image that is there.
+    /// @param isCopy  told by size and time, which are its source's, not by its bytes, which would have to be read.
+    static WrittenImage at(const std::filesystem::path& file, bool isCopy);
+
+    bool isAt(const std::filesystem::path& file) const;
+
+    std::string file;
+    /// Empty for a copy.
+    std::string hash;
+    std::int64_t size = 0;
+    std::int64_t time = 0;
+};
+
+struct WrittenDocument
+{
+    std::string hash;
+    std::vector<WrittenImage> images;
+};
+
 /// What came of one material or overlay.
 struct Outcome
 {
     bool converted = false;
+    /// The document was there already, with the same bytes.
+    bool unchanged = false;
+    /// Images that were baked, and bakes that were there already.
+    std::int64_t baked = 0;
+    std::int64_t kept = 0;
+    /// What was written, also when it was there already.
+    WrittenDocument written;
     /// Why it was not.
     std::string message;
     /// The document that was written; empty when none was.
@@ -74,7 +106,8 @@ void addDiagnostics(Outcome& outcome, const std::string& reason);
 std::string writeFailure(const std::string& file, const std::string& reason);
 
 /// Writes a document, and notes in the outcome what came of that.
-void writeDocument(const std::filesystem::path& file, std::string_view text, Outcome& outcome);
+void writeDocument(const std::filesystem::path& file, std::string_view text, base::SameBytes same,
+                   Outcome& outcome);
 
 /// "path: text"; the text alone for the document as a whole.
 std::string withPath(const MaterialTranslation::ValidationMessage& message);

@@ -6,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include <MaterialTranslation/Bakes.h>
 #include <MaterialTranslation/DecalInfo.h>
 #include <MaterialTranslation/Overlays.h>
 #include <MaterialTranslation/ThreadInfo.h>
@@ -112,8 +113,12 @@ Translate overlayTranslation(const Settings& settings, const OutputFolder& folde
 {
     mt::ConverterOptions options = settings.options;
     options.outputDirectory = base::utf8FromPath(folder.absolute);
-    return [options](std::size_t /*worker*/, const Task& task, Outcome& outcome)
-    { return translate(task, options, outcome); };
+    const mt::BakeSettings bakes{.anew = settings.anew};
+    return [options, bakes](std::size_t /*worker*/, const Task& task, Outcome& outcome)
+    {
+        mt::setBakeSettings(bakes);
+        return translate(task, options, outcome);
+    };
 }
 
 } // namespace vyr::batch

@@ -22,6 +22,10 @@ struct Settings
     /// How the documents use the kvor nodes.
     MaterialTranslation::NodeForm nodes = MaterialTranslation::NodeForm::Reference;
     bool validate = false;
+    /// Whether everything is made anew, also what is there and would be the same.
+    bool anew = false;
+    /// Whether documents of other assets may be replaced.
+    bool replace = false;
     /// Documents made side by side; 0: as many as there are cores.
     unsigned jobs = 0;
     /// JSON report that is written beside the documents; empty: none.

@@ -301,6 +301,23 @@ std::vector<Task> materialTasks(const Source& source, const ConverterOptions& op
     return tasks;
 }
 
+std::set<fs::path> imagePlaces(const Source& source)
+{
+    std::set<fs::path> places;
+    const auto add = [&](const auto& items)
+    {
+        for (const auto& item : items)
+            for (const std::string& reference : referencesOf(&item))
+            {
+                const auto [place, target] = placesOf(reference);
+                places.insert({place, target});
+            }
+    };
+    add(source.library.materials());
+    add(source.library.overlays());
+    return places;
+}
+
 void checkFilesAreApart(const Settings& settings, const std::vector<Task>& tasks,
                         const Source& source)
 {

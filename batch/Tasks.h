@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <set>
 #include <string>
 #include <variant>
 #include <vector>
@@ -39,6 +41,9 @@ std::vector<Task> overlayTasks(const Source& source);
 std::vector<Task> materialTasks(const Source& source,
                                 const MaterialTranslation::ConverterOptions& options,
                                 const std::vector<std::string>& assets = {});
+
+/// Where the images lie that the files name, also those of what is not converted, links followed and not.
+std::set<std::filesystem::path> imagePlaces(const Source& source);
 
 /// What can be told about the files to be written before anything is: no input is written over, be it
 /// a library or an image of anything in it, converted or not, the report has a folder to go to, and it is not one of the documents.

@@ -4,12 +4,14 @@
 #include <deque>
 #include <map>
 #include <sstream>
+#include <string_view>
 
 #include <MaterialTranslation/Diagnostics.h>
 #include <MaterialTranslation/Schemas.h>
 
 #include "Console.h"
 #include "Options.h"
+#include "Report.h"
 
 namespace vyr::cli
 {
@@ -25,7 +27,9 @@ constexpr const char* footer =
 
 void addFiles(CLI::App& app, std::vector<std::string>& files)
 {
-    app.add_option("FILE", files, "asset library files (JSON)")->required()->type_name("");
+    app.add_option("FILE", files, "asset library files (JSON); - is standard input")
+        ->required()
+        ->type_name("");
 }
 
 void addOutputFolder(CLI::App& app, std::string& output)
@@ -82,9 +86,23 @@ void defineDocumentOptions(CLI::App& app, DocumentsCommand& command, const std::
                  "keep absolute image paths in the documents");
     addNumber(app, "--jobs,-j", command.jobs,
               thing + "s converted side by side (default: the number of cores)", {1, mostJobs});
-    addPath(app, "--report", command.report, "write a JSON report")->type_name("FILE");
+    addPath(app, "--report", command.report, "write a JSON report; - is standard output")
+        ->type_name("FILE");
     app.add_flag("--strict", command.strict, thing + "s with a warning count as failed");
-    app.add_flag("--quiet,-q", command.quiet, "no progress, no summary");
+    app.add_flag("--quiet,-q", command.quiet, "no progress bar, no summary");
+    static const std::map<std::string, ProgressForm> progress = {
+        {"bar", ProgressForm::Bar}, {"json", ProgressForm::Json}, {"none", ProgressForm::None}};
+    app.add_option_function<std::string>(
+           "--progress",
+           [&command](const std::string& name) { command.progress = progress.at(name); },
+           "a bar on a terminal (default), or all of standard error as lines of JSON")
+        ->check(CLI::IsMember({"bar", "json", "none"}))
+        ->type_name("FORM");
+    app.add_flag("--force", command.anew, "make everything anew, also what would be the same");
+    app.add_flag("--replace", command.replace, "replace documents of other assets too");
+    app.add_flag("--prune", command.prune,
+                 "remove what earlier runs of the same files wrote for " + thing +
+                     "s that are gone");
     app.add_flag("!--no-sync", command.sync, "do not wait until everything is on the disk");
 }
 
@@ -106,6 +124,7 @@ CLI::App& defineConvert(CLI::App& root, ConvertCommand& command)
     defineDocumentOptions(app, command, "material");
     addRepeatable(app, "--asset", command.assets,
                   "convert only the material of this identifier; repeatable")
+        ->excludes("--prune")
         ->type_name("ID");
     defineConversionOptions(app, command.options);
     addImageLimit(app, command.limits);
@@ -152,6 +171,7 @@ CLI::App& defineValidate(CLI::App& root, ValidateCommand& command)
     CLI::App& app = *root.add_subcommand(
         "validate", "check documents against the standard and the kvor definitions");
     app.add_option("FILE", command.files, "MaterialX documents")->required()->type_name("");
+    app.add_flag("--json", command.json, "print JSON");
     return app;
 }
 
@@ -232,6 +252,22 @@ ExitStatus answer(const CLI::App& app, const CLI::ParseError& outcome)
     return ExitStatus::WrongUse;
 }
 
+/// The report that the arguments name, as far as can be told when they are wrong.
+std::string reportOf(int count, const char* const* arguments)
+{
+    constexpr std::string_view option = "--report";
+    std::string report;
+    for (int i = 2; i < count && std::string_view(arguments[i]) != "--"; ++i)
+    {
+        const std::string_view argument = arguments[i];
+        if (argument == option && i + 1 < count)
+            report = arguments[i + 1];
+        else if (argument.starts_with(std::string(option) + "="))
+            report = argument.substr(option.size() + 1);
+    }
+    return report;
+}
+
 } // namespace
 
 Request parseCommandLine(int count, const char* const* arguments)
@@ -277,7 +313,10 @@ Request parseCommandLine(int count, const char* const* arguments)
     }
     catch (const CLI::ParseError& outcome)
     {
-        return answer(app, outcome);
+        const ExitStatus status = answer(app, outcome);
+        if (status == ExitStatus::WrongUse)
+            retireReport(reportOf(count, arguments));
+        return status;
     }
 }
 

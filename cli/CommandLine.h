@@ -28,6 +28,17 @@ enum class ExitStatus : int
     Interrupted = 130,
 };
 
+/// In place of the name of a file: standard input, or standard output.
+inline constexpr const char* standardStream = "-";
+
+/// How a run tells how far it is.
+enum class ProgressForm
+{
+    Bar,
+    Json,
+    None,
+};
+
 /// What commands have in common that make documents of asset files.
 struct DocumentsCommand : batch::Settings
 {
@@ -36,6 +47,9 @@ struct DocumentsCommand : batch::Settings
     std::vector<std::string> texturePaths;
     bool strict = false;
     bool quiet = false;
+    ProgressForm progress = ProgressForm::Bar;
+    /// Whether what earlier runs wrote for materials that are gone is removed.
+    bool prune = false;
     /// Whether a run that is done has waited for the disk.
     bool sync = true;
 };
@@ -80,6 +94,7 @@ struct InitCommand
 struct ValidateCommand
 {
     std::vector<std::string> files;
+    bool json = false;
 };
 
 /// `vyr-mtlx bake normal`.

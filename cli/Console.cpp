@@ -15,11 +15,13 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
 
 #include "CommandLine.h"
+#include "Json.h"
 #include "base/Text.h"
 
 namespace vyr::cli
@@ -27,8 +29,7 @@ namespace vyr::cli
 namespace
 {
 
-constexpr std::size_t barWidth = 30;
-constexpr std::chrono::milliseconds redrawTime(50);
+bool inJson = false;
 
 bool isTerminal(std::FILE* stream)
 {
@@ -106,8 +107,20 @@ void complain(std::string_view line)
 
 void complainAsIs(std::string_view lines)
 {
-    std::fwrite(lines.data(), 1, lines.size(), stderr);
-    std::fflush(stderr);
+    if (!inJson)
+        return drawOnTerminal(lines);
+    for (std::size_t end = 0; !lines.empty(); lines.remove_prefix(end))
+    {
+        end = std::min(lines.find('\n'), lines.size() - 1) + 1;
+        const JsonDocument line;
+        line.root().add("message", lines.substr(0, end - 1));
+        drawOnTerminal(line.line());
+    }
+}
+
+void complainInJson()
+{
+    inJson = true;
 }
 
 void Results::write(std::string_view text)
@@ -138,33 +151,29 @@ bool Results::intoFile()
 #endif
 }
 
-Progress::Progress(bool wanted, std::size_t total)
-    : _enabled(wanted && total > 0 && isTerminal(stderr)), _total(total)
+bool errorsOnTerminal()
 {
+    return isTerminal(stderr);
 }
 
-Progress::~Progress()
+std::size_t terminalWidth()
 {
-    clear();
+    constexpr std::size_t usual = 80;
+#if defined(_WIN32)
+    CONSOLE_SCREEN_BUFFER_INFO screen{};
+    const bool known = GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &screen) != 0;
+    const int width = known ? screen.srWindow.Right - screen.srWindow.Left + 1 : 0;
+#else
+    struct winsize size = {};
+    const int width = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+#endif
+    return width > 0 ? static_cast<std::size_t>(width) : usual;
 }
 
-void Progress::clear()
+void drawOnTerminal(std::string_view text)
 {
-    if (_shown)
-        complainAsIs("\r\x1b[K");
-    _shown = false;
-}
-
-void Progress::show(std::size_t done)
-{
-    const auto now = std::chrono::steady_clock::now();
-    if (!_enabled || (_shown && now - _drawn < redrawTime))
-        return;
-    const std::size_t filled = std::min(done, _total) * barWidth / _total;
-    complainAsIs("\r[" + std::string(filled, '#') + std::string(barWidth - filled, ' ') + "] " +
-                 std::to_string(done) + "/" + std::to_string(_total));
-    _shown = true;
-    _drawn = now;
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
 }
 
 void catchStopRequests()

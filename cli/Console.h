@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <string_view>
 
@@ -16,6 +15,9 @@ void complain(std::string_view line);
 
 /// Writes whole lines to standard error as they stand.
 void complainAsIs(std::string_view lines);
+
+/// From now on each line on standard error is an object in JSON: what was a text is its "message".
+void complainInJson();
 
 /// Standard output, where results go.
 ///
@@ -40,28 +42,12 @@ class Results
     bool _delivered = true;
 };
 
-/// A progress bar on standard error; none when that is no terminal. Not thread-safe.
-class Progress
-{
-  public:
-    /// @param total number of steps; 0 draws nothing.
-    Progress(bool wanted, std::size_t total);
-    ~Progress();
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
+/// Whether standard error is a terminal, and how many columns it has.
+bool errorsOnTerminal();
+std::size_t terminalWidth();
 
-    /// Takes the bar away, for lines to be printed in its place.
-    void clear();
-
-    /// Draws the bar after `done` steps.
-    void show(std::size_t done);
-
-  private:
-    bool _enabled;
-    bool _shown = false;
-    std::size_t _total;
-    std::chrono::steady_clock::time_point _drawn;
-};
+/// Writes to standard error what is no line of its own.
+void drawOnTerminal(std::string_view text);
 
 /// To be called first. From now on a request to stop (Ctrl+C, a polite kill, a closed terminal) ends
 /// the program with ExitStatus::Interrupted: at once, as long as nothing is being written. Requests

@@ -11,7 +11,7 @@ ExitStatus run(const ConvertCommand& command)
     const batch::Source source = loadFiles(command);
     const std::vector<batch::Task> tasks =
         batch::materialTasks(source, command.options, command.assets);
-    batch::checkCanConvert(command, tasks, source);
+    checkCanConvert(command, tasks, source);
 
     finishBeforeStopping();
     const batch::OutputFolder folder = batch::makeOutputFolder(command.output);
@@ -19,18 +19,19 @@ ExitStatus run(const ConvertCommand& command)
     const batch::MaterialTranslators translators(command, folder, workers);
     const auto translate = [&](std::size_t worker, const batch::Task& task, batch::Outcome& outcome)
     { return translators.translate(worker, task, outcome); };
-    return convertAll(command, tasks, "materials", folder, workers, translate);
+    return convertAll(command, tasks, source, "materials", folder, workers, translate);
 }
 
 ExitStatus run(const OverlayCommand& command)
 {
     const batch::Source source = loadFiles(command);
     const std::vector<batch::Task> tasks = batch::overlayTasks(source);
-    batch::checkCanConvert(command, tasks, source);
+    checkCanConvert(command, tasks, source);
 
     finishBeforeStopping();
     const batch::OutputFolder folder = batch::makeOutputFolder(command.output);
-    return convertAll(command, tasks, "overlays", folder, batch::workersFor(command, tasks.size()),
+    return convertAll(command, tasks, source, "overlays", folder,
+                      batch::workersFor(command, tasks.size()),
                       batch::overlayTranslation(command, folder));
 }
 

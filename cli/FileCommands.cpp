@@ -2,12 +2,14 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include <MaterialTranslation/Bakes.h>
 #include <MaterialTranslation/Validation.h>
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "Json.h"
 #include "base/Paths.h"
 #include "batch/Output.h"
 
@@ -27,12 +29,21 @@ bool isInputFile(const std::string& file)
     return false;
 }
 
-bool isValid(const std::string& file)
+using Messages = std::vector<MaterialTranslation::ValidationMessage>;
+
+void addDocument(const JsonNode& list, const std::string& file, const Messages& messages)
 {
-    const auto messages = MaterialTranslation::validateFile(base::pathFromUtf8(file));
+    const JsonNode document = list.addObject();
+    document.add("file", file);
+    document.addFlag("valid", messages.empty());
+    const JsonNode all = document.addList("messages");
     for (const MaterialTranslation::ValidationMessage& message : messages)
-        complain(file + ": " + batch::withPath(message));
-    return messages.empty();
+    {
+        const JsonNode entry = all.addObject();
+        entry.add("code", validationCodeName(message.code));
+        entry.add("path", message.path);
+        entry.add("text", message.text);
+    }
 }
 
 ExitStatus tell(const MaterialTranslation::BakeResult& result, const std::string& output)
@@ -58,13 +69,24 @@ ExitStatus run(const ValidateCommand& command)
         return ExitStatus::WrongUse;
     bool allValid = true;
     Results results;
+    const JsonDocument json;
+    const JsonNode documents = json.root().addList("documents");
     for (const std::string& file : command.files)
     {
-        const bool valid = isValid(file);
-        allValid = allValid && valid;
-        if (valid)
+        const Messages messages = MaterialTranslation::validateFile(base::pathFromUtf8(file));
+        allValid = allValid && messages.empty();
+        if (command.json)
+        {
+            addDocument(documents, file, messages);
+            continue;
+        }
+        for (const MaterialTranslation::ValidationMessage& message : messages)
+            complain(file + ": " + batch::withPath(message));
+        if (messages.empty())
             results.write(file + '\n');
     }
+    if (command.json)
+        results.write(json.text());
     return allValid && results.delivered() ? ExitStatus::Done : ExitStatus::SomeFailed;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -39,6 +40,11 @@ class JsonNode
     void addInteger(const char* key, int number) const
     {
         require(yyjson_mut_obj_add_int(_document, _value, key, number));
+    }
+
+    void addCount(const char* key, std::int64_t count) const
+    {
+        require(yyjson_mut_obj_add_sint(_document, _value, key, count));
     }
 
     void addFlag(const char* key, bool flag) const
@@ -116,14 +122,20 @@ class JsonDocument
     JsonNode root() const { return {_document.get(), yyjson_mut_doc_get_root(_document.get())}; }
 
     /// Indented by two spaces, UTF-8, with a line end at its end.
-    std::string text() const
+    std::string text() const { return written(YYJSON_WRITE_PRETTY_TWO_SPACES); }
+
+    /// The same on one line.
+    std::string line() const { return written(YYJSON_WRITE_NOFLAG); }
+
+  private:
+    std::string written(yyjson_write_flag form) const
     {
         std::size_t length = 0;
-        const std::unique_ptr<char, decltype(&std::free)> written(
-            yyjson_mut_write(_document.get(), YYJSON_WRITE_PRETTY_TWO_SPACES, &length), &std::free);
-        if (!written)
+        const std::unique_ptr<char, decltype(&std::free)> text(
+            yyjson_mut_write(_document.get(), form, &length), &std::free);
+        if (!text)
             throw std::bad_alloc();
-        std::string json(written.get(), length);
+        std::string json(text.get(), length);
         // The digits of escapes ("\u001b") are small, as most writers have them.
         for (std::size_t at = json.find('\\'); at != json.npos; at = json.find('\\', at + 2))
             if (json[at + 1] == 'u')
@@ -132,7 +144,6 @@ class JsonDocument
         return json += '\n';
     }
 
-  private:
     std::unique_ptr<yyjson_mut_doc, void (*)(yyjson_mut_doc*)> _document;
 };
 

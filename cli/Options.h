@@ -74,7 +74,7 @@ inline std::string pathProblem(const std::string& path)
 {
     if (path.empty())
         return "an empty path";
-    if (path.front() == '-')
+    if (path.front() == '-' && path != standardStream)
         return "\"" + path + "\" looks like an option (\"./" + path + "\" names such a file)";
     return {};
 }

@@ -1,10 +1,12 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <type_traits>
 #include <variant>
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "Report.h"
 #include "batch/Refusal.h"
 
 namespace
@@ -13,9 +15,30 @@ namespace
 using namespace vyr::cli;
 namespace batch = vyr::batch;
 
-ExitStatus run(ExitStatus status)
+ExitStatus answer(ExitStatus status)
 {
     return status;
+}
+
+template <class Command> ExitStatus answer(const Command& command)
+{
+    if constexpr (!std::is_base_of_v<DocumentsCommand, Command>)
+        return run(command);
+    else
+    {
+        if (command.progress == ProgressForm::Json)
+            complainInJson();
+        try
+        {
+            return run(command);
+        }
+        catch (const batch::Refusal&)
+        {
+            // Its old report is not to be taken for one of this run.
+            retireReport(command.report);
+            throw;
+        }
+    }
 }
 
 /// Each reason: errors of files begin with their place, all others with the program.
@@ -49,7 +72,7 @@ int main(int argc, char** argv)
         prepareProcess();
         catchStopRequests();
         const Request request = parseCommandLine(argc, argv);
-        status = std::visit([](const auto& command) { return run(command); }, request);
+        status = std::visit([](const auto& command) { return answer(command); }, request);
     }
     catch (const batch::Refusal& refusal)
     {

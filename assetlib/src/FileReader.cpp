@@ -6,6 +6,7 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <system_error>
 #include <utility>
 
@@ -43,8 +44,23 @@ std::string lastError()
     return errno != 0 ? ": " + std::generic_category().message(errno) : std::string();
 }
 
-/// Appends the bytes of a file to the text.
+/// Appends the bytes to the text.
 /// @return why not; empty when it has them.
+std::string readBytes(std::istream& stream, std::string& text)
+{
+    std::vector<char> block(std::size_t{1} << 16);
+    while (stream && text.size() <= largestFile)
+    {
+        stream.read(block.data(), static_cast<std::streamsize>(block.size()));
+        text.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+    }
+    if (stream.bad())
+        return "cannot be read" + lastError();
+    if (text.size() > largestFile)
+        return "expected at most 1 GiB";
+    return text.empty() ? "the file is empty" : "";
+}
+
 std::string readBytes(const fs::path& path, std::string& text)
 {
     if (std::string why = whyNoFile(path); !why.empty())
@@ -58,17 +74,7 @@ std::string readBytes(const fs::path& path, std::string& text)
     const std::uintmax_t size = fs::file_size(path, unknownSize);
     if (!unknownSize && size <= largestFile)
         text.reserve(static_cast<std::size_t>(size));
-    std::vector<char> block(std::size_t{1} << 16);
-    while (stream && text.size() <= largestFile)
-    {
-        stream.read(block.data(), static_cast<std::streamsize>(block.size()));
-        text.append(block.data(), static_cast<std::size_t>(stream.gcount()));
-    }
-    if (stream.bad())
-        return "cannot be read" + lastError();
-    if (text.size() > largestFile)
-        return "expected at most 1 GiB";
-    return text.empty() ? "the file is empty" : "";
+    return readBytes(stream, text);
 }
 
 /// Whether the file says that it has the format that is read here.
@@ -228,7 +234,10 @@ FileContent readAssetFile(Store& store, Loading& loading, std::size_t index, Rep
                           const LoadOptions& options)
 {
     FileContent content;
-    if (std::string why = readBytes(base::pathFromUtf8(report.file()), report.text()); !why.empty())
+    const bool isInput = options.standardInput && report.file() == "-";
+    std::string why = isInput ? readBytes(std::cin, report.text())
+                              : readBytes(base::pathFromUtf8(report.file()), report.text());
+    if (!why.empty())
     {
         report.fileError(std::move(why));
         return content;

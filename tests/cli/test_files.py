@@ -78,7 +78,11 @@ class Files(ToolTest):
             written = self.whole("copy")
             self.assertLess(written, 40)
             self.assertEqual(written > 0, some)
-            self.assertEqual(result.stderr.count(": cannot write out/"), 40 - written)
+            if options == "ro":
+                self.assertEqual(result.stderr.count(": cannot write out/"), 40)
+            else:
+                self.assertEqual(result.stderr.count(": cannot write out/"), 1)
+                self.assertIn(f"vyr-mtlx: {39 - written} more materials failed because the disk is full\n", result.stderr)
             self.assertEqual(len(result.stdout.splitlines()), written)
 
     def test_folders_that_nothing_can_be_put_into_are_gone_again(self):
@@ -118,7 +122,7 @@ class Process(ToolTest):
                 self.assertIn(b"interrupted", messages)
                 self.assertEqual(self.whole(self.out), 1 + output.count(b"\n"))
                 self.assertLess(self.whole(self.out), self.count)
-                self.assertFalse((self.folder / "report.json").exists())
+                self.assertIn("not-tried", [entry["status"] for entry in self.report()])
 
     def test_interruption_before_anything_is_written(self):
         os.mkfifo(self.folder / "never.json")
@@ -146,7 +150,8 @@ class Process(ToolTest):
     def test_progress_only_on_a_terminal(self):
         for options, shown in ([], True), (["--quiet"], False):
             reader, terminal = pty.openpty()
-            process = self.start("convert", "lib.json", "-o", f"out{shown}", *options, stdout=subprocess.DEVNULL, stderr=terminal)
+            process = self.start("convert", "lib.json", "-o", f"out{shown}", *options, stdout=subprocess.DEVNULL, stderr=terminal,
+                                 env={**os.environ, "TERM": "xterm"})
             os.close(terminal)
             seen = b""
             try:

@@ -15,10 +15,10 @@ SAMPLES = pathlib.Path(__file__).resolve().parents[2] / "samples"
 
 
 def hashes(folder):
-    """All files below a folder with hashes of their bytes; links and hidden files included."""
+    """All files below a folder with hashes of their bytes; links and hidden files included, but not the list of them."""
     return {
         str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
-        for path in sorted(folder.rglob("*")) if path.is_file()
+        for path in sorted(folder.rglob("*")) if path.is_file() and not path.match(".vyr-mtlx-*.json")
     }
 
 

@@ -412,7 +412,14 @@ TEST_F(BakedImages, AreDiscardedUnlessSomebodyElseHasThem)
     ASSERT_TRUE(translate(asset).succeeded);
     const auto after = content();
     EXPECT_GT(after.size(), before.size());
-    std::thread([&] { EXPECT_TRUE(translate(asset).succeeded); }).join();
+    EXPECT_EQ(lastImages().baked.size(), 1U);
+    std::thread(
+        [&]
+        {
+            EXPECT_TRUE(translate(asset).succeeded);
+            EXPECT_EQ(lastImages().kept.size(), 1U);
+        })
+        .join();
     discardLastBakes();
     EXPECT_EQ(content(), after);
     fs::remove_all(_folder / "M");

@@ -1,6 +1,7 @@
 """Runs of the tool in folders of their own, and what has to hold after each of them."""
 
 import hashlib
+import json
 import os
 import pathlib
 import re
@@ -66,9 +67,12 @@ def progress_of(process):
 
 
 def snapshot(folder):
-    """Every entry below a folder: the hash of a file, the target of a link, the kind of all else."""
+    """Every entry below a folder: the hash of a file, the target of a link, the kind of all else. Not the lists of what
+    was written, which hold times of copies."""
     entries = {}
     for path in sorted(folder.rglob("*")):
+        if path.match(".vyr-mtlx-*.json"):
+            continue
         name = str(path.relative_to(folder))
         if path.is_symlink():
             entries[name] = "-> " + os.readlink(path)
@@ -101,6 +105,11 @@ def torn(folder, known):
     """What is wrong with the files of an output folder. Known are the hashes of all whole files that the runs
     could write; a document that is none of them has to be one, with all its images there."""
     wrong = []
+    for path in folder.glob(".vyr-mtlx-*.json"):
+        try:
+            json.loads(path.read_bytes())
+        except ValueError as error:
+            wrong.append(f"{path.name} is torn: {error}")
     entries = filesOf(snapshot(folder))
     for name, content in entries.items():
         if TEMPORARY.search(name):

@@ -86,6 +86,8 @@ struct LoadOptions
     std::vector<std::string> texturePaths;
     /// How many threads may read a file with many materials; the result is the same.
     unsigned threads = 1;
+    /// Whether the name "-" stands for standard input, whose own folder is the working folder.
+    bool standardInput = false;
 };
 
 /// A reason why files were not taken.
