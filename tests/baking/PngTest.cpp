@@ -3,6 +3,7 @@
 #include <set>
 
 #include <OpenImageIO/filesystem.h>
+#include <OpenImageIO/imagebufalgo.h>
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
 #include <libdeflate.h>
@@ -12,6 +13,7 @@
 #include "baking/Images.h"
 #include "baking/NormalImage.h"
 #include "baking/PngFile.h"
+#include "baking/PngPacking.h"
 #include "baking/PngRows.h"
 
 namespace vyr::MaterialTranslation::baking
@@ -72,6 +74,16 @@ Bytes unpacked(const Bytes& stream, std::size_t size)
     return result == LIBDEFLATE_SUCCESS ? data : Bytes{};
 }
 
+/// Whether a file has the pixels as the image library rounds them, and is the same on all numbers of threads.
+bool isReadBack(const OIIO::ImageBuf& image)
+{
+    Bytes file = encodePng(image, 1);
+    EXPECT_EQ(file, encodePng(image, 3));
+    const OIIO::ImageBuf rounded = image.copy(OIIO::TypeUInt8);
+    const auto* pixels = static_cast<const unsigned char*>(rounded.localpixels());
+    return decoded(file, image.nchannels()) == Bytes(pixels, pixels + rounded.spec().image_bytes());
+}
+
 } // namespace
 
 TEST(EncodePng, IsReadBackAsTheImageLibraryRoundsWhateverTheThreads)
@@ -85,12 +97,7 @@ TEST(EncodePng, IsReadBackAsTheImageLibraryRoundsWhateverTheThreads)
             for (int kind = 0; kind < (width * height > 5000 ? 1 : kinds); ++kind)
             {
                 const OIIO::ImageBuf image = drawn(kind, width, height, channels);
-                Bytes file = encodePng(image, 1);
-                EXPECT_EQ(file, encodePng(image, 3));
-                const OIIO::ImageBuf rounded = image.copy(OIIO::TypeUInt8);
-                const auto* pixels = static_cast<const unsigned char*>(rounded.localpixels());
-                EXPECT_TRUE(decoded(file, channels) ==
-                            Bytes(pixels, pixels + rounded.spec().image_bytes()))
+                EXPECT_TRUE(isReadBack(image))
                     << width << " x " << height << " x " << channels << ", " << kind;
                 const auto values = static_cast<std::size_t>(width * channels);
                 Bytes row(1 + values);
@@ -103,6 +110,19 @@ TEST(EncodePng, IsReadBackAsTheImageLibraryRoundsWhateverTheThreads)
             }
     EXPECT_EQ(filters.size(), 5U) << "some filter was not tried";
     EXPECT_THROW(encodePng(picture(2, 2, 5)), std::runtime_error);
+}
+
+TEST(EncodePng, SmoothAndPlainPicturesArePackedTheirWay)
+{
+    const OIIO::ImageBuf smooth = drawn(4, 800, 800, 1);
+    EXPECT_NE(choosePngPacking(smooth, 1).filter, PngFilter::Best);
+    EXPECT_TRUE(isReadBack(smooth));
+    // Larger than one of its strips.
+    OIIO::ImageBuf plain(OIIO::ImageSpec(2100, 2100, 1, OIIO::TypeFloat));
+    OIIO::ImageBufAlgo::fill(plain, 0.3f);
+    EXPECT_LT(choosePngPacking(plain, 1).stripBytes, 2100U * 2100U);
+    EXPECT_EQ(choosePngPacking(plain, 1).filter, PngFilter::Best);
+    EXPECT_TRUE(isReadBack(plain));
 }
 
 TEST(EncodePng, IsNoLargerThanByDefault)
