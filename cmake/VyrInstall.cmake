@@ -78,4 +78,11 @@ configure_file(
 install(
     FILES "${PROJECT_BINARY_DIR}/vyr_mtlx_converter.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
 )
+add_custom_target(
+    uninstall
+    COMMAND
+        "${CMAKE_COMMAND}" -D "MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt" -P
+        "${CMAKE_CURRENT_LIST_DIR}/Uninstall.cmake"
+    VERBATIM
+)
 include("${CMAKE_CURRENT_LIST_DIR}/VyrPackage.cmake")

@@ -16,14 +16,9 @@ install(
     FRAMEWORK DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
 )
-install(
-    DIRECTORY "${materialx_folder}/"
-    DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-    FILES_MATCHING
-    PATTERN "libMaterialX*"
-    PATTERN "cmake/MaterialX/*.cmake"
-    PATTERN "pkgconfig" EXCLUDE
-)
+file(GLOB materialx_libraries "${materialx_folder}/libMaterialX*")
+install(FILES ${materialx_libraries} DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(DIRECTORY "${materialx_folder}/cmake/MaterialX" DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake")
 install(
     DIRECTORY
         "${materialx_folder}/../include/MaterialXCore"
@@ -45,19 +40,5 @@ foreach(library IN LISTS libraries)
 endforeach()"
 )
 
-set(notices "${CMAKE_INSTALL_DATADIR}/doc/vyr_mtlx_converter")
-foreach(part IN ITEMS MaterialX OpenImageIO yyjson)
-    if(IS_DIRECTORY "${materialx_folder}/../share/${part}")
-        install(
-            DIRECTORY "${materialx_folder}/../share/${part}/"
-            DESTINATION "${notices}/licenses/${part}"
-            PATTERN "CHANGELOG*" EXCLUDE
-            PATTERN "README*" EXCLUDE
-        )
-    endif()
-endforeach()
-foreach(part IN ITEMS libdeflate0 libutf8proc2 libxxhash-dev libcli11-dev zlib1g)
-    if(EXISTS "/usr/share/doc/${part}/copyright")
-        install(FILES "/usr/share/doc/${part}/copyright" DESTINATION "${notices}/licenses/${part}")
-    endif()
-endforeach()
+include(VyrNotices)
+vyr_install_notices("${CMAKE_INSTALL_DATADIR}/doc/vyr_mtlx_converter")

@@ -15,6 +15,16 @@ function(expect pattern)
     endif()
 endfunction()
 
+# An uninstall takes away what an installation brought, and nothing else.
+file(WRITE "${FOLDER}/installed/lib/of-the-user" "")
+run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${FOLDER}/installed")
+run("${CMAKE_COMMAND}" --build "${BUILD}" --target uninstall)
+file(GLOB_RECURSE left LIST_DIRECTORIES TRUE RELATIVE "${FOLDER}" "${FOLDER}/installed/*")
+if(NOT left STREQUAL "installed/lib;installed/lib/of-the-user")
+    message(FATAL_ERROR "uninstalling leaves ${left}")
+endif()
+file(REMOVE_RECURSE "${FOLDER}/installed")
+
 run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${FOLDER}/installed")
 file(RENAME "${FOLDER}/installed" "${FOLDER}/moved")
 foreach(standard IN ITEMS 20 17)
