@@ -489,7 +489,7 @@ Shares wave(const Properties& given, const Image& /*image*/)
     constexpr float directions[][2] = {{0, 8},  {1, 7}, {-1, 9}, {2, 8},
                                        {-2, 7}, {1, 9}, {-1, 7}, {3, 8}};
     const bool radial = given.integer("wave_Type") == 0;
-    const float phase = given.number("wave_Phase") / 360.0f;
+    const float phase = fraction(given.number("wave_Phase") / 360.0f);
     Lots lots(given.seed("wave_Seed"));
     std::vector<Source> sources;
     for (int i = 0; i < given.integer("wave_Sources"); ++i)
@@ -564,17 +564,19 @@ std::vector<ColorStop> stopsOf(const Properties& given)
 {
     const auto& colors = given.list("gradient_Color#");
     const auto& positions = given.list("gradient_Position#");
+    const bool constant = given.integer("gradient_Interpolation") == 1;
     std::vector<ColorStop> stops;
-    float before = 0.0f;
     for (std::size_t i = 0; i < colors.size(); ++i)
     {
-        const float even = static_cast<float>(i) / static_cast<float>(colors.size() - 1);
+        const auto count = static_cast<float>(colors.size());
+        const float even = static_cast<float>(i) / (constant ? count : count - 1.0f);
         const float own = positions.size() >= colors.size() ? positions[i][0] : even;
-        before = std::max(before, own);
-        stops.push_back({before, {colors[i][0], colors[i][1], colors[i][2]}});
+        stops.push_back({own, {colors[i][0], colors[i][1], colors[i][2]}});
     }
+    std::stable_sort(stops.begin(), stops.end(), [](const ColorStop& a, const ColorStop& b)
+                     { return a.position < b.position; });
     if (stops.empty())
-        stops = {{0.0f, {}}, {1.0f, {1.0f, 1.0f, 1.0f}}};
+        stops = {{0.0f, {}}, {constant ? 0.5f : 1.0f, {1.0f, 1.0f, 1.0f}}};
     return stops;
 }
 

@@ -85,21 +85,25 @@ const float* NoiseStrip::sumRows(int yBegin, int yEnd)
 
 void NoiseStrip::addOctave(std::size_t octave, float frequency, int yBegin, int yEnd)
 {
-    NoiseOctaveRow row{0.0f, 0.0f, _phase, 1.0f / frequency, _field.absolute};
-    std::uint32_t cell = 0;
-    for (int y = yBegin; y < yEnd; ++y)
+    const NoiseColumns& columns = _columns[octave];
+    const NoiseOctave adding{_phase, 1.0f / frequency, _field.absolute};
+    const auto axisOf = [&](int y)
     {
         const float across = noiseCoordinate(y, _field.height, _field.cellsY, _field.size);
-        const NoiseAxis axis = latticeAxis(across * frequency, periodOf(_field.cellsY, octave));
-        if (y == yBegin || axis.cell != cell)
-        {
-            cell = axis.cell;
-            _kernels.noiseGradients(_columns[octave], axis, _phase, _gradients);
-        }
-        row.fraction = axis.fraction;
-        row.fade = axis.fade;
-        float* sums = _sums.data() + static_cast<std::ptrdiff_t>(y - yBegin) * noiseColumns;
-        _kernels.addNoiseOctave(_gradients, _columns[octave], row, sums);
+        return latticeAxis(across * frequency, periodOf(_field.cellsY, octave));
+    };
+    NoiseRow rows[bandRows];
+    float* sums = _sums.data();
+    NoiseAxis axis = axisOf(yBegin);
+    for (int y = yBegin; y < yEnd;)
+    {
+        const NoiseAxis cell = axis;
+        std::size_t count = 0;
+        for (; y < yEnd && axis.cell == cell.cell; axis = axisOf(++y))
+            rows[count++] = {axis.fraction, axis.fade};
+        _kernels.noiseGradients(columns, cell, _phase, _gradients);
+        _kernels.addNoiseOctave(_gradients, columns, adding, rows, count, sums);
+        sums += count * noiseColumns;
     }
 }
 

@@ -24,6 +24,7 @@ struct Recipe
     PatternStrip strip{};
     PatternShade shade{};
     KernelSet::PatternRow row = nullptr;
+    KernelSet::PatternColumns columns = nullptr;
     const void* pattern = nullptr;
     bool rowsAreAlike = false;
     std::vector<ColorStop> stops{};
@@ -50,6 +51,7 @@ class PatternRows
             for (int i = 0; i < noiseColumns; ++i)
                 _x.push_back((static_cast<float>(xBegin + x + i) + 0.5f) /
                              static_cast<float>(recipe.width));
+            recipe.columns(recipe.pattern, _x.data() + x, _known.emplace_back());
         }
     }
 
@@ -102,6 +104,7 @@ class PatternRows
     void bakeStrip(std::size_t x, std::size_t count, float* row)
     {
         _strip.x = _x.data() + x;
+        _strip.columns = _known[x / noiseColumns].data();
         _recipe.row(_recipe.pattern, _strip, _mix, _factor);
         sampleImages();
         _set.shadePattern(_mix, _factor, count, _shade,
@@ -127,7 +130,8 @@ class PatternRows
     /// Strip after strip the layers of each, and where their next rows begin.
     std::deque<NoiseStrip> _noise;
     std::vector<const float*> _sums;
-    std::vector<float> _x; ///< of all columns, and on to the end of the last strip
+    std::vector<float> _x;                  ///< of all columns, and on to the end of the last strip
+    std::vector<std::vector<float>> _known; ///< by the pattern of the columns of each strip
     alignas(64) float _mix[noiseColumns];
     alignas(64) float _factor[noiseColumns];
     alignas(64) float _colors[2][3][noiseColumns];
@@ -221,6 +225,7 @@ OIIO::ImageBuf bakePattern(const Pattern& bake, PatternPixels pixels, const Bake
         const Kind kind{Values(bake.values)};
         recipe.pattern = &kind;
         recipe.row = set.patternRows[bake.kind];
+        recipe.columns = set.patternColumns[bake.kind];
         recipe.fields = fieldsOf(kind, bake);
         if constexpr (requires { kind.rowsAreAlike(); })
             recipe.rowsAreAlike = kind.rowsAreAlike();

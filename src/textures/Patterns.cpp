@@ -192,6 +192,8 @@ class GivenProperties
         for (const float number : given.numbers)
             if (!std::isfinite(number))
                 throw std::invalid_argument(given.name + ": not a finite number");
+        if (row.kind == PropertyKind::Integer && given.numbers[0] != std::trunc(given.numbers[0]))
+            throw std::invalid_argument(given.name + ": not a whole number");
         std::ranges::copy(given.numbers, value.begin());
         return value;
     }

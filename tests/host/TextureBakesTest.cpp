@@ -31,6 +31,7 @@ TEST(BakeTextureFile, TakesWhatIsInRangeAndRefusesWhatIsUnknown)
         {"TileSchema", {"tile_Bond", {}, "tile_round"}, "\"tile_round\" is none of tile_stack"},
         {"TileSchema", {"tile_Color", {1.0f}, {}}, "needs 3 numbers"},
         {"TileSchema", {"tile_Seed", {1.0f, 2.0f}, {}}, "needs 1 number"},
+        {"TileSchema", {"tile_Seed", {1.5f}, {}}, "whole"},
         {"GradientSchema", {"gradient_Color2", {0.0f, 0.0f, 1.0f}, {}}, "gradient_Color2"},
         {"WaveSchema", {"wave_Phase", {std::numeric_limits<float>::quiet_NaN()}, {}}, "finite"},
         {"WaveSchema", {"wave_Length", {std::numeric_limits<float>::infinity()}, {}}, "finite"},

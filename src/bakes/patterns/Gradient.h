@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "bakes/patterns/Pattern.h"
 
 namespace vyr::MaterialTranslation::bakes
@@ -22,7 +24,9 @@ struct Gradient
          .meaning = "of a stop; black and white when there is none"},
         {.name = "gradient_Position#",
          .kind = PropertyKind::Scalar,
-         .meaning = "place of a stop on the ramp; when one lacks, all are at even distances",
+         .meaning = "place of a stop on the ramp, in any order; when one lacks, all are at even "
+                    "distances, up to the "
+                    "end of the ramp or, when they are constant, of even widths",
          .least = 0.0f,
          .most = 1.0f},
         {.name = "gradient_Interpolation",
@@ -198,17 +202,19 @@ struct Gradient
     void readStops(const std::vector<std::array<float, 3>>& colors,
                    const std::vector<std::array<float, 3>>& positions)
     {
+        if (colors.empty())
+            return readStops({{0.0f, 0.0f, 0.0f}, {1.0f, 1.0f, 1.0f}}, {});
         const bool given = positions.size() >= colors.size();
+        // Constant ones are of even width: the last one, too, is to be seen.
+        const bool reachesEnd = step != RampStep::Constant && colors.size() > 1;
+        const std::size_t last = reachesEnd ? colors.size() - 1 : colors.size();
         for (std::size_t i = 0; i < colors.size(); ++i)
         {
-            const float even = static_cast<float>(i) / static_cast<float>(colors.size() - 1);
-            const float position = given ? positions[i][0] : even;
-            const float before = stops.empty() ? 0.0f : stops.back().position;
-            stops.push_back({position > before ? position : before,
-                             {colors[i][0], colors[i][1], colors[i][2]}});
+            const float even = static_cast<float>(i) / static_cast<float>(last);
+            stops.push_back(
+                {given ? positions[i][0] : even, {colors[i][0], colors[i][1], colors[i][2]}});
         }
-        if (stops.empty())
-            stops = {{0.0f, {0.0f, 0.0f, 0.0f}}, {1.0f, {1.0f, 1.0f, 1.0f}}};
+        std::ranges::stable_sort(stops, {}, &ColorStop::position);
     }
 };
 

@@ -76,6 +76,11 @@ template <class L> struct Pixels
     /// Whether heights are asked for: edges then slope as the pattern says, not just as sharply as pixels can.
     bool heights;
     Floats noise[mostNoiseLayers];
+    /// What the pattern knows of these columns: value after value, each this far from the next one.
+    const float* columns;
+    std::size_t columnStride;
+
+    Floats column(std::size_t value) const { return L::load(columns + value * columnStride); }
 };
 
 /// The values of the properties of one pattern, by the places of their rows.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cmath>
+
 #include "bakes/patterns/Pattern.h"
 
 namespace vyr::MaterialTranslation::bakes
@@ -80,7 +82,8 @@ struct Wave
         constexpr float directions[][2] = {{0, 8},  {1, 7}, {-1, 9}, {2, 8},
                                            {-2, 7}, {1, 9}, {-1, 7}, {3, 8}};
         const float variation = values.number(rowOf(rows, "wave_LengthVariation"));
-        const float phase = values.number(rowOf(rows, "wave_Phase")) / 360.0f;
+        const float turns = values.number(rowOf(rows, "wave_Phase")) / 360.0f;
+        const float phase = turns - std::floor(turns); // small: many turns would cost digits
         Lots lots(values.integer(rowOf(rows, "wave_Seed")));
         for (int i = 0; i < values.integer(rowOf(rows, "wave_Sources")); ++i)
         {
@@ -114,6 +117,17 @@ struct Wave
         return all;
     }
 
+    /// And of a column: the square of its distance aside.
+    std::size_t columnValues() const
+    {
+        return isRadial ? static_cast<std::size_t>(sourceCount) : 0;
+    }
+
+    template <class L> typename L::Floats columnValue(std::size_t i, typename L::Floats x) const
+    {
+        return square<L>(x, sources[i].x);
+    }
+
     template <class L> Sample<L> sample(const Pixels<L>& p, const Row<L>& row) const
     {
         using M = Math<L>;
@@ -122,7 +136,9 @@ struct Wave
         {
             const Source& source = sources[i];
             const auto far = [&]
-            { return L::squareRoot(M::add(square<L>(p.x, source.x), row.upwards[i])); };
+            {
+                return L::squareRoot(M::add(p.column(static_cast<std::size_t>(i)), row.upwards[i]));
+            };
             const auto place = isRadial ? M::mul(far(), source.frequency)
                                         : M::add(M::mul(p.x, source.x), M::mul(p.y, source.y));
             sum = M::add(sum, M::sine(M::sub(place, source.phase)));

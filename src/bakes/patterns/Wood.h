@@ -79,6 +79,16 @@ struct Wood
         return {{4, 4, 3, phase}, {128, 128, 2, phase}};
     }
 
+    /// What is the same for all pixels of a column: for the end of a trunk the square of the distance aside.
+    std::size_t columnValues() const { return isPlank ? 0 : 1; }
+
+    template <class L> typename L::Floats columnValue(std::size_t /*i*/, typename L::Floats x) const
+    {
+        using M = Math<L>;
+        const auto dx = M::apart(M::sub(x, 0.5f));
+        return M::mul(dx, dx);
+    }
+
     template <class L> Sample<L> sample(const Pixels<L>& p) const
     {
         using M = Math<L>;
@@ -87,9 +97,8 @@ struct Wood
             place = M::add(M::add(place, M::mul(p.x, rings)), M::mul(M::sine(p.y), axialNoise));
         else
         {
-            const auto dx = M::apart(M::sub(p.x, 0.5f));
             const auto dy = M::apart(M::sub(p.y, 0.5f));
-            const auto far = L::squareRoot(M::add(M::mul(dx, dx), M::mul(dy, dy)));
+            const auto far = L::squareRoot(M::add(p.column(0), M::mul(dy, dy)));
             place = M::add(place, M::mul(far, rings));
         }
         // The late wood comes slowly and ends with the year.

@@ -199,56 +199,81 @@ inline typename L::Floats interpolate(typename L::Floats a, typename L::Floats b
     return L::add(a, L::multiply(s, L::subtract(b, a)));
 }
 
-/// Interpolates the four corners of one phase, starting with corner `first`.
-template <class L, bool withRest>
-inline typename L::Floats noisePlane(const NoiseGradients& gradients, int first, std::size_t i,
-                                     const NoiseOctaveRow& row, typename L::Floats fadeAlong)
+/// The gradients at the four corners of one phase.
+template <class L, bool withRest> struct CornerGradients
 {
     using Floats = typename L::Floats;
-    const Floats dx[2] = {L::all(row.fraction), L::all(row.fraction - 1.0f)};
-    Floats value[4];
-    for (int corner = 0; corner < 4; ++corner)
-    {
-        const int c = first + corner;
-        const Floats across = L::multiply(L::load(gradients.across[c] + i), dx[corner & 1]);
-        value[corner] = L::add(across, L::load(gradients.along[c] + i));
-        if constexpr (withRest)
-            value[corner] = L::add(value[corner], L::load(gradients.rest[c] + i));
-    }
-    const Floats fadeAcross = L::all(row.fade);
-    return interpolate<L>(interpolate<L>(value[0], value[1], fadeAcross),
-                          interpolate<L>(value[2], value[3], fadeAcross), fadeAlong);
-}
 
+    /// @param first  The first of the corners.
+    CornerGradients(const NoiseGradients& gradients, int first, std::size_t i)
+    {
+        for (int corner = 0; corner < 4; ++corner)
+        {
+            across[corner] = L::load(gradients.across[first + corner] + i);
+            along[corner] = L::load(gradients.along[first + corner] + i);
+            if constexpr (withRest)
+                rest[corner] = L::load(gradients.rest[first + corner] + i);
+        }
+    }
+
+    /// Interpolated.
+    Floats noise(const NoiseRow& row, Floats fadeAlong) const
+    {
+        const Floats dx[2] = {L::all(row.fraction), L::all(row.fraction - 1.0f)};
+        Floats value[4];
+        for (int corner = 0; corner < 4; ++corner)
+        {
+            value[corner] = L::add(L::multiply(across[corner], dx[corner & 1]), along[corner]);
+            if constexpr (withRest)
+                value[corner] = L::add(value[corner], rest[corner]);
+        }
+        const Floats fadeAcross = L::all(row.fade);
+        return interpolate<L>(interpolate<L>(value[0], value[1], fadeAcross),
+                              interpolate<L>(value[2], value[3], fadeAcross), fadeAlong);
+    }
+
+    Floats across[4];
+    Floats along[4];
+    Floats rest[4];
+};
+
+/// Rows lie in the inner loop: the gradients stay in registers.
 template <class L, bool twoPhases>
 inline void addNoiseOctaveOf(const NoiseGradients& gradients, const NoiseColumns& columns,
-                             const NoiseOctaveRow& row, float* sums)
+                             const NoiseOctave& octave, const NoiseRow* rows, std::size_t count,
+                             float* sums)
 {
     using Floats = typename L::Floats;
+    const Floats scale = L::all(octave.scale);
+    const Floats fadePhase = L::all(octave.phase.fade);
+    const bool absolute = octave.absolute;
     for (std::size_t i = 0; i < noiseColumns; i += L::width)
     {
         const Floats fadeAlong = L::load(columns.fade + i);
-        Floats noise = noisePlane<L, twoPhases>(gradients, 0, i, row, fadeAlong);
-        if constexpr (twoPhases)
+        const CornerGradients<L, twoPhases> lower(gradients, 0, i);
+        const CornerGradients<L, true> upper(gradients, twoPhases ? 4 : 0, i);
+        for (std::size_t row = 0; row < count; ++row)
         {
-            const Floats upper = noisePlane<L, true>(gradients, 4, i, row, fadeAlong);
-            noise = interpolate<L>(noise, upper, L::all(row.phase.fade));
+            Floats noise = lower.noise(rows[row], fadeAlong);
+            if constexpr (twoPhases)
+                noise = interpolate<L>(noise, upper.noise(rows[row], fadeAlong), fadePhase);
+            noise = L::multiply(L::multiply(noise, L::all(0.87f)), scale);
+            if (absolute)
+                noise = L::absolute(noise);
+            float* const sum = sums + row * noiseColumns + i;
+            L::store(sum, L::add(L::load(sum), noise));
         }
-        noise = L::multiply(L::multiply(noise, L::all(0.87f)), L::all(row.scale));
-        if (row.absolute)
-            noise = L::absolute(noise);
-        L::store(sums + i, L::add(L::load(sums + i), noise));
     }
 }
 
 template <class L>
 void addNoiseOctave(const NoiseGradients& gradients, const NoiseColumns& columns,
-                    const NoiseOctaveRow& row, float* sums)
+                    const NoiseOctave& octave, const NoiseRow* rows, std::size_t count, float* sums)
 {
-    if (row.phase.fraction == 0.0f)
-        addNoiseOctaveOf<L, false>(gradients, columns, row, sums);
+    if (octave.phase.fraction == 0.0f)
+        addNoiseOctaveOf<L, false>(gradients, columns, octave, rows, count, sums);
     else
-        addNoiseOctaveOf<L, true>(gradients, columns, row, sums);
+        addNoiseOctaveOf<L, true>(gradients, columns, octave, rows, count, sums);
 }
 
 template <class L>
@@ -300,9 +325,16 @@ void shadeNoise(const float* noise, std::size_t count, const NoiseShade& shade, 
 /// The kernels for one kind of lanes.
 template <class L> KernelSet kernelSetOf(const char* name)
 {
-    KernelSet set{name,          normalRow<L>,    noiseGradients<L>, addNoiseOctave<L>,
-                  shadeNoise<L>, shadePattern<L>, decodeSrgb<L>,     {}};
-    setPatternRows<L>(set, static_cast<PatternKinds*>(nullptr));
+    KernelSet set{name,
+                  normalRow<L>,
+                  noiseGradients<L>,
+                  addNoiseOctave<L>,
+                  shadeNoise<L>,
+                  shadePattern<L>,
+                  decodeSrgb<L>,
+                  {},
+                  {}};
+    setPatterns<L>(set, static_cast<PatternKinds*>(nullptr));
     return set;
 }
 

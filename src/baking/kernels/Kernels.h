@@ -66,11 +66,16 @@ struct alignas(64) NoiseGradients
     float rest[corners][noiseColumns];
 };
 
-/// How one octave of one row is added up.
-struct NoiseOctaveRow
+/// Where a row lies between two rows of the lattice.
+struct NoiseRow
 {
-    float fraction;  ///< offset of the row on the axis across the rows
-    float fade;      ///< its fade weight
+    float fraction; ///< offset on the axis across the rows
+    float fade;     ///< its fade weight
+};
+
+/// How one octave is added up.
+struct NoiseOctave
+{
     NoiseAxis phase; ///< the fourth axis
     float scale;     ///< 1 / frequency, a power of two
     bool absolute;   ///< the absolute value is added (turbulence)
@@ -96,6 +101,8 @@ struct PatternStrip
     float sizeY;
     bool heights;
     const float* noise[mostNoiseLayers];
+    const float*
+        columns; ///< what the pattern knows of the columns, noiseColumns of each value; null: nothing
 };
 
 /// From a pattern's shares to pixels.
@@ -124,9 +131,10 @@ struct KernelSet
     void (*noiseGradients)(const NoiseColumns& columns, const NoiseAxis& row,
                            const NoiseAxis& phase, NoiseGradients& gradients);
 
-    /// Adds one octave to all noiseColumns values of `sums`.
+    /// Adds one octave to all noiseColumns values of each of some rows between the same two lattice rows.
     void (*addNoiseOctave)(const NoiseGradients& gradients, const NoiseColumns& columns,
-                           const NoiseOctaveRow& row, float* sums);
+                           const NoiseOctave& octave, const NoiseRow* rows, std::size_t count,
+                           float* sums);
 
     /// Turns noiseColumns noise values into pixels; the first `count` of them are stored.
     void (*shadeNoise)(const float* noise, std::size_t count, const NoiseShade& shade,
@@ -143,6 +151,11 @@ struct KernelSet
     using PatternRow = void (*)(const void* pattern, const PatternStrip& strip, float* mix,
                                 float* factor);
     PatternRow patternRows[patternKindCount];
+
+    /// Computes what is the same for all pixels of a column, for a strip that has its x already.
+    using PatternColumns = void (*)(const void* pattern, const float* x,
+                                    std::vector<float>& values);
+    PatternColumns patternColumns[patternKindCount];
 };
 
 /// The sets that this processor can run, slowest first; the first is the portable one.

@@ -12,8 +12,13 @@ template <class L, class Kind>
 void patternRow(const void* pattern, const PatternStrip& strip, float* mix, float* factor)
 {
     const Kind& kind = *static_cast<const Kind*>(pattern);
-    Pixels<L> pixels{L::all(0.0f), L::all(strip.y), 0.0f,          0.0f, strip.y,
-                     strip.sizeX,  strip.sizeY,     strip.heights, {}};
+    Pixels<L> pixels{};
+    pixels.y = L::all(strip.y);
+    pixels.rowY = strip.y;
+    pixels.sizeX = strip.sizeX;
+    pixels.sizeY = strip.sizeY;
+    pixels.heights = strip.heights;
+    pixels.columnStride = noiseColumns;
     const auto row = [&]
     {
         if constexpr (requires { kind.template row<L>(pixels.y); })
@@ -33,6 +38,7 @@ void patternRow(const void* pattern, const PatternStrip& strip, float* mix, floa
         pixels.x = L::load(strip.x + i);
         pixels.firstX = strip.x[i];
         pixels.lastX = strip.x[i + L::width - 1];
+        pixels.columns = strip.columns ? strip.columns + i : nullptr;
         for (std::size_t layer = 0; layer < mostNoiseLayers; ++layer)
             if (strip.noise[layer])
                 pixels.noise[layer] = L::load(strip.noise[layer] + i);
@@ -42,11 +48,30 @@ void patternRow(const void* pattern, const PatternStrip& strip, float* mix, floa
     }
 }
 
+/// @param values  Gets them after those that it has.
+template <class L, class Kind>
+void patternColumns(const void* pattern, const float* x, std::vector<float>& values)
+{
+    if constexpr (requires(const Kind& kind) { kind.columnValues(); })
+    {
+        const Kind& kind = *static_cast<const Kind*>(pattern);
+        for (std::size_t value = 0; value < kind.columnValues(); ++value)
+        {
+            const std::size_t begin = values.size();
+            values.resize(begin + noiseColumns);
+            for (std::size_t i = 0; i < noiseColumns; i += L::width)
+                L::store(values.data() + begin + i,
+                         kind.template columnValue<L>(value, L::load(x + i)));
+        }
+    }
+}
+
 template <class L, class... Kind>
-void setPatternRows(KernelSet& set, const std::tuple<Kind...>* /*kinds*/)
+void setPatterns(KernelSet& set, const std::tuple<Kind...>* /*kinds*/)
 {
     std::size_t i = 0;
-    ((set.patternRows[i++] = patternRow<L, Kind>), ...);
+    ((set.patternColumns[i] = patternColumns<L, Kind>, set.patternRows[i++] = patternRow<L, Kind>),
+     ...);
 }
 
 /// How far a place on a ramp is on its way between two stops.
