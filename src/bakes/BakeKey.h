@@ -15,7 +15,7 @@ namespace vyr::MaterialTranslation::bakes
 {
 
 /// Raised when a bake gives other pixels than before. A test has the pixels.
-inline constexpr int bakeVersion = 1;
+inline constexpr int bakeVersion = 2;
 
 /// What decides a bake's pixels, as 32 digits: the version, all its parameters, and the content of its sources, with
 /// their extensions, which tell the format of some.
