@@ -301,6 +301,13 @@ TEST(Patterns, TakeImagesInPlaceOfColors)
     const OIIO::ImageBuf dense = bakePattern(pattern, PatternPixels::Color, {});
     for (OIIO::ImageBuf::ConstIterator<float> i(dense); !i.done(); ++i)
         ASSERT_NEAR(i[0], 0.5f, 1e-3f);
+    // So are stripes of a pixel each, of which 1.9 fall on one.
+    child->placement = {};
+    child->pattern = std::make_shared<Pattern>(
+        patternOf("GradientSchema", 274, 138, {{"gradient_Repeats", {137.0f}}}));
+    const OIIO::ImageBuf stripes = bakePattern(pattern, PatternPixels::Color, {});
+    for (OIIO::ImageBuf::ConstIterator<float> i(stripes); !i.done(); ++i)
+        ASSERT_NEAR(i[0], 0.5f, 0.1f) << i.x();
 }
 
 } // namespace vyr::MaterialTranslation::baking
