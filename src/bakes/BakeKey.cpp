@@ -58,11 +58,11 @@ class Key
 
     void add(const PatternBake& bake)
     {
-        const auto& [pattern, use, bumpAmount] = bake;
+        const auto& [pattern, use, strength] = bake;
         add("pattern");
         add(pattern);
         add(static_cast<int>(use));
-        add(bumpAmount);
+        add(strength);
     }
 
   private:

@@ -250,7 +250,7 @@ BakeResult bakeTextureFile(const std::filesystem::path& destination,
         return {false, name + error.what(), {}};
     }
     bakes::BakeOutcome outcome =
-        bakes::bakeForMaterial(bakes::PatternBake{std::move(pattern), useOf(options.output), 0.0f},
+        bakes::bakeForMaterial(bakes::PatternBake{std::move(pattern), useOf(options.output), {}},
                                {options.limits, options.threads}, destination);
     std::vector<std::string> warnings = std::move(properties.warnings);
     warnings.insert(warnings.end(), outcome.warnings.begin(), outcome.warnings.end());
