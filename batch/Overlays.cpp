@@ -113,7 +113,8 @@ Translate overlayTranslation(const Settings& settings, const OutputFolder& folde
 {
     mt::ConverterOptions options = settings.options;
     options.outputDirectory = base::utf8FromPath(folder.absolute);
-    const mt::BakeSettings bakes{.anew = settings.anew};
+    mt::BakeSettings bakes;
+    bakes.anew = settings.anew;
     return [options, bakes](std::size_t /*worker*/, const Task& task, Outcome& outcome)
     {
         mt::setBakeSettings(bakes);

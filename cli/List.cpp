@@ -111,7 +111,7 @@ std::string asTable(const std::vector<Entry>& materials, const std::vector<Entry
 
 ExitStatus run(const ListCommand& command)
 {
-    const batch::Source source = batch::loadFiles(command.files, {.standardInput = true});
+    const batch::Source source = batch::loadFiles(command.files, {{}, 1, true});
     const std::vector<Entry> materials = materialsOf(source.library);
     const std::vector<Entry> overlays = overlaysOf(source.library);
     Results results;
