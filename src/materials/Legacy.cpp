@@ -50,14 +50,16 @@ std::optional<std::array<float, 3>> shownBy(const Params& params,
 }
 
 /// Noise that covers a share of the surface with its second colour.
-MadePattern patches(float share, const std::array<float, 3>& bare,
+/// @param isColor  Colours go before numbers: at the edges bright metal would look like pale paint.
+MadePattern patches(float share, bool isColor, const std::array<float, 3>& bare,
                     const std::array<float, 3>& covered)
 {
     // The noise lies around 0.5 like a normal distribution of deviation 0.13; a logistic one is near enough.
     constexpr double deviation = 0.13;
     const double odds = (1.0 - static_cast<double>(share)) / static_cast<double>(share);
-    const auto edge = static_cast<float>(0.5 + deviation / 1.7 * std::log(odds));
-    constexpr float blur = 0.12f;
+    constexpr float blur = 0.04f;
+    const auto middle = static_cast<float>(0.5 + deviation / 1.7 * std::log(odds));
+    const float edge = isColor ? middle - 2.0f * blur : middle;
     constexpr float size = 0.6f;
     return {"NoiseSchema",
             {},
@@ -282,8 +284,8 @@ class LegacyTextures
             for (const StandardSurfaceInput& input : standardSurfaceInputs)
                 if (differs(input))
                     make(input.name, rows[i].row->property.name,
-                         patches(share, *shownBy(bare, input.field),
-                                 *shownBy(covered, input.field)));
+                         patches(share, std::string_view(input.type) == "color3",
+                                 *shownBy(bare, input.field), *shownBy(covered, input.field)));
         }
     }
 
