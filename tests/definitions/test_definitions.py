@@ -3,6 +3,9 @@
 import json
 import pathlib
 import re
+import subprocess
+import sys
+import tempfile
 import unittest
 
 import kvor_library as kv
@@ -100,6 +103,24 @@ class Shaders(unittest.TestCase):
                     shader = doc.addNode(f"kvor:{node}", "node", "surfaceshader")
                     shader.setInputValue("surface_cutout", cutout, "color3")
                     self.assertEqual(mx_gen.isTransparentSurface(shader, "genglsl"), transparent, (node, cutout))
+
+    def test_the_example_for_readers_knows_nodes_and_units(self):
+        example = ROOT / "examples/python/read_document.py"
+        self.assertIn(example.read_text().partition("\n\nfile, kvor")[2].strip(), (ROOT / "docs/programs.md").read_text())
+        doc = kv.document("")
+        shader = doc.addNode("kvor:transparent", "glass", "surfaceshader")
+        for name, value, unit, kind in [("transparent_distance", "2", "inch", "distance"), ("surface_rotation", "1", "radians", "angle")]:
+            measure = shader.setInputValue(name, value, "float")
+            measure.setUnit(unit)
+            measure.setUnitType(kind)
+        doc.addMaterialNode("material", shader)
+        with tempfile.NamedTemporaryFile("w", suffix=".mtlx") as file:
+            file.write(mx.writeToXmlString(doc))
+            file.flush()
+            command = [sys.executable, example, file.name, ROOT / "libraries"]
+            code = subprocess.run(command, check=True, capture_output=True, text=True).stdout
+        for factor in ("0.0254", "57.29"):
+            self.assertIn(factor, code)
 
 
 if __name__ == "__main__":
