@@ -57,9 +57,9 @@ MadePattern patches(float share, bool isColor, const std::array<float, 3>& bare,
     // The noise lies around 0.5 like a normal distribution of deviation 0.13; a logistic one is near enough.
     constexpr double deviation = 0.13;
     const double odds = (1.0 - static_cast<double>(share)) / static_cast<double>(share);
-    constexpr float blur = 0.04f;
+    constexpr float blur = 0.02f;
     const auto middle = static_cast<float>(0.5 + deviation / 1.7 * std::log(odds));
-    const float edge = isColor ? middle - 2.0f * blur : middle;
+    const float edge = isColor ? middle - blur : middle + blur;
     constexpr float size = 0.6f;
     return {"NoiseSchema",
             {},
