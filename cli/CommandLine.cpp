@@ -32,13 +32,6 @@ void addFiles(CLI::App& app, std::vector<std::string>& files)
         ->type_name("");
 }
 
-void addOutputFolder(CLI::App& app, std::string& output)
-{
-    addPath(app, "--output,-o", output, "folder for the documents; made when missing")
-        ->required()
-        ->type_name("DIR");
-}
-
 void defineConversionOptions(CLI::App& app, MaterialTranslation::ConverterOptions& options)
 {
     app.add_flag("--id-names", options.useAssetIdInName, "put the identifier into material names");
@@ -57,16 +50,31 @@ void defineConversionOptions(CLI::App& app, MaterialTranslation::ConverterOption
                  "print every property read to standard output; implies --jobs 1");
 }
 
-/// @param thing that the command makes documents of, such as "material".
-void defineDocumentOptions(CLI::App& app, DocumentsCommand& command, const std::string& thing)
+/// @param output what the folder is for.
+void defineInputs(CLI::App& app, DocumentsCommand& command, const std::string& output)
 {
-    using MaterialTranslation::NodeForm;
     addFiles(app, command.files);
-    addOutputFolder(app, command.output);
+    addPath(app, "--output,-o", command.output, output + "; made when missing")
+        ->required()
+        ->type_name("DIR");
     addRepeatable(app, "--texture-path", command.texturePaths,
                   "a further folder to look image references up in; repeatable")
         ->check(pathProblem)
         ->type_name("DIR");
+}
+
+/// @param thing that the command makes documents of, such as "material".
+void defineJobs(CLI::App& app, DocumentsCommand& command, const std::string& thing)
+{
+    addNumber(app, "--jobs,-j", command.jobs,
+              thing + "s converted side by side (default: the number of cores)", {1, mostJobs});
+}
+
+/// @param thing that the command makes documents of, such as "material".
+void defineDocumentOptions(CLI::App& app, DocumentsCommand& command, const std::string& thing)
+{
+    using MaterialTranslation::NodeForm;
+    defineInputs(app, command, "folder for the documents");
     app.add_flag("--look", command.options.addLook, "add the look \"default\" for all geometry");
     app.add_flag("--copy-textures", command.options.copyTextures,
                  "gather image files in DIR/<" + thing + " name>");
@@ -84,8 +92,7 @@ void defineDocumentOptions(CLI::App& app, DocumentsCommand& command, const std::
                  "check every document before it is written; an invalid one counts as failed");
     app.add_flag("--absolute-paths", command.absolutePaths,
                  "keep absolute image paths in the documents");
-    addNumber(app, "--jobs,-j", command.jobs,
-              thing + "s converted side by side (default: the number of cores)", {1, mostJobs});
+    defineJobs(app, command, thing);
     addPath(app, "--report", command.report, "write a JSON report; - is standard output")
         ->type_name("FILE");
     app.add_flag("--strict", command.strict, thing + "s with a warning count as failed");
@@ -163,6 +170,24 @@ CLI::App& defineInit(CLI::App& root, InitCommand& command)
         ->type_name("");
     addPath(app, "--output,-o", command.output, "library file (default DIR/materials.json)")
         ->type_name("FILE");
+    return app;
+}
+
+CLI::App& definePreview(CLI::App& root, PreviewCommand& command)
+{
+    CLI::App& app = *root.add_subcommand("preview", "make a page that shows materials");
+    defineInputs(app, command.convert, "folder for the page");
+    app.add_flag("--watch", command.watch,
+                 "go on: when a file or image changes, convert and show anew");
+    app.add_flag("--pictures", command.pictures,
+                 "write a picture of each material too, drawn by a browser without a window");
+    addPath(app, "--browser", command.browser,
+            "the browser for --pictures: Chromium or one that is made of it (default: looked for)")
+        ->type_name("PROGRAM");
+    defineConversionOptions(app, command.convert.options);
+    addImageLimit(app, command.convert.limits);
+    defineJobs(app, command.convert, "material");
+    app.add_flag("--quiet,-q", command.convert.quiet, "no progress, no summary");
     return app;
 }
 
@@ -284,6 +309,7 @@ Request parseCommandLine(int count, const char* const* arguments)
     ListCommand list;
     SchemaCommand schemas;
     InitCommand init;
+    PreviewCommand preview;
     ValidateCommand validate;
     BakeNormalCommand normal;
     BakeNoiseCommand noise;
@@ -295,6 +321,7 @@ Request parseCommandLine(int count, const char* const* arguments)
     choose(defineList(app, list), list);
     choose(defineSchema(app, schemas), schemas);
     choose(defineInit(app, init), init);
+    choose(definePreview(app, preview), preview);
     choose(defineValidate(app, validate), validate);
     CLI::App& bake = *app.add_subcommand("bake", "bake images")->require_subcommand(1);
     choose(defineBakeNormal(bake, normal), normal);

@@ -50,6 +50,8 @@ struct DocumentsCommand : batch::Settings
     ProgressForm progress = ProgressForm::Bar;
     /// Whether what earlier runs wrote for materials that are gone is removed.
     bool prune = false;
+    /// Whether the documents' paths are printed to standard output.
+    bool printDocuments = true;
     /// Whether a run that is done has waited for the disk.
     bool sync = true;
 };
@@ -88,6 +90,17 @@ struct InitCommand
     std::string folder;
     /// Empty: "materials.json" in the folder.
     std::string output;
+};
+
+/// `vyr-mtlx preview`.
+struct PreviewCommand
+{
+    /// What to convert; the output is the folder of the page.
+    ConvertCommand convert;
+    bool watch = false;
+    bool pictures = false;
+    /// The program that draws pictures; empty: looked for.
+    std::string browser;
 };
 
 /// `vyr-mtlx validate`.
@@ -129,8 +142,8 @@ struct BakeTextureCommand
 
 /// A command, or nothing but to end, because help was printed or the arguments are wrong.
 using Request = std::variant<ExitStatus, ConvertCommand, OverlayCommand, ListCommand, SchemaCommand,
-                             InitCommand, ValidateCommand, BakeNormalCommand, BakeNoiseCommand,
-                             BakeTextureCommand>;
+                             InitCommand, PreviewCommand, ValidateCommand, BakeNormalCommand,
+                             BakeNoiseCommand, BakeTextureCommand>;
 
 /// Reads the arguments; prints the help and the version to standard output, and what is wrong to
 /// standard error.
@@ -141,6 +154,7 @@ ExitStatus run(const OverlayCommand& command);
 ExitStatus run(const ListCommand& command);
 ExitStatus run(const SchemaCommand& command);
 ExitStatus run(const InitCommand& command);
+ExitStatus run(const PreviewCommand& command);
 ExitStatus run(const ValidateCommand& command);
 ExitStatus run(const BakeNormalCommand& command);
 ExitStatus run(const BakeNoiseCommand& command);

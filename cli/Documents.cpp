@@ -72,7 +72,7 @@ class Delivery
         if (!messages.empty())
             printResults();
         complainAsIs(messages);
-        if (outcome.converted && _command.report != standardStream)
+        if (outcome.converted && _command.printDocuments && _command.report != standardStream)
             _lines += outcome.document + '\n';
         constexpr std::size_t enough = 1U << 14;
         if (!Results::intoFile() || _lines.size() > enough)
@@ -196,6 +196,16 @@ class Delivery
 };
 
 } // namespace
+
+void complainOf(const batch::Refusal& refusal)
+{
+    // Errors of files begin with their place, all others with the program.
+    const bool isOfFiles = dynamic_cast<const batch::LoadRefusal*>(&refusal) != nullptr;
+    const bool isOfAssets = dynamic_cast<const batch::UnknownMaterial*>(&refusal) != nullptr;
+    const std::string lead = isOfFiles ? "" : isOfAssets ? "vyr-mtlx: --asset: " : "vyr-mtlx: ";
+    for (const std::string& reason : refusal.reasons())
+        complain(lead + reason);
+}
 
 batch::Source loadFiles(const DocumentsCommand& command)
 {

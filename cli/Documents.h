@@ -4,11 +4,15 @@
 
 #include "CommandLine.h"
 #include "batch/Documents.h"
+#include "batch/Refusal.h"
 
 /// @file
 /// What the commands have in common that make documents: what comes of each is told in input order.
 namespace vyr::cli
 {
+
+/// Tells each reason of a refusal.
+void complainOf(const batch::Refusal& refusal);
 
 /// Loads the files of the command, on as many threads as are of use.
 /// @throws batch::LoadRefusal, and batch::Refusal where standard input cannot be taken.

@@ -6,6 +6,7 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "Documents.h"
 #include "Report.h"
 #include "batch/Refusal.h"
 
@@ -39,16 +40,6 @@ template <class Command> ExitStatus answer(const Command& command)
             throw;
         }
     }
-}
-
-/// Each reason: errors of files begin with their place, all others with the program.
-void complainOf(const batch::Refusal& refusal)
-{
-    const bool isOfFiles = dynamic_cast<const batch::LoadRefusal*>(&refusal) != nullptr;
-    const bool isOfAssets = dynamic_cast<const batch::UnknownMaterial*>(&refusal) != nullptr;
-    const std::string lead = isOfFiles ? "" : isOfAssets ? "vyr-mtlx: --asset: " : "vyr-mtlx: ";
-    for (const std::string& reason : refusal.reasons())
-        complain(lead + reason);
 }
 
 /// Memory may have run out, also for the message.

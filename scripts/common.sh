@@ -19,6 +19,19 @@ command_for() {
     esac
 }
 
+# need <program> <Debian package>: installs what is missing when this run may.
+need() {
+    command -v "$1" >/dev/null && return
+    local install=(env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$2")
+    if ((EUID != 0)); then
+        sudo -n true 2>/dev/null || fail "$1 is missing; please run this, then start again:
+    apt-get update && apt-get install -y --no-install-recommends $2"
+        install=(sudo -n "${install[@]}")
+    fi
+    say "installing $2"
+    "${install[@]}" >/dev/null || fail "installing $2 failed; apt-get update may help"
+}
+
 # All C++ files of the project, relative to its root, each ended by a NUL.
 sources() {
     local folder folders=()

@@ -109,6 +109,12 @@ BakeResult bakeNormalMapFile(const std::filesystem::path& source,
                        options);
 }
 
+BrowserImage browserImage(const std::filesystem::path& source, int largest,
+                          const BakeSettings& settings)
+{
+    return bakes::call(&bakes::BakeLibrary::browserImage, source, source, largest, settings);
+}
+
 BakeResult bakeNoiseFile(const std::filesystem::path& destination, const NoiseBakeOptions& options)
 {
     return bakes::call(&bakes::BakeLibrary::bakeNoiseFile, destination, destination, options);

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include <MaterialTranslation/Bakes.h>
+#include <MaterialTranslation/BrowserImage.h>
 #include <MaterialTranslation/Export.h>
 
 #include "bakes/MaterialBakes.h"
@@ -23,6 +24,7 @@ struct BakeLibrary
     decltype(&bakes::bakeForMaterial) bakeForMaterial;
     decltype(&MaterialTranslation::bakeNormalMapFile) bakeNormalMapFile;
     decltype(&MaterialTranslation::bakeNoiseFile) bakeNoiseFile;
+    decltype(&MaterialTranslation::browserImage) browserImage;
 };
 
 } // namespace vyr::MaterialTranslation::bakes

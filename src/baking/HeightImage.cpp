@@ -158,10 +158,16 @@ void checkPixels(const std::filesystem::path& file, int width, int height,
                                           height, limits.pixels));
 }
 
+std::string_view imageFormat(const std::filesystem::path& path)
+{
+    const char* format = formatOf(path, startOf(path));
+    return format ? format : std::string_view();
+}
+
 HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits& limits,
                             int threads, int channels)
 {
-    const char* format = formatOf(path, startOf(path));
+    const char* const format = formatOf(path, startOf(path));
     if (format == nullptr)
         throw BakeError(path,
                         "not a png, jpeg, tiff, exr, targa, bmp, hdr, webp, sgi or pnm image");

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <MaterialTranslation/Bakes.h>
@@ -58,6 +59,10 @@ struct HeightImage
 /// @throws BakeError when there is no such file, or it is of another format, too large, empty, or damaged.
 HeightImage readHeightImage(const std::filesystem::path& path, const ImageLimits& limits,
                             int threads = 0, int channels = 1);
+
+/// The format of an image file as readHeightImage tells it; empty when it is none of them.
+/// @throws BakeError when there is no such file.
+std::string_view imageFormat(const std::filesystem::path& path);
 
 /// @throws BakeError when the image has more pixels than allowed, or none.
 /// @param file  named in the message.

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "baking/BrowserImage.h"
 #include "baking/ImageFile.h"
 #include "baking/NoiseImage.h"
 #include "baking/NormalImage.h"
@@ -218,7 +219,7 @@ BakeResult bakeNoiseFile(const fs::path& destination, const NoiseBakeOptions& op
 }
 
 constexpr bakes::BakeLibrary library{VYR_MTLX_BAKES_STAMP, bakeForMaterial, bakeNormalMapFile,
-                                     bakeNoiseFile};
+                                     bakeNoiseFile, browserImage};
 
 } // namespace
 

@@ -1,5 +1,5 @@
-// forms.js <folder of the page>: compares the pictures of each material in all forms of its document. The folder has
-// the documents by reference as the page has them, and those in another form in forms/<form>.
+// forms.js <folder>: compares the pictures of each material in all forms of its document. The folder has a folder of
+// documents for each form.
 
 import path from "node:path";
 import { forEachMaterial, withScript } from "./browser.js";
@@ -17,9 +17,9 @@ const figures = ({ most, mean }) => `at most ${most}, mean ${mean.toFixed(4)}`;
 
 /** The materials with their documents in all forms. */
 async function readForms(folder) {
-    const all = await materials(path.join(folder, "documents"));
+    const all = await materials(path.join(folder, "reference"));
     for (const form of FORMS) {
-        const others = new Map((await materials(path.join(folder, "forms", form))).map(({ key, text }) => [key, text]));
+        const others = new Map((await materials(path.join(folder, form))).map(({ key, text }) => [key, text]));
         for (const material of all) {
             if (!others.has(material.key)) throw new Error(`${material.key} has no document in the form ${form}`);
             material[form] = others.get(material.key);

@@ -5,6 +5,7 @@ import { writeFile } from "node:fs/promises";
 import path from "node:path";
 import { pathToFileURL } from "node:url";
 import { withPage, withScript } from "./browser.js";
+import { pictures } from "./cards.js";
 import { OVERLAYS, SELECTION } from "./selection.js";
 
 const [gallery, folder] = process.argv.slice(2);
@@ -12,32 +13,40 @@ const problems = [];
 
 const save = (name, url) => writeFile(path.join(folder, `${name}.webp`), Buffer.from(url.split(",")[1], "base64"));
 
-/** The pictures on a page with their names, side by side. Runs in the page. */
-function contactSheet([ids, columns]) {
-    const cards = ids.map((id) => document.getElementById(id));
-    const missing = ids.filter((_, i) => !cards[i]);
-    if (missing.length) throw new Error(`not among the samples: ${missing.join(", ")}`);
-    const { width, height } = cards[0].querySelector("canvas");
+const WIDTH = 360;
+const HEIGHT = 240;
+
+/** Pictures with their names, side by side. Runs in the page. */
+async function contactSheet([cards, columns, width, height]) {
     const sheet = document.createElement("canvas");
     sheet.width = width * columns;
     sheet.height = height * Math.ceil(cards.length / columns);
     const target = sheet.getContext("2d");
     target.font = "13px sans-serif";
-    for (const [i, card] of cards.entries()) {
+    for (const [i, { title, size, picture }] of cards.entries()) {
         const [x, y] = [width * (i % columns), height * Math.floor(i / columns)];
-        target.drawImage(card.querySelector("canvas"), x, y);
+        const image = Object.assign(new Image(), { src: picture });
+        await image.decode();
+        target.drawImage(image, x, y, width, height);
         target.fillStyle = "#fffc";
         target.textAlign = "left";
-        target.fillText(card.querySelector("h2").textContent, x + 12, y + height - 12);
+        target.fillText(title, x + 12, y + height - 12);
         target.textAlign = "right";
-        target.fillText(card.querySelector(".size").textContent, x + width - 12, y + height - 12);
+        target.fillText(size, x + width - 12, y + height - 12);
     }
     return sheet.toDataURL("image/webp", 0.88);
 }
 
 async function drawSheet(name, selection) {
-    const page = `${pathToFileURL(path.resolve(gallery, "index.html"))}?width=360&only=${selection.join(",")}`;
-    await save(name, await withPage(page, "gallery", problems, (opened) => opened.evaluate(contactSheet, [selection, 4])));
+    const address = pathToFileURL(path.resolve(gallery, "index.html")).href;
+    const draw = async (page) => {
+        const found = new Map();
+        for await (const card of pictures(page, selection)) found.set(card.name, { ...card, title: card.name });
+        const missing = selection.filter((material) => !found.get(material)?.picture);
+        if (missing.length) throw new Error(`not among the pictures: ${missing.join(", ")}`);
+        return page.evaluate(contactSheet, [selection.map((material) => found.get(material)), 4, WIDTH, HEIGHT]);
+    };
+    await save(name, await withPage(address, "preview", problems, draw));
 }
 
 async function drawNodes() {

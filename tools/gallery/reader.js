@@ -1,4 +1,4 @@
-// reader.js <folder of the page>: loads the flattened documents, which are in forms/standard of the folder, in
+// reader.js <folder>: loads the flattened documents, which are in "standard" of the folder, in
 // three.js's MaterialXLoader, and says what that leaves out.
 
 import path from "node:path";
@@ -64,8 +64,8 @@ async function read(page, all, problems) {
     return { loaded, saying };
 }
 
-const all = await materials(path.join(process.argv[2], "forms/standard"));
-const references = new Map((await materials(path.join(process.argv[2], "documents"))).map(({ key, text }) => [key, text]));
+const all = await materials(path.join(process.argv[2], "standard"));
+const references = new Map((await materials(path.join(process.argv[2], "reference"))).map(({ key, text }) => [key, text]));
 for (const material of all) material.reference = references.get(material.key);
 const problems = [];
 const { loaded, saying } = await withScript("src/reader.js", "reader", problems, async (page) => {

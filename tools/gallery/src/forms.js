@@ -1,6 +1,7 @@
 // Draws documents for comparison with others that must look the same.
 
 import { difference } from "../difference.js";
+import definitions from "../../../libraries/kvor?files";
 import { createGenerator } from "./generator.js";
 import { stageOf } from "./stage.js";
 import { Studio } from "./studio.js";
@@ -11,8 +12,8 @@ const HEIGHT = 80;
 
 class Comparison {
     async open(images) {
-        this.generator = await createGenerator();
-        this.studio = new Studio(images, Infinity);
+        this.generator = await createGenerator(Object.entries(definitions));
+        this.studio = new Studio((name) => images[name], Infinity);
     }
 
     /** How the pictures of other documents differ from that of the first. */

@@ -3,20 +3,23 @@
 import MaterialX from "../node_modules/@needle-tools/materialx/bin/JsMaterialXGenShader.js";
 import wasm from "../node_modules/@needle-tools/materialx/bin/JsMaterialXGenShader.wasm?url";
 import standardLibraries from "../node_modules/@needle-tools/materialx/bin/JsMaterialXGenShader.data.txt?url";
-import kvorLibrary from "../../../libraries/kvor?files";
 
 const LUMINANCE = "luminance";
 const PLAIN = "material";
 
-/** Loads MaterialX with its standard libraries and the kvor definitions. */
-export async function createGenerator() {
+/**
+ * Loads MaterialX with its standard libraries and the kvor definitions.
+ *
+ * @param definitions pairs of the names of these files and their texts
+ */
+export async function createGenerator(definitions) {
     const mx = await MaterialX({
         locateFile: (name) => (name.endsWith(".wasm") ? wasm : standardLibraries),
     });
     // The definitions join the standard libraries in MaterialX's own file system before anything is
     // loaded: it keeps the units that it finds at the first load.
     mx.FS_createPath("/libraries", "kvor", true, true);
-    for (const [name, text] of Object.entries(kvorLibrary)) {
+    for (const [name, text] of definitions) {
         mx.FS_createDataFile("/libraries/kvor", name, new TextEncoder().encode(text), true, false, true);
     }
     const essl = mx.EsslShaderGenerator.create();
@@ -41,12 +44,15 @@ class Generator {
     /**
      * Of the material of a document: shader of both stages, and whether the surface has holes or lets the
      * background through.
+     *
+     * @param nameOf gives the name that an image is asked for by
      */
-    async material(text) {
+    async material(text, nameOf = (name) => name) {
         const document = this.mx.createDocument();
         await this.#reported(() => this.mx.readFromXmlString(document, text, ""));
         document.setDataLibrary(this.library);
         this.#convertLuminances(document);
+        renameImages(document, nameOf);
         const [node] = document.getMaterialNodes();
         if (!node) throw new Error("the document has no material");
         usePlainNames(document, node.getName());
@@ -92,6 +98,13 @@ function usePlainNames(document, name) {
             const value = element.getAttribute(reference);
             if (value) element.setAttribute(reference, plain(value));
         }
+    }
+}
+
+function renameImages(document, nameOf) {
+    for (const element of document.traverseTree()) {
+        const name = element.getAttribute("type") === "filename" && element.getAttribute("value");
+        if (name) element.setAttribute("value", nameOf(name));
     }
 }
 

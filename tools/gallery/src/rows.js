@@ -1,6 +1,7 @@
 // Draws a row of pictures for every kvor node.
 
 import { caption, EXAMPLES, IMAGES } from "./examples.js";
+import definitions from "../../../libraries/kvor?files";
 import { createGenerator } from "./generator.js";
 import { Studio } from "./studio.js";
 
@@ -35,8 +36,8 @@ async function drawRow(generator, studio, { document: write, view, row }) {
 }
 
 async function drawAll() {
-    const generator = await createGenerator();
-    const studio = new Studio(IMAGES);
+    const generator = await createGenerator(Object.entries(definitions));
+    const studio = new Studio((name) => IMAGES[name]);
     const rows = {};
     for (const [node, example] of Object.entries(EXAMPLES)) rows[node] = await drawRow(generator, studio, example);
     window.rows = rows;

@@ -1,11 +1,11 @@
 // The scene of every picture: a sphere and a tile on the floor of a small studio, or what wears an overlay.
 
 import {
-    Cache, DoubleSide, FrontSide, Group, Mesh, NeutralToneMapping, PerspectiveCamera, PlaneGeometry, RepeatWrapping, Scene,
+    Group, Mesh, NeutralToneMapping, PerspectiveCamera, PlaneGeometry, Scene,
     ShaderMaterial, SRGBColorSpace, TextureLoader, Vector3, WebGLRenderer,
 } from "three";
-import { MaterialXEnvironment, MaterialXMaterial } from "@needle-tools/materialx";
 import { BACKDROP, createEnvironment } from "./environment.js";
+import { createMaterial } from "./material.js";
 import { createScrew, createSphere, createSticker, createThread, createTile, RADIUS, SCREW_SCALE, setSize } from "./shapes.js";
 import floorVertex from "./floor.vert?text";
 import floorFragment from "./floor.frag?text";
@@ -19,6 +19,8 @@ const LUMINANCE_OF_RADIANCE_ONE = 1000;
 const REFLECTION_SAMPLES = 24;
 /** Compiled shaders live as long as a material that uses them. */
 const KEPT_MATERIALS = 24;
+/** Images that stay decoded for materials to come. */
+const KEPT_IMAGES = 24;
 /** Share of the shade on the floor that things with holes cast. */
 const THIN_SHADE = 0.4;
 
@@ -33,11 +35,11 @@ const VIEWS = {
 
 export class Studio {
     /**
-     * @param images data URLs by the names that documents use
+     * @param imageOf gives the data URL of an image, or a promise of it, by the name that documents use
      * @param limit how many materials are kept for others to share their shaders
      */
-    constructor(images, limit = KEPT_MATERIALS) {
-        this.images = images;
+    constructor(imageOf, limit = KEPT_MATERIALS) {
+        this.imageOf = imageOf;
         this.limit = limit;
         this.textures = new Map();
         this.errors = [];
@@ -73,10 +75,7 @@ export class Studio {
         this.wall.position.z = -12;
         this.scene.add(this.floor, this.wall, this.sphere, this.tile, this.plate, this.sticker, this.screw);
 
-        const environment = createEnvironment();
-        const lighting = MaterialXEnvironment.get(this.scene);
-        lighting.update = () => {};
-        lighting.getTextures = () => environment;
+        this.light = createEnvironment();
     }
 
     #buildScrew() {
@@ -118,28 +117,28 @@ export class Studio {
     async draw(material, { metres, origin, view = "both", base }, canvas) {
         const shading = await this.#shading(material);
         const intensity = WHITE_LUMINANCE / LUMINANCE_OF_RADIANCE_ONE;
-        shading.envMapIntensity = intensity;
+        shading.uniforms.u_envLightIntensity.value = intensity;
         for (const shape of this.shapes) {
             setSize(shape.geometry, metres, origin);
             shape.material = shading;
         }
         const below = base && (await this.#shading(base));
         if (below) {
-            below.envMapIntensity = intensity;
+            below.uniforms.u_envLightIntensity.value = intensity;
             for (const solid of this.bases) solid.material = below;
         }
-        this.#show(VIEWS[view], intensity, material.transparent && !base ? THIN_SHADE : 1, canvas);
+        await this.#show(VIEWS[view], intensity, material.transparent && !base ? THIN_SHADE : 1, canvas);
         for (const used of [shading, below]) if (used) this.#keep(used);
-        Cache.clear(); // It would give a texture the address modes of the material that had it first.
+        while (this.textures.size > KEPT_IMAGES) this.textures.delete(this.textures.keys().next().value);
         if (this.errors.length) throw new Error(this.errors.splice(0).join("\n"));
     }
 
     /** Draws the studio without anything in it. */
     drawEmpty(canvas) {
-        this.#show({ ...VIEWS.both, shown: [] }, 1, 1, canvas);
+        return this.#show({ ...VIEWS.both, shown: [] }, 1, 1, canvas);
     }
 
-    #show({ shown, at, field }, intensity, shade, canvas) {
+    async #show({ shown, at, field }, intensity, shade, canvas) {
         const { backdrop, sphereShade, tileShade } = this.floor.material.uniforms;
         for (const name of ["sphere", "tile", "plate", "sticker", "screw"]) this[name].visible = shown.includes(name);
         sphereShade.value = this.sphere.visible ? shade : 0;
@@ -150,34 +149,19 @@ export class Studio {
         const camera = new PerspectiveCamera(field, canvas.width / canvas.height, 0.1, 100);
         camera.position.set(at, 1.15, 5.2);
         camera.lookAt(at, 0.47, 0);
+        // Otherwise the page would stand still until the shaders are there.
+        await this.renderer.compileAsync(this.scene, camera);
         this.renderer.render(this.scene, camera);
         canvas.getContext("2d").drawImage(this.renderer.domElement, 0, 0);
     }
 
-    async #shading({ shader, transparent }) {
-        const loading = [];
-        const shading = new MaterialXMaterial({
-            name: "material",
-            shader,
-            context: {},
-            parameters: { transparent, premultipliedAlpha: true, side: transparent ? DoubleSide : FrontSide },
-            loaders: {
-                getTexture: (path) => {
-                    const texture = this.#texture(path.slice(1));
-                    loading.push(texture);
-                    return texture;
-                },
-            },
-        });
-        shading.forceSinglePass = false;
-        shading.uniforms.u_envRadianceSamples.value = REFLECTION_SAMPLES;
-        shading.uniforms.u_lightData.value = [{ type: 0 }];
-        await Promise.all(loading);
-        await new Promise((resolve) => setTimeout(resolve)); // The material takes the textures after us.
-        return shading;
+    #shading(material) {
+        return createMaterial(material, (name) => this.#texture(name), this.light, REFLECTION_SAMPLES);
     }
 
+    // The shader is kept, the memory of its textures is not.
     #keep(shading) {
+        for (const texture of shading.userData.textures) texture.dispose();
         this.kept.push(shading);
         if (this.kept.length > this.limit) this.kept.shift().dispose();
     }
@@ -188,10 +172,10 @@ export class Studio {
     }
 
     async #loadTexture(name) {
-        if (!(name in this.images)) throw new Error(`no image ${name}`);
-        const texture = await new TextureLoader().loadAsync(this.images[name]);
+        const url = await this.imageOf(name);
+        if (!url) throw new Error(`no image ${name}`);
+        const texture = await new TextureLoader().loadAsync(url);
         texture.anisotropy = this.renderer.capabilities.getMaxAnisotropy();
-        texture.wrapS = texture.wrapT = RepeatWrapping;
         return texture;
     }
 }
