@@ -22,9 +22,9 @@ int main(int argc, char** argv)
         for (const std::size_t size = std::stoul(argv[4]); bytes.size() < size;)
             bytes += argv[3];
         for (int times = argc > 5 ? std::stoi(argv[5]) : 1; times > 0 && !error; --times)
-            error = vyr::base::writeFile(pathFromUtf8(argv[2]), bytes,
-                                         vyr::base::SameBytes::AreWritten)
-                        .error;
+            error =
+                vyr::base::writeFile(pathFromUtf8(argv[2]), bytes, vyr::base::SameBytes::AreWritten)
+                    .error;
     }
     if (error)
         std::cout << error.value() << '\n';
