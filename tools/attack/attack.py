@@ -6,6 +6,7 @@ import itertools
 import os
 import pathlib
 import shutil
+import signal
 import sys
 import tempfile
 import threading
@@ -42,7 +43,7 @@ def attack(kind, places, specs, end):
     result, lock = Result(kind), threading.Lock()
 
     def work(place):
-        while time.monotonic() < end:
+        while time.monotonic() < end and not Settings.stopped:
             with lock:
                 spec = next(specs, None)
             if spec is None:
@@ -51,6 +52,8 @@ def attack(kind, places, specs, end):
                 wrong, crash = KINDS[kind][1](place, spec)
             except OSError as error:
                 wrong, crash = [f"cannot be checked: {error}"], None
+            if Settings.stopped:  # which the tool was told too
+                return
             stack = faults.stack_of(place, spec) if crash and kind == "faults" else ""
             with lock:
                 result.tried += 1
@@ -84,6 +87,11 @@ def report(results):
             print("  " + stack.replace("\n", "\n  "))
 
 
+def stop(*_):
+    """Ctrl-C ends the attack; what was tried until then is reported."""
+    Settings.stopped = True
+
+
 def main():
     parser = argparse.ArgumentParser(prog="scripts/attack", description=__doc__)
     parser.add_argument("kind", nargs="?", default="all", choices=["all", "fuzz", *KINDS])
@@ -105,7 +113,10 @@ def main():
     results = []
     try:
         where = places(options.jobs) if set(kinds) & set(KINDS) else []
+        signal.signal(signal.SIGINT, stop)
         for kind in kinds:
+            if Settings.stopped:
+                break
             minutes = options.minutes * SHARES[kind] / total
             end = time.monotonic() + 60 * minutes
             print(f"attack: {kind}, {minutes:.1f} minutes", flush=True)

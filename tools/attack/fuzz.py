@@ -64,7 +64,7 @@ def fuzz(target, options, end, result):
     more = [f"-dict={dictionary}"] if dictionary.is_file() else []
     environment = {**os.environ, **ENVIRONMENT, "TMPDIR": str(folder)}
     seed, known, round_ = options.seed, set(), 0
-    while time.monotonic() < end - 1 and round_ < 200:
+    while time.monotonic() < end - 1 and round_ < 200 and not Settings.stopped:
         limit = [f"-max_total_time={int(end - time.monotonic()) + 1}"]
         if options.count:
             limit.append(f"-runs={max(options.count - result.tried, 1)}")
@@ -77,6 +77,8 @@ def fuzz(target, options, end, result):
             if options.count and result.tried >= options.count:
                 break
             continue
+        if Settings.stopped:
+            break
         round_ += 1
         artifact = re.search(r"Test unit written to (\S+)", text)
         stack = stack_in(text)

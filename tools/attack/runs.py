@@ -34,6 +34,7 @@ WRITING = [case for case in CASES if case not in ("list", "validate")]
 
 class Settings:
     tool = library = work = None
+    stopped = False
 
 
 def run(arguments, folder, faults=None, **variables):
