@@ -127,12 +127,16 @@ std::string Asset::displayName() const
     return name.str();
 }
 
-std::string Asset::schema() const
+const std::string& Asset::schema() const
 {
-    UTF8String name;
-    if (const auto* definition = _instance.GetDefinition())
-        definition->GetName(name);
-    return name.str();
+    if (!_schema)
+    {
+        UTF8String name;
+        if (const auto* definition = _instance.GetDefinition())
+            definition->GetName(name);
+        _schema = name.str();
+    }
+    return *_schema;
 }
 
 bool Asset::hasWorkingPropertyNames() const

@@ -236,7 +236,8 @@ class Asset
     std::string name() const;
     /// The name shown to people, in English.
     std::string displayName() const;
-    std::string schema() const;
+    /// The host is asked once: what was chosen by its answer must not meet another one.
+    const std::string& schema() const;
     /// Whether property names may be used to tell what properties mean.
     bool hasWorkingPropertyNames() const;
     std::string description() const;
@@ -262,6 +263,7 @@ class Asset
     const IAssetInstance& _instance;
     const IPropertyConstTable& _table;
     std::ostream* _trace;
+    mutable std::optional<std::string> _schema;
     mutable std::vector<const IProperty*> _lookedUp;
     mutable std::vector<const IProperty*> _settled;
     mutable std::vector<const IProperty*> _traced;

@@ -55,7 +55,12 @@ class PatternReader
             else if (!_made)
                 for (std::string name = numbered(row, 1); _asset[name.c_str()].hasValue();
                      name = numbered(row, list.size() + 1))
-                    list.push_back(*readValue(row, name));
+                {
+                    const auto value = readValue(row, name);
+                    if (!value)
+                        break;
+                    list.push_back(*value);
+                }
             if (row.takesTexture && !own.empty() && _asset[own.c_str()].isConnected())
                 readImage(own.c_str(), _pattern.images[i == colors[0] ? 0 : 1]);
         }
